@@ -1,0 +1,24 @@
+# ovelin_add_test(<name> [SOURCES file...] [LIBRARIES library...])
+#
+# Adds the test program tst_<name>, made of tst_<name>.cpp and the SOURCES, linked with ovelin and
+# the LIBRARIES, and runs it without a display. Named as a target, it runs under
+# CMAKE_CROSSCOMPILING_EMULATOR in a cross build. Hidden parts of the library cannot be linked: a
+# test of one names its .cpp among the SOURCES.
+function(ovelin_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+
+    set(target tst_${name})
+    qt_add_executable(${target} ${target}.cpp ${arg_SOURCES})
+    target_include_directories(${target} PRIVATE
+        ${PROJECT_SOURCE_DIR}/src
+        ${PROJECT_SOURCE_DIR}/tests
+    )
+    target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
+    target_link_libraries(${target} PRIVATE Ovelin::Ovelin Qt6::Test ${arg_LIBRARIES})
+
+    add_test(NAME ${target} COMMAND ${target})
+    set_tests_properties(${target} PROPERTIES
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
+        TIMEOUT 300
+    )
+endfunction()
