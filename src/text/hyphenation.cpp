@@ -1,0 +1,119 @@
+#include "hyphenation_p.h"
+
+#include <ovelin/textrenderer.h>
+
+#include <QFontMetricsF>
+
+#include <algorithm>
+
+namespace ovelin {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char16_t hyphen = u'-';
+
+// The classes have letters for names: g for vowels, s for consonants, x for the short i and the two
+// signs. These letters themselves are therefore taken for the classes.
+struct LetterClass
+{
+    char16_t letter;
+    char16_t letterClass;
+};
+
+constexpr LetterClass letterClasses[] = {
+    {u'а', u'g'}, {u'б', u's'}, {u'в', u's'}, {u'г', u's'}, {u'д', u's'}, {u'е', u'g'},
+    {u'ё', u'g'}, {u'ж', u's'}, {u'з', u's'}, {u'и', u'g'}, {u'й', u'x'}, {u'к', u's'},
+    {u'л', u's'}, {u'м', u's'}, {u'н', u's'}, {u'о', u'g'}, {u'п', u's'}, {u'р', u's'},
+    {u'с', u's'}, {u'т', u's'}, {u'у', u'g'}, {u'ф', u's'}, {u'х', u's'}, {u'ц', u's'},
+    {u'ч', u's'}, {u'ш', u's'}, {u'щ', u's'}, {u'ь', u'x'}, {u'ы', u'g'}, {u'ъ', u'x'},
+    {u'э', u'g'}, {u'ю', u'g'}, {u'я', u'g'},
+};
+
+struct Rule
+{
+    QLatin1StringView before;
+    QLatin1StringView after;
+};
+
+// In the order in which they apply: a hyphen that an earlier rule set keeps the later ones from
+// matching across it.
+constexpr Rule hyphenationRules[] = {
+    {"xgg"_L1, "x-gg"_L1},
+    {"xgs"_L1, "x-gs"_L1},
+    {"xsg"_L1, "x-sg"_L1},
+    {"xss"_L1, "x-ss"_L1},
+    {"ggg"_L1, "g-gg"_L1},
+    {"ggs"_L1, "g-gs"_L1},
+    {"ggx"_L1, "g-gx"_L1},
+    {"gssg"_L1, "gs-sg"_L1},
+    {"sgsg"_L1, "sg-sg"_L1},
+    {"gsssg"_L1, "gs-ssg"_L1},
+    {"gssssg"_L1, "gss-ssg"_L1},
+};
+
+// What a word gains in hyphens before its class string has to grow.
+constexpr qsizetype usualHyphenCount = 4;
+
+QHash<QChar, QChar> makeLetterClasses()
+{
+    QHash<QChar, QChar> classes;
+    for (const auto &[letter, letterClass] : letterClasses)
+        classes.insert(letter, letterClass);
+    return classes;
+}
+
+QString classString(const QString &word)
+{
+    QString classes;
+    classes.reserve(word.size() + usualHyphenCount);
+    const QString lowerCase = word.toLower();
+    for (const QChar letter : lowerCase)
+        classes.append(hyphenationLetterClasses.value(letter, letter));
+    return classes;
+}
+
+void insertHyphens(QString &classes)
+{
+    for (const auto &[before, after] : hyphenationRules) {
+        // A match ends where the next may begin; the second run finds those that overlap one of the
+        // first, and more runs would give breaks that nobody expects.
+        classes.replace(before, after, Qt::CaseSensitive);
+        classes.replace(before, after, Qt::CaseSensitive);
+    }
+}
+
+} // namespace
+
+const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
+const QRegularExpression wordBreakPattern(
+    u"(%1|%2|%3[^\\d])"_s.arg(u' ').arg(QChar(lineSeparator)).arg(hyphen));
+
+int hyphenationPoint(const QString &line, const QString &word, int wordOffset, double maxWidth,
+                     const QFontMetricsF &metrics)
+{
+    QString classes = classString(word);
+    insertHyphens(classes);
+
+    qsizetype candidate = classes.indexOf(hyphen, 0, Qt::CaseSensitive);
+    if (candidate == -1)
+        return -1;
+
+    const double hyphenWidth = metrics.horizontalAdvance(QChar(hyphen));
+    qsizetype next = 0;
+    qsizetype accepted = 0;
+    while (candidate != -1) {
+        // Each hyphen before this one is taken for an inserted one, also one of the word's own.
+        const qsizetype kept = wordOffset + candidate - accepted;
+        const QString prefix = line.left(std::max<qsizetype>(0, kept));
+        if (maxWidth <= TextRenderer::fineTextWidth(prefix, metrics) + hyphenWidth)
+            break;
+        next = candidate + 1;
+        ++accepted;
+        candidate = classes.indexOf(hyphen, next, Qt::CaseSensitive);
+    }
+    return static_cast<int>(next - accepted);
+}
+
+} // namespace ovelin

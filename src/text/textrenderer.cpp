@@ -1,0 +1,616 @@
+#include <ovelin/textrenderer.h>
+
+#include "finetextwidth_p.h"
+#include "hyphenation_p.h"
+#include "textlayout_p.h"
+#include "textrenderer_p.h"
+
+#include <QFontMetricsF>
+#include <QLine>
+#include <QMargins>
+#include <QPainter>
+#include <QPen>
+#include <QTextOption>
+#include <QTransform>
+
+#include <cmath>
+
+namespace ovelin {
+
+namespace {
+
+constexpr char16_t newline = u'\n';
+
+// From this limit on a text may have several lines, and newlines break it.
+constexpr int fewestLinesToBreak = 2;
+
+QString withLineSeparators(QString text)
+{
+    return text.replace(newline, lineSeparator);
+}
+
+// Bounded like the positions that make it up: QRect keeps its right and bottom edge as ints.
+QRect boundedRect(const QPoint &topLeft, const QSize &size)
+{
+    QRect rect;
+    rect.setCoords(topLeft.x(), topLeft.y(), toInt(double(topLeft.x()) + size.width() - 1),
+                   toInt(double(topLeft.y()) + size.height() - 1));
+    return rect;
+}
+
+} // namespace
+
+TextRendererPrivate::TextRendererPrivate(TextRenderer *renderer)
+    : owner(renderer)
+{
+    staticText.setTextFormat(Qt::AutoText);
+    staticText.setPerformanceHint(QStaticText::AggressiveCaching);
+    staticText.setTextOption(QTextOption(Qt::AlignLeft));
+}
+
+// A size in points depends on the device; only a font with a size in pixels is laid out and drawn.
+bool TextRendererPrivate::canBeLaidOut() const
+{
+    return font.pixelSize() >= 0 && !text.isEmpty();
+}
+
+std::optional<int> TextRendererPrivate::widthLimit() const
+{
+    if (textWidth >= 1)
+        return textWidth;
+    if (maxTextWidth >= 1)
+        return maxTextWidth;
+    return std::nullopt;
+}
+
+int TextRendererPrivate::effectiveTextWidth()
+{
+    if (!effectiveWidth) {
+        fineWidth = TextRenderer::fineTextWidth(text, QFontMetricsF(font));
+        effectiveWidth = std::min(*fineWidth, widthLimit().value_or(*fineWidth));
+    }
+    return *effectiveWidth;
+}
+
+void TextRendererPrivate::markDirty()
+{
+    needRelayout = true;
+    effectiveWidth.reset();
+    fineWidth.reset();
+    applyLineSeparators();
+}
+
+void TextRendererPrivate::applyLineSeparators()
+{
+    if (maxLineCount < fewestLinesToBreak || lineSeparatorsApplied)
+        return;
+    text = withLineSeparators(text);
+    lineSeparatorsApplied = true;
+}
+
+void TextRendererPrivate::performLayout()
+{
+    if (!needRelayout || !canBeLaidOut())
+        return;
+
+    const auto limit = widthLimit();
+    staticText.setTextWidth(limit ? *limit : effectiveTextWidth());
+    // Qt wraps rich text by itself.
+    if (limit && staticText.textFormat() != Qt::RichText)
+        breakAtLimit();
+    else
+        staticText.setText(text);
+
+    staticText.prepare(QTransform(), font);
+    updateAlignedTextTopLeft();
+    needRelayout = false;
+}
+
+void TextRendererPrivate::breakAtLimit()
+{
+    const auto broken = breakIntoLines(text, font,
+                                       {.width = staticText.textWidth(),
+                                        .maxLineCount = maxLineCount,
+                                        .hyphenationEnabled = hyphenationEnabled});
+    textElided = broken.elided;
+    if (!textElided)
+        staticText.setTextWidth(effectiveTextWidth());
+    staticText.setText(broken.text);
+}
+
+// The text is aligned as a whole by moving it, not by Qt inside the static text.
+void TextRendererPrivate::updateAlignedTextTopLeft()
+{
+    const QSizeF size = staticText.size();
+    const Qt::Alignment alignment = staticText.textOption().alignment();
+
+    if (availableHeight < 1) {
+        alignedTextTopLeft.setY(textTopLeft.y());
+    } else if (alignment & Qt::AlignVCenter) {
+        const int offset = toInt(std::ceil((availableHeight - size.height()) * 0.5));
+        alignedTextTopLeft.setY(toInt(double(textTopLeft.y()) + offset));
+    } else if (size.height() < availableHeight && alignment & Qt::AlignBottom) {
+        alignedTextTopLeft.setY(
+            toInt(double(availableHeight) + textTopLeft.y() - toInt(std::ceil(size.height()))));
+    }
+
+    const int width = effectiveTextWidth();
+    if (textWidth < 1 || textWidth < width)
+        return;
+    if (alignment & Qt::AlignHCenter) {
+        const int offset = toInt(std::ceil((textWidth - width) * 0.5));
+        alignedTextTopLeft.setX(toInt(double(textTopLeft.x()) + offset));
+    } else if (alignment & Qt::AlignRight) {
+        alignedTextTopLeft.setX(toInt(double(textWidth) - width + textTopLeft.x()));
+    }
+}
+
+// An empty text keeps its line's height, truncated, and gets no margins: layouts rely on the gap.
+QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
+{
+    const QSizeF size = staticText.size();
+    if (text.isEmpty())
+        return {0, toInt(size.height())};
+    return {toInt(double(margins.left()) + margins.right() + toInt(std::ceil(size.width()))),
+            toInt(double(margins.top()) + margins.bottom() + toInt(std::ceil(size.height())))};
+}
+
+/*!
+    \class ovelin::TextRenderer
+    \inmodule Ovelin
+    \brief A piece of text that is laid out once in a box and then painted cheaply again and again.
+
+    A renderer holds the text with its font, width, line limit, alignment and position. Setters record
+    the new value and mark the layout as out of date; relayout() breaks the text into lines, hyphenates
+    Russian words, and cuts what exceeds the line limit with an ellipsis; draw() paints the result with
+    one call. The text needs a font with a size in pixels: with one in points, or without a text,
+    nothing is laid out or painted.
+
+    All geometry is in device pixels. Arithmetic with positions saturates at the range of int.
+
+    \section1 The width
+
+    The lines are as wide as textWidth() if that is at least 1, else maxTextWidth() if that is at least
+    1, else as wide as the text needs on one line. A line exactly as wide as the limit does not fit.
+
+    \section1 The lines
+
+    A text breaks at a space, at a line separator, and at a hyphen that no digit follows. With a
+    maxLineCount() of 2 or more, newlines in the text become line separators (U+2028), and stay so. A
+    word that does not fit at the end of a line is hyphenated, if hyphenationEnabled(), by rules made
+    for Russian; where these find no place and the word is long, it is split without a hyphen so that
+    at least five characters, the separator behind the word counted, go to the next line. On the last
+    line allowed the text is cut with an ellipsis, and spaces and punctuation before the ellipsis are
+    dropped. With a line limit of 0 or less nothing is split, and elided only where a hyphen would have
+    to begin ever more lines.
+
+    Every layout ends: a word that fits on no line is cut at the line limit, or, where there is none,
+    stands on its line as if it fitted.
+
+    A renderer is a value: it can be copied, and copies are independent. It cannot be assigned. For the
+    GUI thread.
+
+    \since Ovelin 1.0
+*/
+
+/*!
+    Creates a renderer for a single line, without a text: hyphenation enabled, aligned left, no width,
+    the format Qt::AutoText.
+*/
+TextRenderer::TextRenderer()
+    : d(std::make_unique<TextRendererPrivate>(this))
+{
+}
+
+/*!
+    Creates a copy of \a other with its layout. Whether the text was elided is not copied:
+    isTextElided() returns false until the copy is laid out itself.
+*/
+TextRenderer::TextRenderer(const TextRenderer &other)
+    : TextRenderer()
+{
+    d->needRelayout = other.d->needRelayout;
+    d->staticText = other.d->staticText;
+    d->text = other.d->text;
+    d->font = other.d->font;
+    d->textTopLeft = other.d->textTopLeft;
+    d->alignedTextTopLeft = other.d->alignedTextTopLeft;
+    d->maxLineCount = other.d->maxLineCount;
+    d->hyphenationEnabled = other.d->hyphenationEnabled;
+    d->availableHeight = other.d->availableHeight;
+    d->textWidth = other.d->textWidth;
+    d->maxTextWidth = other.d->maxTextWidth;
+}
+
+/*!
+    Destroys the renderer.
+*/
+TextRenderer::~TextRenderer() = default;
+
+/*!
+    Returns the text as it was set, with line separators (U+2028) where newlines were replaced.
+*/
+QString TextRenderer::text() const
+{
+    return d->text;
+}
+
+/*!
+    Sets the text to \a text; does nothing when it is the same. With a maxLineCount() of 2 or more each
+    newline becomes a line separator, before the texts are compared.
+*/
+void TextRenderer::setText(const QString &text)
+{
+    const bool separated = d->maxLineCount >= fewestLinesToBreak;
+    const QString newText = separated ? withLineSeparators(text) : text;
+    if (newText == d->text)
+        return;
+    d->text = newText;
+    d->lineSeparatorsApplied = separated;
+    d->markDirty();
+}
+
+/*!
+    Returns the font of the text; initially the application's.
+*/
+QFont TextRenderer::textFont() const
+{
+    return d->font;
+}
+
+/*!
+    Sets the font to \a font, which needs a size in pixels; does nothing when it is the same. With a
+    size in points the renderer is not valid.
+*/
+void TextRenderer::setTextFont(const QFont &font)
+{
+    if (font == d->font)
+        return;
+    d->font = font;
+    d->markDirty();
+}
+
+/*!
+    Returns the format of the text, initially Qt::AutoText.
+*/
+Qt::TextFormat TextRenderer::textFormat() const
+{
+    return d->staticText.textFormat();
+}
+
+/*!
+    Sets the format of the text to \a format; does nothing when it is the same.
+
+    Qt::RichText is left to Qt, which wraps it at the limit: it is neither elided nor hyphenated, and
+    isTextElided() keeps what the last layout of another format found.
+*/
+void TextRenderer::setTextFormat(Qt::TextFormat format)
+{
+    if (format == d->staticText.textFormat())
+        return;
+    d->staticText.setTextFormat(format);
+    d->markDirty();
+}
+
+/*!
+    Returns the alignment of the text in its box, initially Qt::AlignLeft.
+*/
+Qt::Alignment TextRenderer::textAlignment() const
+{
+    return d->staticText.textOption().alignment();
+}
+
+/*!
+    Sets the alignment of the text in its box to \a alignment; does nothing when it is the same.
+
+    Qt::AlignHCenter and Qt::AlignRight move the text as a whole inside textWidth(), Qt::AlignVCenter
+    and Qt::AlignBottom inside the available height; other flags leave it where it is.
+*/
+void TextRenderer::setTextAlignment(Qt::Alignment alignment)
+{
+    QTextOption option = d->staticText.textOption();
+    if (alignment == option.alignment())
+        return;
+    option.setAlignment(alignment);
+    d->staticText.setTextOption(option);
+    d->markDirty();
+}
+
+/*!
+    Returns the fixed width of the box in device pixels; 0 or less: not set.
+*/
+int TextRenderer::textWidth() const
+{
+    return d->textWidth;
+}
+
+/*!
+    Sets the fixed width of the box to \a width device pixels; 0 or less means that no width is set.
+
+    Keeps the present layout when the whole text, measured by fineTextWidth(), fits both the old and
+    the new width and nothing was elided, and likewise whenever \a width is 0: only the alignment is
+    computed anew then. In every other case the renderer needs a relayout(), also when the width does
+    not change.
+
+    \sa maxTextWidth(), isNeedRelayout()
+*/
+void TextRenderer::setTextWidth(int width)
+{
+    const auto fitsWhole = [this](int boxWidth) { return boxWidth >= *d->fineWidth; };
+    const bool keepsLayout = !d->needRelayout && d->fineWidth && !d->textElided
+        && (width == 0 || (fitsWhole(d->textWidth) && fitsWhole(width)));
+
+    d->textWidth = width;
+    if (keepsLayout)
+        d->updateAlignedTextTopLeft();
+    else
+        d->markDirty();
+}
+
+/*!
+    Returns the maximal width in device pixels, which counts while textWidth() is not set; 0 or less:
+    not set.
+*/
+int TextRenderer::maxTextWidth() const
+{
+    return d->maxTextWidth;
+}
+
+/*!
+    Sets the maximal width to \a width device pixels; does nothing when it is the same. 0 or less means
+    that no maximal width is set.
+*/
+void TextRenderer::setMaxTextWidth(int width)
+{
+    if (width == d->maxTextWidth)
+        return;
+    d->maxTextWidth = width;
+    d->staticText.setTextWidth(width);
+    d->markDirty();
+}
+
+/*!
+    Sets the height of the box, for vertical alignment only, to \a height device pixels; does nothing
+    when it is the same. 0 or less means that there is no box. A text that is centred and higher than
+    the box begins above it.
+*/
+void TextRenderer::setAvailableHeight(int height)
+{
+    if (height == d->availableHeight)
+        return;
+    d->availableHeight = height;
+    d->markDirty();
+}
+
+/*!
+    Returns the maximal number of lines, initially 1.
+*/
+int TextRenderer::maxLineCount() const
+{
+    return d->maxLineCount;
+}
+
+/*!
+    Sets the maximal number of lines to \a count; does nothing when it is the same. With 0 or less
+    there is no limit; so, in effect, with INT_MAX.
+
+    From 2 on the newlines in the text become line separators; a lower limit set later does not turn
+    them back.
+*/
+void TextRenderer::setMaxLineCount(int count)
+{
+    if (count == d->maxLineCount)
+        return;
+    d->maxLineCount = count;
+    d->markDirty();
+}
+
+/*!
+    Returns whether words are hyphenated; initially true.
+*/
+bool TextRenderer::hyphenationEnabled() const
+{
+    return d->hyphenationEnabled;
+}
+
+/*!
+    Sets whether words are hyphenated at the end of a line to \a enabled; does nothing when it is the
+    same. A word that fits on no line is hyphenated or split even if not.
+*/
+void TextRenderer::setHyphenationEnabled(bool enabled)
+{
+    if (enabled == d->hyphenationEnabled)
+        return;
+    d->hyphenationEnabled = enabled;
+    d->markDirty();
+}
+
+/*!
+    Returns the position of the box.
+*/
+QPoint TextRenderer::textTopLeft() const
+{
+    return d->textTopLeft;
+}
+
+/*!
+    Sets the position of the box to \a topLeft and forgets the alignment of the text in it, which the
+    next relayout() finds anew; does nothing when it is the same.
+
+    \sa move()
+*/
+void TextRenderer::setTextTopLeft(const QPoint &topLeft)
+{
+    if (topLeft == d->textTopLeft)
+        return;
+    d->textTopLeft = topLeft;
+    d->alignedTextTopLeft = topLeft;
+    d->markDirty();
+}
+
+/*!
+    Returns where the text is painted: its top left corner after alignment.
+*/
+QPoint TextRenderer::alignedTextTopLeft() const
+{
+    return d->alignedTextTopLeft;
+}
+
+/*!
+    Returns whether there is a text, and a font with a size in pixels.
+*/
+bool TextRenderer::isValid() const
+{
+    return d->canBeLaidOut();
+}
+
+/*!
+    Returns whether the layout is out of date; false for a new renderer.
+*/
+bool TextRenderer::isNeedRelayout() const
+{
+    return d->needRelayout;
+}
+
+/*!
+    Returns whether the last layout cut the text with an ellipsis. A layout without a width, or of rich
+    text, leaves the answer as it was.
+*/
+bool TextRenderer::isTextElided() const
+{
+    return d->textElided;
+}
+
+/*!
+    Returns the text as the last layout shows it, with hyphens and ellipsis, and with newlines between
+    its lines where the text itself or the layout broke it. Lines that end at a space stand together:
+    Qt breaks them. Empty before the first layout.
+*/
+QString TextRenderer::displayText() const
+{
+    return d->staticText.text().replace(lineSeparator, newline);
+}
+
+/*!
+    Returns the paragraphs of text(): what its line separators part, empty ones included. These are not
+    the lines of the layout.
+*/
+QStringList TextRenderer::textLines() const
+{
+    return d->text.split(lineSeparator);
+}
+
+/*!
+    Moves the box to \a topLeft, and the text with it, without a new layout.
+
+    \sa setTextTopLeft()
+*/
+void TextRenderer::move(const QPoint &topLeft)
+{
+    if (topLeft == d->textTopLeft)
+        return;
+    const auto moved = [](int aligned, int from, int to) {
+        return toInt(double(aligned) + to - from);
+    };
+    const QPoint aligned = d->alignedTextTopLeft;
+    d->alignedTextTopLeft = {moved(aligned.x(), d->textTopLeft.x(), topLeft.x()),
+                             moved(aligned.y(), d->textTopLeft.y(), topLeft.y())};
+    d->textTopLeft = topLeft;
+}
+
+/*!
+    Lays the text out, if that is needed. A renderer that is not valid stays as it is, and goes on
+    needing it.
+*/
+void TextRenderer::relayout()
+{
+    d->performLayout();
+}
+
+/*!
+    Lays the text out, if that is needed, and returns its size with \a margins around it.
+*/
+QSize TextRenderer::boundingSize(const QMargins &margins)
+{
+    relayout();
+    return d->computeBoundingSize(margins);
+}
+
+/*!
+    Returns the size of the text as it was last laid out, rounded up, with \a margins around it. An
+    empty text has no width, the height that its last layout left, truncated, and no margins.
+*/
+QSize TextRenderer::boundingSize(const QMargins &margins) const
+{
+    return d->computeBoundingSize(margins);
+}
+
+/*!
+    Returns the rectangle of the text as it was last laid out, at its aligned position; at
+    textTopLeft() if that position is (0, 0).
+*/
+QRect TextRenderer::boundingRect() const
+{
+    const QPoint origin
+        = d->alignedTextTopLeft.isNull() ? d->textTopLeft : d->alignedTextTopLeft;
+    return boundedRect(origin, d->computeBoundingSize({}));
+}
+
+/*!
+    Returns the rectangle of the box: textWidth() wide at textTopLeft(), as high as the text as it was
+    last laid out, rounded to the nearest pixel. Without a textWidth() this is boundingRect().
+*/
+QRect TextRenderer::geometry() const
+{
+    if (d->textWidth < 1)
+        return boundingRect();
+    return boundedRect(d->textTopLeft, {d->textWidth, qRound(d->staticText.size().height())});
+}
+
+/*!
+    Paints the text as it was last laid out with \a painter and its pen, at alignedTextTopLeft().
+
+    Leaves the text's font set. A font that strikes out gets a line through the middle of the text,
+    drawn with a pen that is left set too. Paints nothing when the renderer is not valid.
+*/
+void TextRenderer::draw(QPainter &painter) const
+{
+    if (!d->canBeLaidOut())
+        return;
+
+    const QPoint topLeft = d->alignedTextTopLeft;
+    painter.setFont(d->font);
+    painter.drawStaticText(QPointF(topLeft), d->staticText);
+
+    if (!d->font.strikeOut())
+        return;
+    QPen pen = painter.pen();
+    // A font sized in pixels has no size in points: QPen refuses the -1, and the width stays.
+    pen.setWidth(d->font.pointSize());
+    painter.setPen(pen);
+
+    const QSizeF size = d->staticText.size();
+    const int y = toInt(double(topLeft.y()) + toInt(size.height() * 0.5));
+    const int right = toInt(double(topLeft.x()) + toInt(std::ceil(size.width())));
+    const QLine strike(topLeft.x(), y, right, y);
+    painter.drawLines(&strike, 1);
+}
+
+/*!
+    \relates TextRenderer
+
+    Paints the text of \a renderer with \a painter and \a pen so that its top left corner, as aligned,
+    lies on the painter's origin.
+
+    The painter is neither saved nor restored: it keeps the pen, no brush, the font and the
+    translation.
+*/
+void drawTextRenderer(QPainter &painter, const TextRenderer &renderer, const QPen &pen)
+{
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    painter.translate(-QPointF(renderer.alignedTextTopLeft()));
+    renderer.draw(painter);
+}
+
+} // namespace ovelin
