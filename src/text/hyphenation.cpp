@@ -88,7 +88,7 @@ void insertHyphens(QString &classes)
 
 const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
 const QRegularExpression wordBreakPattern(
-    u"(%1|%2|%3[^\\d])"_s.arg(u' ').arg(QChar(lineSeparator)).arg(hyphen));
+    u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
 
 int hyphenationPoint(const QString &line, const QString &word, int wordOffset, double maxWidth,
                      const QFontMetricsF &metrics)

@@ -5,9 +5,9 @@
 #include <ovelin/textrenderer.h>
 
 #include <QFontMetricsF>
+#include <QHash>
 
 #include <algorithm>
-#include <optional>
 
 namespace ovelin {
 
@@ -29,9 +29,11 @@ constexpr qsizetype shortestWideWord = 2;
 // How often a hyphen is moved to yet another line before the text is cut there.
 constexpr qsizetype usualHyphenMoves = 64;
 
+// All that a wrap depends on, apart from how many lines are left. The text only ever grows: of the
+// same size it is the same.
 struct WrapState
 {
-    qsizetype textSize; // the text only ever grows: of the same size it is the same
+    qsizetype textSize;
     qsizetype lineStart;
     qsizetype wordStart;
     qsizetype previousWordStart;
@@ -39,31 +41,11 @@ struct WrapState
     bool operator==(const WrapState &) const = default;
 };
 
-// Finds out that the breaker is in a state in which it was before, and so will be for ever (Brent's
-// cycle detection: one old state is kept, and replaced after 1, 2, 4, ... newer ones).
-class CycleDetector
+size_t qHash(const WrapState &state, size_t seed = 0)
 {
-public:
-    // Returns the lines counted since the same state was seen, if it was.
-    std::optional<int> linesPerCycle(const WrapState &state, int lineCount)
-    {
-        if (m_state == state)
-            return lineCount - m_lineCount;
-        if (++m_age == m_lifeTime) {
-            m_state = state;
-            m_lineCount = lineCount;
-            m_age = 0;
-            m_lifeTime *= 2;
-        }
-        return std::nullopt;
-    }
-
-private:
-    std::optional<WrapState> m_state;
-    int m_lineCount = 0;
-    qsizetype m_age = 0;
-    qsizetype m_lifeTime = 1;
-};
+    return qHashMulti(seed, state.textSize, state.lineStart, state.wordStart,
+                      state.previousWordStart);
+}
 
 // One run over one text. The break candidates are taken one after the other; at each, the line up to
 // it is measured, and the word before it is accepted, split, or moved to the next line, where it is
@@ -83,6 +65,7 @@ private:
     void acceptWord();
     bool splitWord();
     void wrapWord();
+    void skipCycles(int linesPerCycle);
     void breakAfterSeparator();
     void moveHyphenToNextLine();
     void elide();
@@ -111,7 +94,7 @@ private:
     QString m_line;
     bool m_elided = false;
 
-    CycleDetector m_cycleDetector;
+    QHash<WrapState, int> m_lineCountAtWrap;
     qsizetype m_hyphenMoves = 0;
     qsizetype m_movedHyphen = -1; // counted from the end, which insertions before it do not change
 };
@@ -164,7 +147,7 @@ bool LineBreaker::fits() const
 // A word that fills its line alone is split even without hyphenation: it fits nowhere.
 bool LineBreaker::maySplit() const
 {
-    return m_lineCount < m_limits.maxLineCount - 1
+    return m_lineCount + 1 < m_limits.maxLineCount
         && (m_limits.hyphenationEnabled || m_line == m_word);
 }
 
@@ -197,14 +180,14 @@ bool LineBreaker::splitWord()
 void LineBreaker::wrapWord()
 {
     const WrapState state{m_text.size(), m_lineStart, m_wordStart, m_previousWordStart};
-    if (const auto cycle = m_cycleDetector.linesPerCycle(state, m_lineCount)) {
-        if (m_limits.maxLineCount <= 0) {
-            m_cycleDetector = {};
-            acceptWord();
-            return;
-        }
-        // What is left of the way to the limit, in whole cycles.
-        m_lineCount += (m_limits.maxLineCount - 1 - m_lineCount) / *cycle * *cycle;
+    const auto seen = m_lineCountAtWrap.constFind(state);
+    if (seen == m_lineCountAtWrap.cend()) {
+        m_lineCountAtWrap.insert(state, m_lineCount);
+    } else if (m_limits.maxLineCount <= 0) {
+        acceptWord();
+        return;
+    } else {
+        skipCycles(m_lineCount - *seen);
     }
 
     if (!countLine())
@@ -221,6 +204,14 @@ void LineBreaker::wrapWord()
         m_break = m_wordStart;
     }
     breakAfterSeparator();
+}
+
+// Wrapping has led back to where it was before that many lines, and does so until the limit is near:
+// only the last cycle is left to go through.
+void LineBreaker::skipCycles(int linesPerCycle)
+{
+    const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
+    m_lineCount += linesLeft / linesPerCycle * linesPerCycle;
 }
 
 // Ends the line where the word's own separator is a break that the user wanted.
