@@ -6,18 +6,25 @@ namespace ovelin {
 
 namespace {
 
-// Returns the owner's state, or null when there is no tracker that takes registrations.
-QSharedPointer<ResourceOwnerState> registerWithTracker(IResourceOwner *owner,
-                                                       const ResourceInfo &info)
+using StatePointer = QSharedPointer<ResourceOwnerState>;
+
+// The state by which the tracker knows the owner at this moment: slots that an operation called may
+// have removed the owner, or registered it anew. Null for an owner that is not there.
+StatePointer knownState(const SceneResourceTracker *tracker, IResourceOwner *owner)
+{
+    const auto known = tracker->owners().find(owner);
+    return known == tracker->owners().end() ? StatePointer() : known->second;
+}
+
+bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StatePointer &heldState)
 {
     SceneResourceTracker *tracker = sceneResourceTracker();
     if (!tracker || tracker->isRegistrationBlocked())
-        return {};
+        return false;
 
-    const auto state = tracker->registerResource(owner, info);
-    // A slot may have removed the owner and registered it anew.
-    const auto known = tracker->owners().find(owner);
-    return known == tracker->owners().end() ? state : known->second;
+    tracker->registerResource(owner, info);
+    heldState = knownState(tracker, owner);
+    return true;
 }
 
 } // namespace
@@ -47,19 +54,14 @@ QSharedPointer<ResourceOwnerState> registerWithTracker(IResourceOwner *owner,
 AbstractResourceOwner::AbstractResourceOwner() = default;
 
 /*!
-    Destroys the owner. If it is still registered with the installed tracker, that one forgets it and
-    its resources as unregisterResources() does, with the same signals; messages show it without
-    address and names, and states that the application keeps have no owner from then on.
-
-    An item that was registered with another tracker than the installed one leaves that one no signal;
-    unregister it before another tracker is installed.
+    Destroys the owner. A tracker where it is still registered, installed or not, forgets it and its
+    resources as SceneResourceTracker::unregisterResources() does, with the same signals; messages show
+    the owner without address and names, and its state, which the application may still hold, has no
+    owner from then on.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {
-    if (SceneResourceTracker *tracker = sceneResourceTracker())
-        SceneResourceTrackerPrivate::get(tracker)->removeDyingOwner(this, ownerState.data());
-    else if (ownerState)
-        ownerState->owner = nullptr;
+    SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState.data());
 }
 
 /*!
@@ -70,13 +72,9 @@ AbstractResourceOwner::~AbstractResourceOwner()
 */
 bool AbstractResourceOwner::registerImage(int id, const QUrl &url)
 {
-    const auto state = registerWithTracker(
-        this, {.url = url, .name = {}, .id = id, .type = ResourceInfo::Image, .ownerState = {}});
-    if (!state)
-        return false;
-
-    ownerState = state;
-    return true;
+    return registerWithTracker(
+        this, {.url = url, .name = {}, .id = id, .type = ResourceInfo::Image, .ownerState = {}},
+        ownerState);
 }
 
 /*!
@@ -88,13 +86,8 @@ bool AbstractResourceOwner::registerImage(int id, const QUrl &url)
 */
 bool AbstractResourceOwner::registerResource(int id, const QString &name, ResourceInfo::Type type)
 {
-    const auto state = registerWithTracker(
-        this, {.url = {}, .name = name, .id = id, .type = type, .ownerState = {}});
-    if (!state)
-        return false;
-
-    ownerState = state;
-    return true;
+    return registerWithTracker(
+        this, {.url = {}, .name = name, .id = id, .type = type, .ownerState = {}}, ownerState);
 }
 
 /*!
@@ -111,7 +104,7 @@ void AbstractResourceOwner::unregisterResource(int id)
     tracker->unregisterResource(this, id);
     // A slot may have dropped the state already.
     if (ownerState && ownerState->resourceCount == 0)
-        ownerState.reset();
+        ownerState = knownState(tracker, this);
 }
 
 /*!
@@ -126,9 +119,7 @@ void AbstractResourceOwner::unregisterResources()
         return;
 
     tracker->unregisterResources(this);
-    // The item stays when a slot registered something for it in the meantime.
-    if (tracker->owners().find(this) == tracker->owners().end())
-        ownerState.reset();
+    ownerState = knownState(tracker, this);
 }
 
 /*!

@@ -21,20 +21,20 @@ namespace ovelin {
 IResourceOwner::~IResourceOwner() = default;
 
 /*!
-    \fn QObject *IResourceOwner::resourceOwnerObject()
+    \fn QObject *ovelin::IResourceOwner::resourceOwnerObject()
 
     Returns the object that stands for the owner in the tracker's messages, which show its address,
     class name and object name. Must not return null.
 */
 
 /*!
-    \fn void IResourceOwner::allowResources()
+    \fn void ovelin::IResourceOwner::allowResources()
 
     Called by SceneResourceTracker::allowResources(): the owner may create its resources now.
 */
 
 /*!
-    \fn void IResourceOwner::releaseResources()
+    \fn void ovelin::IResourceOwner::releaseResources()
 
     Called by SceneResourceTracker::releaseResources(): the owner gives its resources up.
 */
@@ -72,6 +72,10 @@ IResourceOwner::~IResourceOwner() = default;
 /*!
     \variable ovelin::ResourceOwnerState::owner
     \brief The owner, not owned; null when the record has none, and then nothing is done through it.
+
+    An owner that is destroyed while it is registered is taken out of its record. One that left the
+    tracker before is still named here: do not use its record with
+    SceneResourceTracker::allowResources() and SceneResourceTracker::releaseResources() any more.
 */
 
 /*!

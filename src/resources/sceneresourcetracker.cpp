@@ -27,12 +27,12 @@ ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, const IResource
     tracker->innermostWalk = this;
 }
 
-ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, Entry entry, Purpose purpose)
+ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, Entry removed)
     : m_tracker(tracker)
     , m_outer(tracker->innermostWalk)
-    , m_purpose(purpose)
+    , m_purpose(Purpose::Remove)
     , m_gone(tracker->resources.end())
-    , m_entries{entry}
+    , m_entries{removed}
 {
     tracker->innermostWalk = this;
 }
@@ -67,14 +67,34 @@ bool ResourceWalk::removes(Entry entry) const
         && current() == entry;
 }
 
+// Looks from the current entry on, which it is as a rule: a walk over all entries stays linear.
 void ResourceWalk::forget(Entry entry)
 {
-    std::replace(m_entries.begin(), m_entries.end(), entry, m_gone);
+    const auto found = std::find(m_entries.begin() + m_index, m_entries.end(), entry);
+    if (found != m_entries.end())
+        *found = m_gone;
 }
 
 void ResourceWalk::forgetAll()
 {
     std::fill(m_entries.begin(), m_entries.end(), m_gone);
+}
+
+SceneResourceTrackerPrivate *SceneResourceTrackerPrivate::s_newest = nullptr;
+
+SceneResourceTrackerPrivate::SceneResourceTrackerPrivate()
+    : m_older(s_newest)
+{
+    if (m_older)
+        m_older->m_newer = this;
+    s_newest = this;
+}
+
+SceneResourceTrackerPrivate::~SceneResourceTrackerPrivate()
+{
+    if (m_older)
+        m_older->m_newer = m_newer;
+    (m_newer ? m_newer->m_older : s_newest) = m_older;
 }
 
 // An entry that is being removed counts as gone already: what a slot registers under its id in the
@@ -89,15 +109,6 @@ SceneResourceTrackerPrivate::find(const IResourceOwner *owner, int id)
     return entry;
 }
 
-bool SceneResourceTrackerPrivate::hasResources(const IResourceOwner *owner)
-{
-    auto entry = resources.begin();
-    while (entry != resources.end()
-           && (entry->ownerState->owner != owner || isBeingRemoved(entry)))
-        ++entry;
-    return entry != resources.end();
-}
-
 bool SceneResourceTrackerPrivate::isBeingRemoved(Resources::iterator entry) const
 {
     for (const ResourceWalk *walk = innermostWalk; walk; walk = walk->outer()) {
@@ -105,6 +116,13 @@ bool SceneResourceTrackerPrivate::isBeingRemoved(Resources::iterator entry) cons
             return true;
     }
     return false;
+}
+
+bool SceneResourceTrackerPrivate::isKnown(IResourceOwner *owner,
+                                          const QSharedPointer<ResourceOwnerState> &state) const
+{
+    const auto known = owners.find(owner);
+    return known != owners.end() && known->second == state;
 }
 
 void SceneResourceTrackerPrivate::update(Resources::iterator entry, const ResourceInfo &info)
@@ -160,11 +178,41 @@ bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
     return removed;
 }
 
-// Lets go of an owner whose own part is destroyed already, so that it can no longer be asked for its
-// object. Its states lose it before the first slot runs, and the slots do not find it in the table.
+// Returns whether an owner whose entries were unregistered stays after all, because a slot registered
+// something for it; its count then starts anew.
+bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
+{
+    int count = 0;
+    bool keeps = false;
+    for (auto entry = resources.begin(); entry != resources.end(); ++entry) {
+        if (entry->ownerState->owner != owner)
+            continue;
+        ++count;
+        keeps = keeps || !isBeingRemoved(entry);
+    }
+    const auto known = owners.find(owner);
+    if (keeps && known != owners.end())
+        known->second->resourceCount = count;
+    return keeps;
+}
+
+void SceneResourceTrackerPrivate::ownerDestroyed(IResourceOwner *owner,
+                                                 ResourceOwnerState *heldState)
+{
+    if (heldState)
+        heldState->owner = nullptr;
+    for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
+        tracker->removeDyingOwner(owner, heldState);
+}
+
+// The item's own part is destroyed already: it can no longer be asked for its object. Its states
+// lose it before the first slot runs.
 void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
                                                    ResourceOwnerState *heldState)
 {
+    // The application may have taken the owner out of the state: the entries are found all the same.
+    if (heldState)
+        heldState->owner = owner;
     ResourceWalk walk(this, owner, ResourceWalk::Purpose::Remove);
     if (heldState)
         heldState->owner = nullptr;
@@ -213,8 +261,8 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
         removed in between, and announces what it changed itself;
     \li what a slot registers for an owner whose resources are just being unregistered stays
         registered, and then its owner stays too;
-    \li after a clear() from a slot, the interrupted operation ends without further signals about
-        entries that are gone.
+    \li an unregistration whose entry a slot removed by clear() ends without further signals, and a
+        registration whose owner a slot removed ends without resourceOwnerAdded().
     \endlist
 
     A slot must not destroy the tracker, nor an item that is executing one of its own operations.
@@ -224,28 +272,28 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
 */
 
 /*!
-    \fn void SceneResourceTracker::resourcesChanged()
+    \fn void ovelin::SceneResourceTracker::resourcesChanged()
 
     Emitted when the list of resources was changed, and after every registration, also one that only
     updated an entry. The last signal of the operation that caused it.
 */
 
 /*!
-    \fn void SceneResourceTracker::resourceOwnerAdded()
+    \fn void ovelin::SceneResourceTracker::resourceOwnerAdded()
 
     Emitted when an owner registered its first resource, after the entry is in the list and before
     resourcesChanged().
 */
 
 /*!
-    \fn void SceneResourceTracker::resourceOwnerRemoved()
+    \fn void ovelin::SceneResourceTracker::resourceOwnerRemoved()
 
     Emitted when an owner left owners(), before resourcesChanged(). After unregisterResource() the
     owner's last entry is still in the list at that moment; after unregisterResources() none is.
 */
 
 /*!
-    \fn void SceneResourceTracker::messagesAdded()
+    \fn void ovelin::SceneResourceTracker::messagesAdded()
 
     Emitted once for each message appended to the log, before the other signals of the operation that
     the message tells of. With a queued connection expect the log to have been emptied in between.
@@ -338,7 +386,7 @@ SceneResourceTracker::registerResource(IResourceOwner *owner, const ResourceInfo
         d->file(info, state);
     }
 
-    if (ownerAdded)
+    if (ownerAdded && d->isKnown(owner, state))
         Q_EMIT resourceOwnerAdded();
     Q_EMIT resourcesChanged();
     return state;
@@ -358,7 +406,7 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
     if (entry == d->resources.end())
         return;
 
-    ResourceWalk walk(d, entry, ResourceWalk::Purpose::Remove);
+    ResourceWalk walk(d, entry);
     walk.next();
     d->addMessage(Message::Unregistered, *entry);
     if (!walk.hasCurrent())
@@ -366,13 +414,10 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
 
     const auto state = entry->ownerState;
     --state->resourceCount;
-    if (state->resourceCount == 0) {
-        const auto known = d->owners.find(owner);
-        // Not the state of an owner that a slot removed and registered anew.
-        if (known != d->owners.end() && known->second == state) {
-            d->owners.erase(known);
-            Q_EMIT resourceOwnerRemoved();
-        }
+    // A slot may have removed the owner, or registered it anew with another state.
+    if (state->resourceCount == 0 && d->isKnown(owner, state)) {
+        d->owners.erase(owner);
+        Q_EMIT resourceOwnerRemoved();
     }
     if (!walk.hasCurrent())
         return;
@@ -395,7 +440,7 @@ void SceneResourceTracker::unregisterResources(IResourceOwner *owner)
     ResourceWalk walk(d, owner, ResourceWalk::Purpose::Remove);
     const bool removed = d->unregisterEntries(walk);
 
-    if (!d->hasResources(owner) && d->owners.erase(owner) > 0)
+    if (!d->keepsOwner(owner) && d->owners.erase(owner) > 0)
         Q_EMIT resourceOwnerRemoved();
     if (removed)
         Q_EMIT resourcesChanged();

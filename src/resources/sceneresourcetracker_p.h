@@ -18,14 +18,14 @@ class SceneResourceTrackerPrivate : public QObjectPrivate
 public:
     using Resources = std::list<ResourceInfo>;
 
-    static SceneResourceTrackerPrivate *get(SceneResourceTracker *tracker)
-    {
-        return tracker->d_func();
-    }
+    SceneResourceTrackerPrivate();
+    ~SceneResourceTrackerPrivate() override;
+
+    static void ownerDestroyed(IResourceOwner *owner, ResourceOwnerState *heldState);
 
     Resources::iterator find(const IResourceOwner *owner, int id);
-    bool hasResources(const IResourceOwner *owner);
     bool isBeingRemoved(Resources::iterator entry) const;
+    bool isKnown(IResourceOwner *owner, const QSharedPointer<ResourceOwnerState> &state) const;
 
     void update(Resources::iterator entry, const ResourceInfo &info);
     QSharedPointer<ResourceOwnerState> stateOf(IResourceOwner *owner);
@@ -33,6 +33,7 @@ public:
 
     void erase(Resources::iterator entry);
     bool unregisterEntries(ResourceWalk &walk);
+    bool keepsOwner(IResourceOwner *owner);
     void removeDyingOwner(IResourceOwner *owner, ResourceOwnerState *heldState);
 
     void addMessage(SceneResourceTracker::Message::Event event, const ResourceInfo &info);
@@ -43,6 +44,12 @@ public:
     bool messagesEnabled = false;
     bool registrationBlocked = false;
     ResourceWalk *innermostWalk = nullptr;
+
+private:
+    // All trackers there are: an item that dies must not stay in one that is not installed just then.
+    static SceneResourceTrackerPrivate *s_newest;
+    SceneResourceTrackerPrivate *m_older = nullptr;
+    SceneResourceTrackerPrivate *m_newer = nullptr;
 };
 
 // The entries that one operation handles, in the order of the list, as they were when it began.
@@ -59,7 +66,7 @@ public:
 
     ResourceWalk(SceneResourceTrackerPrivate *tracker, const IResourceOwner *owner,
                  Purpose purpose);
-    ResourceWalk(SceneResourceTrackerPrivate *tracker, Entry entry, Purpose purpose);
+    ResourceWalk(SceneResourceTrackerPrivate *tracker, Entry removed);
     ~ResourceWalk();
 
     bool next();

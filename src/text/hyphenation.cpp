@@ -12,8 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr char16_t hyphen = u'-';
-
 // The classes have letters for names: g for vowels, s for consonants, x for the short i and the two
 // signs. These letters themselves are therefore taken for the classes.
 struct LetterClass

@@ -13,6 +13,7 @@ namespace ovelin {
 
 // Breaks a line of the displayed text.
 constexpr char16_t lineSeparator = u'\u2028';
+constexpr char16_t hyphen = u'-';
 
 // The class of each lower-case Russian letter: vowel, consonant, or sign.
 extern const QHash<QChar, QChar> hyphenationLetterClasses;

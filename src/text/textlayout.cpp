@@ -15,7 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr char16_t hyphen = u'-';
 constexpr char16_t ellipsis = u'\u2026';
 
 // A word is split without a hyphen only if that many characters, its separator counted, go to the
@@ -222,7 +221,8 @@ void LineBreaker::breakAfterSeparator()
 }
 
 // Breaks the line in front of the hyphen, which begins the next one. A word for which that line is too
-// narrow as well comes back here, for ever if there is no end to the lines: the text is cut then.
+// narrow as well comes back here, and does so until the limit, or for ever: all its empty lines are
+// made at once then, and where there are too many of them the text is cut.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype movedHyphen = m_text.size() - m_wordStart;
@@ -230,15 +230,25 @@ void LineBreaker::moveHyphenToNextLine()
         m_movedHyphen = movedHyphen;
         m_hyphenMoves = 0;
     }
-    if (m_hyphenMoves == std::max(usualHyphenMoves, m_sourceSize)) {
+    const qsizetype movesLeft = std::max(usualHyphenMoves, m_sourceSize) - m_hyphenMoves;
+    if (movesLeft == 0) {
         elide();
         return;
     }
 
-    ++m_hyphenMoves;
-    m_text.insert(m_wordStart - 1, lineSeparator);
-    m_lineStart = m_wordStart;
-    ++m_wordStart;
+    qsizetype moves = 1;
+    const bool hyphenBeginsLine = m_lineStart == m_wordStart - 1;
+    if (m_hyphenMoves > 0 && hyphenBeginsLine) {
+        const bool limited = m_limits.maxLineCount > 0;
+        const qsizetype linesLeft = limited ? m_limits.maxLineCount - m_lineCount : movesLeft;
+        moves = std::min(movesLeft, linesLeft);
+    }
+
+    m_hyphenMoves += moves;
+    m_lineCount += static_cast<int>(moves - 1);
+    m_text.insert(m_wordStart - 1, QString(moves, lineSeparator));
+    m_wordStart += moves;
+    m_lineStart = m_wordStart - 1;
 }
 
 void LineBreaker::elide()

@@ -145,7 +145,8 @@ void TextRendererPrivate::updateAlignedTextTopLeft()
     }
 }
 
-// An empty text keeps its line's height, truncated, and gets no margins: layouts rely on the gap.
+// An empty text has the height that its static text last had, truncated, and no margins: callers are
+// built against these numbers.
 QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
 {
     const QSizeF size = staticText.size();
@@ -184,8 +185,8 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     dropped. With a line limit of 0 or less nothing is split, and elided only where a hyphen would have
     to begin ever more lines.
 
-    Every layout ends: a word that fits on no line is cut at the line limit, or, where there is none,
-    stands on its line as if it fitted.
+    Every layout ends: a word that fits on no line and cannot be split is cut at the line limit,
+    however large, or, where there is none, stands on its line as if it fitted.
 
     A renderer is a value: it can be copied, and copies are independent. It cannot be assigned. For the
     GUI thread.
@@ -304,7 +305,8 @@ Qt::Alignment TextRenderer::textAlignment() const
     Sets the alignment of the text in its box to \a alignment; does nothing when it is the same.
 
     Qt::AlignHCenter and Qt::AlignRight move the text as a whole inside textWidth(), Qt::AlignVCenter
-    and Qt::AlignBottom inside the available height; other flags leave it where it is.
+    and Qt::AlignBottom inside the available height; other flags leave it where it is, also where an
+    earlier alignment moved it: setTextTopLeft() with another position puts it back.
 */
 void TextRenderer::setTextAlignment(Qt::Alignment alignment)
 {
@@ -327,10 +329,10 @@ int TextRenderer::textWidth() const
 /*!
     Sets the fixed width of the box to \a width device pixels; 0 or less means that no width is set.
 
-    Keeps the present layout when the whole text, measured by fineTextWidth(), fits both the old and
-    the new width and nothing was elided, and likewise whenever \a width is 0: only the alignment is
-    computed anew then. In every other case the renderer needs a relayout(), also when the width does
-    not change.
+    A layout that is up to date and not elided is kept when \a width is 0, and when the whole text,
+    measured by fineTextWidth(), fits both the old and the new width: only the alignment is computed
+    anew then. In every other case the renderer needs a relayout(), also when the width does not
+    change.
 
     \sa maxTextWidth(), isNeedRelayout()
 */
@@ -392,7 +394,8 @@ int TextRenderer::maxLineCount() const
 
 /*!
     Sets the maximal number of lines to \a count; does nothing when it is the same. With 0 or less
-    there is no limit; so, in effect, with INT_MAX.
+    there is no limit, and no word is hyphenated or split. INT_MAX gives as many lines as the text
+    needs, with hyphenation; a word that fits on no line and cannot be split cuts the text there.
 
     From 2 on the newlines in the text become line separators; a lower limit set later does not turn
     them back.

@@ -141,7 +141,7 @@ void ThrobberRendererPrivate::shrink(double step)
 */
 
 /*!
-    \fn void ThrobberRenderer::updated()
+    \fn void ovelin::ThrobberRenderer::updated()
 
     Emitted once at the end of each addAngles(), which the timer calls too: the picture has changed.
 */
@@ -173,8 +173,9 @@ int ThrobberRenderer::penWidth() const
 /*!
     Sets the width of circle and arc to \a width pixels and fits them into the render rectangle.
 
-    QPen refuses a negative width with a warning: the pens stay as they are then, and the circle grows
-    out of the rectangle by half of \a width. Emits nothing.
+    QPen refuses a negative width, and one above 32767, with a warning: the pens stay as they are then,
+    while the circle grows out of the rectangle, or shrinks in it, by half of \a width all the same.
+    Emits nothing.
 */
 void ThrobberRenderer::setPenWidth(int width)
 {
@@ -202,7 +203,8 @@ void ThrobberRenderer::setForegcoundColor(const QColor &color)
 
 /*!
     Sets the rectangle that the throbber fills to \a rect, in the coordinates of the painter that
-    draw() gets. Circle and arc are drawn inside it, their outer edge on its border. Emits nothing.
+    draw() gets. Circle and arc are drawn inside it, their outer edge on its border; with an odd pen
+    width, half a pixel beyond. Emits nothing.
 */
 void ThrobberRenderer::setRenderRect(const QRect &rect)
 {
