@@ -1,0 +1,152 @@
+# The way into the build root. Inside, programs and system files are the root's; everything else,
+# the user's folders above all, stands where it stands outside.
+
+# The folders that the root brings; the machine's of these names stay outside.
+readonly root_folders='@(bin|sbin|lib|lib32|lib64|libx32|usr|etc|var)'
+
+# What a program may need to know of the user's session. Compiler flags and search paths of the
+# machine stay outside: they name files that the root does not have.
+readonly root_variables=(
+    TERM COLORTERM NO_COLOR CI USER LOGNAME TZ SOURCE_DATE_EPOCH
+    DISPLAY WAYLAND_DISPLAY XAUTHORITY XDG_RUNTIME_DIR XDG_SESSION_TYPE
+    http_proxy https_proxy no_proxy
+    CMAKE_BUILD_PARALLEL_LEVEL 'CTEST_*' 'OVELIN_*' 'QT_LOGGING_*' 'QT_QPA_PLATFORM' 'QT_*SCALE*' 'QTEST_*'
+)
+
+root_shown=()
+
+# Makes sure that files stand inside under the path that they have outside.
+# root_show PATH...
+root_show()
+{
+    root_shown+=("$@")
+}
+
+# Sets root_entrance: bubblewrap, or what understands the same options where bubblewrap may not run.
+root_choose_entrance()
+{
+    local refusal
+    if refusal=$(bwrap --dev-bind / / true 2>&1); then
+        root_entrance=(bwrap --die-with-parent)
+    elif is_administrator && unshare --mount true 2>/dev/null; then
+        root_entrance=(unshare --mount --propagation private "$repository/tools/chroot-entrance")
+    elif is_administrator; then
+        fail "This system refuses namespaces even to root, as containers do by default ($refusal)." \
+            "The build root needs them. Start the container with --cap-add SYS_ADMIN" \
+            "--security-opt seccomp=unconfined --security-opt apparmor=unconfined, or use a system with" \
+            "Qt >= $minimum_qt, such as Debian 13, where no build root is needed."
+    else
+        fail "This system refuses user namespaces to the user $(id --user --name) ($refusal)." \
+            "The build root needs them. Have an administrator allow them: sysctl kernel.unprivileged_userns_clone=1," \
+            "on Ubuntu kernel.apparmor_restrict_unprivileged_userns=0. Or run this as root."
+    fi
+}
+
+# root_run COMMAND...
+root_run()
+{
+    root_lay_out
+    root_describe_session
+    env --ignore-environment "${root_session[@]}" \
+        "${root_entrance[@]}" "${root_mounts[@]}" --chdir "$(pwd -P)" -- "$@"
+}
+
+# Fills root_mounts with bubblewrap's options.
+root_lay_out()
+{
+    root_mounts=()
+    root_add_folders
+    root_mounts+=(--dev-bind /var/tmp /var/tmp)
+    root_add_shown
+    root_add_names
+    # The root is for everybody's next run: nothing may change it.
+    root_mounts+=(--remount-ro /usr --remount-ro /etc --remount-ro /var)
+}
+
+root_add_folders()
+{
+    local entry
+    for entry in /* /.[!.]*; do
+        # shellcheck disable=SC2053 # a pattern
+        [[ ${entry#/} == $root_folders ]] || root_add "$entry" "$entry"
+    done
+    for entry in "$root"/*; do
+        # shellcheck disable=SC2053 # a pattern
+        [[ ${entry##*/} != $root_folders ]] || root_add "$entry" "/${entry##*/}"
+    done
+}
+
+# root_add FROM TO
+root_add()
+{
+    if [[ -L $1 ]]; then
+        root_mounts+=(--symlink "$(readlink "$1")" "$2")
+    elif [[ -e $1 ]]; then
+        root_mounts+=(--dev-bind "$1" "$2")
+    fi
+}
+
+# The user's files among the system's, such as a checkout in /usr/src, unless the root has its own there.
+root_add_shown()
+{
+    local path
+    for path in "$repository" "$(pwd -P)" "$cache" "${root_shown[@]}"; do
+        path=$(realpath "$path")
+        # shellcheck disable=SC2053 # a pattern
+        [[ $path == /$root_folders/* && $path != /var/tmp/* ]] || continue
+        root_has "$path" || root_mounts+=(--dev-bind "$path" "$path")
+    done
+}
+
+# Something empty is no more than the place where an earlier run showed something of the machine.
+root_has()
+{
+    if [[ -d $root$1 ]]; then
+        [[ -n $(ls --almost-all "$root$1") ]]
+    else
+        [[ -s $root$1 ]]
+    fi
+}
+
+# Users, groups and hosts have the names that they have outside.
+root_add_names()
+{
+    local file
+    for file in /etc/{group,hosts,passwd,resolv.conf}; do
+        [[ ! -r $file ]] || root_mounts+=(--ro-bind "$file" "$file")
+    done
+}
+
+# Fills root_session with the variables for inside. A home of its own keeps the user's font and
+# program settings from changing what is measured and drawn.
+root_describe_session()
+{
+    local home=$cache/home name pattern
+    mkdir --parents "$home"
+    root_session=(
+        "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
+        "HOME=$home"
+        "LC_ALL=C.UTF-8"
+        "TZ=$(machine_time_zone)"
+        "XAUTHORITY=$HOME/.Xauthority"
+    )
+    while IFS= read -r name; do
+        for pattern in "${root_variables[@]}"; do
+            # shellcheck disable=SC2053 # a pattern
+            [[ $name != $pattern ]] || root_session+=("$name=${!name}")
+        done
+    done < <(compgen -e)
+}
+
+machine_time_zone()
+{
+    local zone
+    zone=$(readlink --canonicalize /etc/localtime || true)
+    if [[ $zone == */zoneinfo/* ]]; then
+        echo "${zone#*/zoneinfo/}"
+    elif [[ -s /etc/timezone ]]; then
+        cat /etc/timezone
+    else
+        echo UTC
+    fi
+}

@@ -1,0 +1,61 @@
+# Which tool chain is used, and how to run a command of it.
+
+# Sets toolchain: "host", or the root's suite; it names the folder of the build trees.
+choose_toolchain()
+{
+    case ${OVELIN_TOOLCHAIN:-$(preferred_toolchain)} in
+    host) use_host ;;
+    root) use_root ;;
+    *) fail "OVELIN_TOOLCHAIN is \"$OVELIN_TOOLCHAIN\", which names no tool chain." "Use host or root, or leave it out." ;;
+    esac
+}
+
+# Who names a suite wants that suite's root. A root that is there already saves asking apt.
+preferred_toolchain()
+{
+    if [[ -z ${OVELIN_SUITE:-} ]] && { host_is_complete || { ! root_exists && host_can_be_completed; }; }; then
+        echo host
+    else
+        echo root
+    fi
+}
+
+use_host()
+{
+    host_require
+    toolchain=host
+    toolchain_identity=$(host_identity)
+    say "Tool chain: $toolchain_identity"
+}
+
+use_root()
+{
+    root_require
+    toolchain=$suite
+    toolchain_identity=$root
+    say "Tool chain: root, Debian $suite in $root"
+}
+
+# Runs a command of the tool chain in the current folder. Qt wants UTF-8, which a bare machine's locale is not.
+inside()
+{
+    if [[ $toolchain == host ]]; then
+        LC_ALL=C.UTF-8 "$@"
+    else
+        root_run "$@"
+    fi
+}
+
+# Programs that not every build needs: a machine that can build may lack them. The root has all.
+# require_programs PROGRAM...
+require_programs()
+{
+    [[ $toolchain == host ]] || return 0
+    local program
+    for program; do
+        command -v "$program" >/dev/null && continue
+        host_can_be_completed && host_install_packages
+        command -v "$program" >/dev/null || fail "This machine lacks $program." \
+            "Install it, or use the build root: OVELIN_TOOLCHAIN=root"
+    done
+}
