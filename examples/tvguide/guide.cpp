@@ -1,0 +1,90 @@
+#include "guide.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace tvguide {
+
+namespace {
+
+using namespace std::chrono;
+
+// Assumed for the last programme of a channel when its end was not given.
+constexpr minutes defaultDuration(30);
+
+// When most people watch, and far enough from the full hour to find programmes half over.
+constexpr seconds eveningTime = hours(20) + minutes(10);
+
+void arrange(std::vector<Programme> &programmes)
+{
+    std::stable_sort(programmes.begin(), programmes.end(),
+                     [](const Programme &a, const Programme &b) { return a.start < b.start; });
+
+    for (std::size_t i = 0; i + 1 < programmes.size(); ++i)
+        programmes[i].stop = std::min(programmes[i].stop, programmes[i + 1].start);
+    if (!programmes.empty() && programmes.back().stop == Programme::unknownStop)
+        programmes.back().stop = programmes.back().start + defaultDuration;
+
+    // Of several that begin together only the last one has kept a duration.
+    std::erase_if(programmes, [](const Programme &p) { return p.stop <= p.start; });
+}
+
+} // namespace
+
+std::size_t Channel::firstEndingAfter(Instant instant) const
+{
+    const auto found =
+        std::upper_bound(programmes.begin(), programmes.end(), instant,
+                         [](Instant t, const Programme &programme) { return t < programme.stop; });
+    return static_cast<std::size_t>(found - programmes.begin());
+}
+
+bool Channel::hasProgrammeAt(Instant instant) const
+{
+    const std::size_t index = firstEndingAfter(instant);
+    return index < programmes.size() && programmes[index].isRunning(instant);
+}
+
+Guide::Guide(std::vector<Channel> channels, std::chrono::seconds utcOffset)
+    : m_channels(std::move(channels))
+    , m_clock(utcOffset)
+{
+    for (Channel &channel : m_channels)
+        arrange(channel.programmes);
+    std::erase_if(m_channels, [](const Channel &channel) { return channel.programmes.empty(); });
+}
+
+std::size_t Guide::programmeCount() const
+{
+    return std::accumulate(
+        m_channels.begin(), m_channels.end(), std::size_t(0),
+        [](std::size_t sum, const Channel &channel) { return sum + channel.programmes.size(); });
+}
+
+bool Guide::covers(Instant instant) const
+{
+    return std::any_of(m_channels.begin(), m_channels.end(), [instant](const Channel &channel) {
+        return channel.hasProgrammeAt(instant);
+    });
+}
+
+Instant Guide::suggestedTime() const
+{
+    if (isEmpty())
+        return {};
+
+    const auto earliest = std::min_element(
+        m_channels.begin(), m_channels.end(), [](const Channel &a, const Channel &b) {
+            return a.programmes.front().start < b.programmes.front().start;
+        });
+    const Instant first = earliest->programmes.front().start;
+
+    const seconds offset = m_clock.utcOffset();
+    Instant evening = floor<days>(first + offset) + eveningTime - offset;
+    if (evening < first)
+        evening += days(1);
+    return covers(evening) ? evening : first;
+}
+
+} // namespace tvguide

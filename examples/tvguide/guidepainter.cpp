@@ -1,0 +1,297 @@
+#include "guidepainter.h"
+
+#include "guidescene.h"
+#include "theme.h"
+
+#include <ovelin/brushes.h>
+#include <ovelin/platformnativeinterface.h>
+#include <ovelin/throbberrenderer.h>
+
+#include <QLinearGradient>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+
+namespace tvguide {
+
+namespace {
+
+constexpr int progressWhole = 1000;
+
+// A gradient from top to bottom. Sideways the texture is only as wide as it has to be to repeat
+// evenly over the width.
+QBrush verticalBrush(const QSize &area, const QColor &top, const QColor &bottom)
+{
+    QLinearGradient gradient(0, 0, 0, area.height());
+    gradient.setColorAt(0, top);
+    gradient.setColorAt(1, bottom);
+    const QSize texture(ovelin::chooseGradientLength(area.width()), area.height());
+    return ovelin::createTexturedBrush(texture, gradient);
+}
+
+void fillRounded(QPainter &painter, const QRect &rect, int radius, const QBrush &brush)
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(brush);
+    painter.setBrushOrigin(rect.topLeft());
+    painter.drawRoundedRect(rect, radius, radius);
+    painter.setBrushOrigin(0, 0);
+}
+
+void paintProgress(QPainter &painter, const QRect &track, int progress)
+{
+    const int radius = track.height() / 2;
+    fillRounded(painter, track, radius, theme::progressTrack);
+    QRect done = track;
+    done.setWidth(std::max(track.width() * progress / progressWhole, track.height()));
+    if (progress > 0)
+        fillRounded(painter, done, radius, theme::accent);
+}
+
+// Points from its base to its tip, twice as wide as it is long.
+void fillArrow(QPainter &painter, const QPoint &base, const QPoint &toTip)
+{
+    const QPoint side(toTip.y(), toTip.x());
+    QPainterPath path(base + toTip);
+    path.lineTo(base + side);
+    path.lineTo(base - side);
+    path.closeSubpath();
+    painter.fillPath(path, theme::softText);
+}
+
+} // namespace
+
+GuidePainter::GuidePainter(const GuideScene &scene, ovelin::ThrobberRenderer &throbber)
+    : m_scene(scene)
+    , m_throbber(throbber)
+{
+    m_throbber.setForegcoundColor(theme::accent);
+    m_throbber.setBackgroundColor(theme::progressTrack);
+}
+
+void GuidePainter::renderTextures()
+{
+    const ScreenLayout &layout = m_scene.layout();
+    if (m_textures.size == layout.size())
+        return;
+
+    const QSize cardArea(layout.grid.width(), layout.row(0).height());
+    m_textures.size = layout.size();
+    m_textures.background =
+        verticalBrush(layout.size(), theme::backgroundTop, theme::backgroundBottom);
+    m_textures.panel = verticalBrush(layout.panel.size(), theme::panelTop, theme::panelBottom);
+    m_textures.card = verticalBrush(cardArea, theme::cardTop, theme::cardBottom);
+    m_textures.runningCard =
+        verticalBrush(cardArea, theme::runningCardTop, theme::runningCardBottom);
+    m_textures.focusedCard =
+        verticalBrush(cardArea, theme::focusedCardTop, theme::focusedCardBottom);
+
+    if (const ovelin::PlatformNativeInterface *platform = ovelin::platformNativeInterface()) {
+        m_textures.platformBackground = platform->createTiledPixmap(
+            layout.size(), [screen = layout.screen(), brush = m_textures.background](
+                               QPainter &painter) { painter.fillRect(screen, brush); });
+    }
+}
+
+void GuidePainter::paint(QPainter &painter)
+{
+    renderTextures();
+    painter.setRenderHint(QPainter::Antialiasing);
+
+    paintBackground(painter);
+    paintHeading(painter);
+    paintPanel(painter);
+    paintTimeLine(painter);
+    for (const auto &[index, entry] : m_scene.channels())
+        paintChannel(painter, entry);
+
+    paintMoreChannels(painter);
+    paintCards(painter);
+}
+
+void GuidePainter::paintBackground(QPainter &painter) const
+{
+    if (m_textures.platformBackground.isNull()) {
+        painter.fillRect(m_scene.layout().screen(), m_textures.background);
+        return;
+    }
+    painter.save();
+    ovelin::platformNativeInterface()->setupPainterForTiledPixmap(m_textures.platformBackground,
+                                                                  painter);
+    painter.drawPixmap(0, 0, m_textures.platformBackground);
+    painter.restore();
+}
+
+void GuidePainter::paintHeading(QPainter &painter) const
+{
+    m_scene.heading().draw(painter);
+    m_scene.date().draw(painter);
+    m_scene.clock().draw(painter);
+}
+
+void GuidePainter::paintPanel(QPainter &painter)
+{
+    const ScreenLayout &layout = m_scene.layout();
+    const DetailPanel &panel = m_scene.panel();
+    fillRounded(painter, layout.panel, layout.px(14), m_textures.panel);
+
+    const QRect poster = layout.panelPoster;
+    if (panel.poster->picture().isNull())
+        fillRounded(painter, poster, layout.px(12), theme::rowTrack);
+    else
+        painter.drawPixmap(poster.topLeft(), panel.poster->picture());
+    if (panel.poster->isWanted())
+        paintThrobber(painter, poster, layout.px(64), layout.px(6));
+
+    panel.title.draw(painter);
+    panel.facts.draw(painter);
+    panel.remaining.draw(painter);
+    panel.description.draw(painter);
+    paintProgress(painter, layout.panelProgress,
+                  m_scene.progress(m_scene.programme(m_scene.focus())));
+}
+
+void GuidePainter::paintTimeLine(QPainter &painter) const
+{
+    const ScreenLayout &layout = m_scene.layout();
+    for (const TimeMark &mark : m_scene.timeMarks()) {
+        painter.setPen(QPen(theme::line, 1));
+        painter.drawLine(mark.x, layout.timeLine.top() + layout.px(6), mark.x, rowsBottom());
+        mark.label.draw(painter);
+    }
+    for (const auto &[index, entry] : m_scene.channels()) {
+        const QRect track(layout.grid.left(), entry.rect.top(), layout.grid.width(),
+                          entry.rect.height());
+        fillRounded(painter, track, layout.px(8), theme::rowTrack);
+    }
+}
+
+// There may be fewer channels than there is room for.
+int GuidePainter::rowsBottom() const
+{
+    return m_scene.channels().rbegin()->second.rect.bottom();
+}
+
+void GuidePainter::paintChannel(QPainter &painter, const ChannelEntry &entry) const
+{
+    entry.number.draw(painter);
+    if (!entry.badge->picture().isNull())
+        painter.drawPixmap(entry.badge->geometry().topLeft(), entry.badge->picture());
+    entry.name.draw(painter);
+}
+
+const QBrush &GuidePainter::cardBrush(ProgrammeIndex index) const
+{
+    if (index == m_scene.focus())
+        return m_textures.focusedCard;
+    return m_scene.programme(index).isRunning(m_scene.now()) ? m_textures.runningCard
+                                                             : m_textures.card;
+}
+
+// The mark of the present lies over the cards and under the words.
+void GuidePainter::paintCards(QPainter &painter)
+{
+    const QRect grid = m_scene.layout().grid;
+    painter.save();
+    painter.setClipRect(grid);
+    for (const auto &[index, card] : m_scene.cards()) {
+        if (m_scene.isInGrid(card.rect))
+            paintCard(painter, index, card);
+    }
+    painter.restore();
+
+    paintNow(painter);
+    const ProgrammeCard &focused = m_scene.cards().at(m_scene.focus());
+    paintCard(painter, m_scene.focus(), focused);
+    for (const auto &[index, card] : m_scene.cards()) {
+        if (m_scene.isInGrid(card.rect))
+            paintCardText(painter, card);
+    }
+    paintFocusRing(painter, focused.rect.intersected(grid));
+}
+
+void GuidePainter::paintCard(QPainter &painter, ProgrammeIndex index, const ProgrammeCard &card)
+{
+    const ScreenLayout &layout = m_scene.layout();
+    const QRect shown = card.rect.intersected(layout.grid);
+    fillRounded(painter, shown, layout.px(8), cardBrush(index));
+
+    const QRect poster = card.poster->geometry();
+    const QRect seen = poster.intersected(shown);
+    if (!card.poster->picture().isNull())
+        painter.drawPixmap(seen, card.poster->picture(), seen.translated(-poster.topLeft()));
+    if (card.poster->isWanted() && seen.width() > layout.px(36))
+        paintThrobber(painter, seen, layout.px(28), layout.px(4));
+}
+
+void GuidePainter::paintCardText(QPainter &painter, const ProgrammeCard &card) const
+{
+    const ScreenLayout &layout = m_scene.layout();
+    const int reach = layout.px(4);
+    const int middle = card.rect.center().y();
+    // Small arrows tell that a programme goes on outside of the grid.
+    if (card.rect.left() < layout.grid.left())
+        fillArrow(painter, QPoint(layout.grid.left() + reach, middle), QPoint(-reach, 0));
+    if (card.rect.right() > layout.grid.right())
+        fillArrow(painter, QPoint(layout.grid.right() - reach, middle), QPoint(reach, 0));
+    card.title.draw(painter);
+}
+
+void GuidePainter::paintMoreChannels(QPainter &painter) const
+{
+    const ScreenLayout &layout = m_scene.layout();
+    const int reach = layout.px(6);
+    const QPoint base(layout.grid.center().x(), rowsBottom() + 2 * reach);
+    if (m_scene.channels().rbegin()->first + 1 < m_scene.guide().channels().size())
+        fillArrow(painter, base, QPoint(0, reach));
+}
+
+void GuidePainter::paintFocusRing(QPainter &painter, const QRect &card) const
+{
+    const ScreenLayout &layout = m_scene.layout();
+    constexpr int glowSteps = 4;
+    painter.setBrush(Qt::NoBrush);
+    for (int i = glowSteps; i >= 0; --i) {
+        QColor color = theme::accent;
+        if (i > 0)
+            color.setAlpha(56 / i);
+        const int margin = layout.px(2 + 2 * i);
+        const int width = std::max(1, layout.px(i == 0 ? 3 : 2));
+        painter.setPen(QPen(color, width));
+        painter.drawRoundedRect(card.marginsAdded({margin, margin, margin, margin}),
+                                layout.px(8) + margin, layout.px(8) + margin);
+    }
+}
+
+void GuidePainter::paintNow(QPainter &painter) const
+{
+    const ScreenLayout &layout = m_scene.layout();
+    const int x = layout.x(m_scene.now(), m_scene.gridStart());
+    if (x < layout.grid.left() || x > layout.grid.right())
+        return;
+
+    const int width = std::max(1, layout.px(2));
+    const int head = layout.px(6);
+    const QRect line(x, layout.timeLine.bottom() - head, width,
+                     rowsBottom() - layout.timeLine.bottom() + head);
+    painter.fillRect(line, theme::now);
+    QPainterPath marker(QPointF(x - head + width / 2.0, line.top() - head));
+    marker.lineTo(x + head + width / 2.0, line.top() - head);
+    marker.lineTo(x + width / 2.0, line.top() + head / 2.0);
+    marker.closeSubpath();
+    painter.fillPath(marker, theme::now);
+}
+
+// One indicator serves all places: they turn together.
+void GuidePainter::paintThrobber(QPainter &painter, const QRect &area, int size, int penWidth)
+{
+    QRect circle(0, 0, size, size);
+    circle.moveCenter(area.center());
+    m_throbber.setPenWidth(std::max(1, penWidth));
+    m_throbber.setRenderRect(circle);
+    painter.setBrush(Qt::NoBrush);
+    m_throbber.draw(painter);
+}
+
+} // namespace tvguide

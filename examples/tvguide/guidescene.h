@@ -1,0 +1,157 @@
+#ifndef TVGUIDE_GUIDESCENE_H
+#define TVGUIDE_GUIDESCENE_H
+
+#include "guide.h"
+#include "posteritem.h"
+#include "screenlayout.h"
+#include "textblock.h"
+#include "wording.h"
+
+#include <QObject>
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace ovelin {
+class SceneResourceTracker;
+}
+
+namespace tvguide {
+
+class ResourcePolicy;
+
+// A programme in the guide: the numbers of its channel and of itself on that channel.
+struct ProgrammeIndex
+{
+    std::size_t channel = 0;
+    std::size_t programme = 0;
+
+    auto operator<=>(const ProgrammeIndex &) const = default;
+};
+
+struct ProgrammeCard
+{
+    QRect rect;
+    TextBlock title;
+    std::unique_ptr<PosterItem> poster;
+};
+
+struct ChannelEntry
+{
+    QRect rect;
+    TextBlock number;
+    TextBlock name;
+    std::unique_ptr<PosterItem> badge;
+};
+
+struct TimeMark
+{
+    int x = 0;
+    TextBlock label;
+};
+
+struct DetailPanel
+{
+    TextBlock title;
+    TextBlock facts;
+    TextBlock remaining;
+    TextBlock description;
+    std::unique_ptr<PosterItem> poster;
+};
+
+enum class Direction { Left, Right, Up, Down };
+
+// What is on the screen: which channels and programmes, where, with which texts and pictures, and
+// where the focus is.
+class GuideScene : public QObject
+{
+    Q_OBJECT
+
+public:
+    GuideScene(const Guide &guide, const Wording &wording, const QSize &size, Instant now,
+               ResourcePolicy &policy);
+    ~GuideScene() override;
+
+    void resize(const QSize &size);
+    void setTime(Instant now);
+    void moveFocus(Direction direction);
+
+    // Makes some of the pictures that are wanted, those near the focus first. True while more are
+    // wanted: one call per frame keeps the frames coming.
+    bool createPictures(int limit);
+    bool hasWantedPictures() const;
+
+    const Guide &guide() const { return m_guide; }
+    const ScreenLayout &layout() const { return m_layout; }
+    Instant now() const { return m_now; }
+    Instant gridStart() const { return m_gridStart; }
+    ProgrammeIndex focus() const { return m_focus; }
+
+    const Channel &channel(ProgrammeIndex index) const;
+    const Programme &programme(ProgrammeIndex index) const;
+
+    // What a painter and a description walk through. Cards that have just left the screen are kept
+    // for a while; isInGrid() tells them from the others.
+    const std::map<ProgrammeIndex, ProgrammeCard> &cards() const { return m_cards; }
+    bool isInGrid(const QRect &card) const { return m_layout.grid.intersects(card); }
+    const std::map<std::size_t, ChannelEntry> &channels() const { return m_channels; }
+    const std::deque<TimeMark> &timeMarks() const { return m_timeMarks; }
+    const DetailPanel &panel() const { return m_panel; }
+    const TextBlock &heading() const { return m_heading; }
+    const TextBlock &date() const { return m_date; }
+    const TextBlock &clock() const { return m_clock; }
+
+    // The part of a running programme that is over, in thousandths.
+    int progress(const Programme &programme) const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void arrange();
+    void scrollToFocus();
+    void arrangeHeading();
+    void arrangePanel();
+    void arrangeTimeLine();
+    void arrangeChannels();
+    void arrangeChannel(std::size_t index);
+    void arrangeCards();
+    void arrangeRow(std::size_t channel);
+    void arrangeCard(ProgrammeIndex index);
+    void forgetFarCards();
+    const QString &titleOf(const Programme &programme) const;
+    QString facts(const Programme &programme) const;
+    QString distance(const Programme &programme) const;
+    QRect cardRect(ProgrammeIndex index) const;
+    QRect cardPosterRect(ProgrammeIndex index) const;
+    std::vector<PosterItem *> pictures() const;
+    Instant gridEnd() const { return m_gridStart + m_layout.visibleDuration(); }
+    std::size_t programmeNear(std::size_t channel, Instant instant) const;
+
+    const Guide &m_guide;
+    const Wording m_wording;
+    ResourcePolicy &m_policy;
+    ScreenLayout m_layout;
+    Instant m_now;
+    Instant m_gridStart;
+    std::size_t m_firstChannel = 0;
+    ProgrammeIndex m_focus;
+    // The time to which the focus returns when it comes down from a long programme to a short one.
+    Instant m_focusTime;
+
+    TextBlock m_heading;
+    TextBlock m_date;
+    TextBlock m_clock;
+    DetailPanel m_panel;
+    ProgrammeIndex m_panelProgramme;
+    std::map<std::size_t, ChannelEntry> m_channels;
+    std::deque<TimeMark> m_timeMarks;
+    std::map<ProgrammeIndex, ProgrammeCard> m_cards;
+};
+
+} // namespace tvguide
+
+#endif

@@ -1,0 +1,77 @@
+#ifndef TVGUIDE_POSTERITEM_H
+#define TVGUIDE_POSTERITEM_H
+
+#include <ovelin/abstractresourceowner.h>
+
+#include <QImage>
+#include <QObject>
+#include <QPixmap>
+#include <QUrl>
+
+QT_BEGIN_NAMESPACE
+class QPainter;
+QT_END_NAMESPACE
+
+namespace tvguide {
+
+// A picture on the screen: the poster of a programme or the sign of a channel. It registers what it
+// would like to hold, the picture itself and the buffer in which it is made ready for its place,
+// and holds it when it is told to.
+class PosterItem : public QObject, public ovelin::AbstractResourceOwner
+{
+    Q_OBJECT
+
+public:
+    enum class Shape {
+        Card,  // fades out towards the text on its left
+        Panel, // all of it, with round corners
+        Badge, // the round sign of a channel
+    };
+
+    struct Subject
+    {
+        QString title;
+        QString category;
+        QUrl icon;
+    };
+
+    PosterItem(Shape shape, const Subject &subject, const QString &name);
+    ~PosterItem() override;
+
+    // Where it is on the screen, or would be if the screen were larger.
+    void place(const QRect &geometry);
+    QRect geometry() const { return m_geometry; }
+
+    // Allowed, and not made yet.
+    bool isWanted() const { return m_isWanted; }
+    void create();
+    const QPixmap &picture() const { return m_buffer; }
+
+    ovelin::ResourceOwnerState::Status status() const;
+
+    QObject *resourceOwnerObject() override { return this; }
+    void allowResources() override;
+    void releaseResources() override;
+
+private:
+    enum ResourceId { Source = 1, Buffer = 2 };
+
+    void registerResources();
+    void registerSource();
+    void describeToApplication();
+    void loadSource();
+    void compose();
+    void paintItem(QPainter &painter, const QRect &rect) const;
+
+    const Shape m_shape;
+    const Subject m_subject;
+    QRect m_geometry;
+    QSize m_sourceSize;
+    QImage m_source;
+    QPixmap m_buffer;
+    bool m_isWanted = false;
+};
+
+} // namespace tvguide
+
+#endif
