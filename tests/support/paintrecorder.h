@@ -1,0 +1,96 @@
+#ifndef OVELIN_TESTS_SUPPORT_PAINTRECORDER_H
+#define OVELIN_TESTS_SUPPORT_PAINTRECORDER_H
+
+#include <QBrush>
+#include <QFont>
+#include <QImage>
+#include <QLineF>
+#include <QList>
+#include <QObject>
+#include <QPaintDevice>
+#include <QPainterPath>
+#include <QPen>
+#include <QPixmap>
+#include <QPointF>
+#include <QRectF>
+#include <QSize>
+#include <QString>
+#include <QTransform>
+
+#include <memory>
+
+class QPaintEngine;
+
+namespace ovelin::tests {
+
+// One call that reached the paint engine, with the painter's state at that moment. The integer and
+// the floating overloads of the engine are kept apart: which one arrives tells which one the
+// painter was given. An arc arrives as a Path, a static text as one Text per line and font.
+struct PaintCall
+{
+    Q_GADGET
+
+public:
+    enum class Kind {
+        Lines,
+        LinesF,
+        Rects,
+        RectsF,
+        Ellipse,
+        EllipseF,
+        Path,
+        Points,
+        PointsF,
+        Polygon,
+        PolygonF,
+        Pixmap,
+        TiledPixmap,
+        Image,
+        Text,
+    };
+    Q_ENUM(Kind)
+
+    Kind kind = Kind::Lines;
+
+    QPen pen;
+    QBrush brush;
+    QFont font;
+    QTransform transform;
+    qreal opacity = 1;
+
+    QList<QLineF> lines;
+    QList<QRectF> rects; // Ellipse and the pixmap kinds: the one rectangle drawn into
+    QList<QPointF> points;
+    QPainterPath path;
+    QPointF position; // Text: the start of the base line; TiledPixmap: the offset
+    QString text;
+    QPixmap pixmap;
+    QImage image;
+};
+
+// A paint device that shows nothing and remembers every call.
+class PaintRecorder : public QPaintDevice
+{
+public:
+    explicit PaintRecorder(const QSize &size = QSize(1000, 1000));
+    ~PaintRecorder() override;
+
+    QList<PaintCall> calls() const;
+    QList<PaintCall> calls(PaintCall::Kind kind) const;
+    QList<PaintCall::Kind> kinds() const;
+    void clear();
+
+    QPaintEngine *paintEngine() const override;
+
+protected:
+    int metric(PaintDeviceMetric metric) const override;
+
+private:
+    QSize m_size;
+    std::unique_ptr<QPaintEngine> m_engine;
+    QList<PaintCall> m_calls;
+};
+
+} // namespace ovelin::tests
+
+#endif
