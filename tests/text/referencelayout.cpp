@@ -1,0 +1,263 @@
+#include "referencelayout.h"
+
+#include "textsupport.h"
+
+#include <QFontMetricsF>
+#include <QRegularExpression>
+#include <QStaticText>
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+namespace ovelin::tests {
+
+namespace {
+
+constexpr int shortestForcedRest = 5; // characters of a split word that go to the next line
+constexpr int shortestSplitWord = 9;  // a word that would fit a line of its own
+constexpr int leastSeparatorsBeforeHyphen = 64;
+
+enum class Next { HardBreakCheck, NextMatch, Elide, Split, Wrap };
+
+// The characters from `from` up to but not including `to`.
+QString range(const QString &text, qsizetype from, qsizetype to)
+{
+    return to <= from ? QString() : text.mid(from, to - from);
+}
+
+bool isRemovedBeforeEllipsis(QChar c)
+{
+    const char16_t code = c.unicode();
+    const bool whiteSpace =
+        code == u' ' || (code >= 9 && code <= 13) || code == 0x85 || code == 0xa0 || c.isSpace();
+    return whiteSpace || c.isPunct();
+}
+
+QString classString(const QString &word)
+{
+    const QString vowels = QStringLiteral("аеёиоуыэюя");
+    const QString consonants = QStringLiteral("бвгджзклмнпрстфхцчшщ");
+    const QString signs = QStringLiteral("йьъ");
+
+    QString classes;
+    for (const QChar letter : word.toLower()) {
+        if (vowels.contains(letter))
+            classes += u'g';
+        else if (consonants.contains(letter))
+            classes += u's';
+        else if (signs.contains(letter))
+            classes += u'x';
+        else
+            classes += letter;
+    }
+    return classes;
+}
+
+QString withHyphens(QString classes)
+{
+    const char *const rules[][2] = {
+        {"xgg", "x-gg"},   {"xgs", "x-gs"},     {"xsg", "x-sg"},       {"xss", "x-ss"},
+        {"ggg", "g-gg"},   {"ggs", "g-gs"},     {"ggx", "g-gx"},       {"gssg", "gs-sg"},
+        {"sgsg", "sg-sg"}, {"gsssg", "gs-ssg"}, {"gssssg", "gss-ssg"},
+    };
+    for (const auto &rule : rules) {
+        const QString before = QString::fromLatin1(rule[0]);
+        const QString after = QString::fromLatin1(rule[1]);
+        classes.replace(before, after);
+        classes.replace(before, after);
+    }
+    return classes;
+}
+
+} // namespace
+
+int referenceHyphenationPoint(const QString &line, const QString &word, int wordOffset,
+                              double maxWidth, const QFont &font)
+{
+    const QString classes = withHyphens(classString(word));
+    if (!classes.contains(u'-'))
+        return -1;
+
+    const double hyphenAdvance = QFontMetricsF(font).horizontalAdvance(u'-');
+    qsizetype next = 0;
+    qsizetype accepted = 0;
+    for (qsizetype p = classes.indexOf(u'-'); p >= 0; p = classes.indexOf(u'-', next)) {
+        const QString prefix = range(line, 0, wordOffset + p - accepted);
+        if (maxWidth <= double(fineWidth(prefix, font)) + hyphenAdvance)
+            break;
+        next = p + 1;
+        ++accepted;
+    }
+    return int(next - accepted);
+}
+
+ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
+{
+    ReferenceLayout result;
+
+    QString text = input.text;
+    if (input.maxLineCount >= 2)
+        text.replace(u'\n', lineSeparator);
+
+    const QFontMetricsF metrics(input.font);
+    const int wholeWidth = fineWidth(text, input.font);
+    const int limit = input.textWidth >= 1 ? input.textWidth : input.maxTextWidth;
+    const int effectiveWidth = limit >= 1 ? std::min(limit, wholeWidth) : wholeWidth;
+
+    const auto finish = [&](const QString &finalText, double staticTextWidth) {
+        QStaticText staticText;
+        staticText.setTextFormat(input.format);
+        staticText.setTextWidth(staticTextWidth);
+        staticText.setText(finalText);
+        staticText.prepare(QTransform(), input.font);
+        result.ended = true;
+        result.size = staticText.size();
+        result.displayText = QString(finalText).replace(lineSeparator, u'\n');
+    };
+
+    if (limit < 1) {
+        finish(text, effectiveWidth);
+        return result;
+    }
+    if (input.format == Qt::RichText) {
+        finish(text, limit);
+        return result;
+    }
+
+    const double W = limit;
+    const qint64 maxLineCount = input.maxLineCount;
+    const qsizetype mostSeparators = std::max<qsizetype>(leastSeparatorsBeforeHyphen, text.size());
+    const QRegularExpression pattern(QStringLiteral("( |\u2028|-[^\\d])"));
+
+    QString workText = text + u' ';
+    qint64 lineCount = 0;
+    qsizetype lineStart = 0;
+    qsizetype wordStart = 0;
+    qsizetype previousWordStart = 0;
+    qsizetype separatedHyphen = -1; // where it is now
+    qsizetype separatorsBeforeIt = 0;
+    std::set<std::array<qsizetype, 4>> overflows; // every state in which a line overflowed
+
+    for (qsizetype pos = workText.indexOf(pattern, 0); pos >= 0;
+         pos = workText.indexOf(pattern, wordStart)) {
+        if (++result.rounds > roundBudget)
+            return result;
+
+        const QString word = range(workText, wordStart, pos + 1);
+        const QString line = range(workText, lineStart, pos + 1);
+        const double w = metrics.horizontalAdvance(range(workText, lineStart, pos));
+        const bool loneSeparator = word == u'-' || word == u' ' || word == lineSeparator;
+
+        Next next = Next::Wrap;
+        if (w < W) {
+            previousWordStart = wordStart;
+            wordStart = pos + 1;
+            next = Next::HardBreakCheck;
+        } else if (lineCount < maxLineCount - 1 && (input.hyphenationEnabled || line == word)) {
+            next = Next::Split;
+        }
+
+        if (next == Next::Split) {
+            next = Next::Wrap;
+            qsizetype k =
+                referenceHyphenationPoint(line, word, int(wordStart - lineStart), W, input.font);
+            const bool hyphenated = k != -1;
+            if (!hyphenated) {
+                const int fw = fineWidth(word, input.font);
+                const bool keptWhole =
+                    (fw > W && word.size() < 2) || (fw <= W && word.size() < shortestSplitWord);
+                if (!keptWhole) {
+                    for (k = 1; k < word.size(); ++k) {
+                        const QString prefix = range(workText, lineStart, wordStart + k);
+                        if (word.size() - k < shortestForcedRest
+                            || fineWidth(prefix, input.font) >= W) {
+                            --k;
+                            break;
+                        }
+                    }
+                }
+            }
+            if (k >= 1) {
+                workText.insert(wordStart + k, lineSeparator);
+                if (hyphenated)
+                    workText.insert(wordStart + k, u'-');
+                wordStart += k + (hyphenated ? 2 : 1);
+                lineStart = wordStart;
+                ++lineCount;
+                next = Next::NextMatch;
+            }
+        }
+
+        // Without a line limit a state that comes back would come back for ever: the word is taken
+        // as if its line fitted.
+        if (next == Next::Wrap && maxLineCount < 1
+            && !overflows.insert({lineStart, wordStart, previousWordStart, workText.size()})
+                    .second) {
+            previousWordStart = wordStart;
+            wordStart = pos + 1;
+            next = Next::HardBreakCheck;
+        }
+
+        if (next == Next::Wrap) {
+            ++lineCount;
+            if (lineCount == maxLineCount) {
+                next = Next::Elide;
+            } else if (loneSeparator) {
+                wordStart = previousWordStart;
+                lineStart = previousWordStart;
+                pos = previousWordStart;
+                next = Next::HardBreakCheck;
+            } else if (wordStart >= 1 && workText.at(wordStart - 1) == u'-') {
+                const qsizetype hyphen = wordStart - 1;
+                separatorsBeforeIt = hyphen == separatedHyphen ? separatorsBeforeIt : 0;
+                if (separatorsBeforeIt == mostSeparators) {
+                    next = Next::Elide;
+                } else {
+                    workText.insert(hyphen, lineSeparator);
+                    ++separatorsBeforeIt;
+                    separatedHyphen = hyphen + 1;
+                    lineStart = wordStart;
+                    wordStart += 1;
+                    next = Next::NextMatch;
+                }
+            } else {
+                lineStart = wordStart;
+                pos = wordStart;
+                next = Next::HardBreakCheck;
+            }
+        }
+
+        if (next == Next::HardBreakCheck && word.contains(lineSeparator)) {
+            ++lineCount;
+            if (lineCount == maxLineCount)
+                next = Next::Elide;
+            else
+                lineStart = pos + 1;
+        }
+
+        if (next == Next::Elide) {
+            const QString e = metrics.elidedText(line, Qt::ElideRight, W);
+            qsizetype c = -1;
+            if (!e.isEmpty()) {
+                const bool tooWide = metrics.horizontalAdvance(e) > W;
+                c = lineStart + e.size() - (tooWide ? 2 : 1);
+            }
+            workText.replace(c, 1, QChar(ellipsis));
+            workText.truncate(c + 1);
+            for (qsizetype i = workText.size() - 2;
+                 i >= 0 && isRemovedBeforeEllipsis(workText.at(i)); --i)
+                workText.remove(i, 1);
+
+            result.elided = true;
+            finish(workText, W);
+            return result;
+        }
+    }
+
+    workText.chop(1);
+    finish(workText, effectiveWidth);
+    return result;
+}
+
+} // namespace ovelin::tests

@@ -1,0 +1,63 @@
+#ifndef OVELIN_TESTS_TEXT_TEXTSUPPORT_H
+#define OVELIN_TESTS_TEXT_TEXTSUPPORT_H
+
+#include <QByteArray>
+#include <QFont>
+#include <QFontInfo>
+#include <QFontMetricsF>
+#include <QString>
+
+#include <cmath>
+
+namespace ovelin::tests {
+
+constexpr char16_t lineSeparator = u'\u2028';
+constexpr char16_t ellipsis = u'\u2026';
+
+inline QFont pixelFont(int pixelSize = 20)
+{
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPixelSize(pixelSize);
+    return font;
+}
+
+// Without the font, Qt would substitute another one and every expectation below would be of that.
+inline bool isTestFontInstalled()
+{
+    return QFontInfo(pixelFont()).family() == QStringLiteral("DejaVu Sans");
+}
+
+inline double advance(const QString &text, const QFont &font = pixelFont())
+{
+    return QFontMetricsF(font).horizontalAdvance(text);
+}
+
+// Whether there should be fewer and smaller cases: a run under valgrind takes some fifty times as
+// long. OVELIN_TEXT_CASES asks for it under any other slow tool.
+inline bool isRunReduced()
+{
+    return qEnvironmentVariableIsSet("OVELIN_TEXT_CASES")
+           || qgetenv("LD_PRELOAD").contains("vgpreload");
+}
+
+// The advance in whole pixels with the two pixels of margin.
+inline int fineWidth(const QString &text, const QFont &font = pixelFont())
+{
+    return static_cast<int>(std::ceil(advance(text, font))) + 2;
+}
+
+// The least whole width that a line of this advance fits: a line as wide as the limit overflows.
+inline int leastWidthThatFits(double advance)
+{
+    return static_cast<int>(std::floor(advance)) + 1;
+}
+
+// The greatest whole width that a line of this advance overflows.
+inline int greatestWidthThatOverflows(double advance)
+{
+    return static_cast<int>(std::floor(advance));
+}
+
+} // namespace ovelin::tests
+
+#endif

@@ -1,0 +1,435 @@
+#include "referencelayout.h"
+#include "textsupport.h"
+
+#include <ovelin/textrenderer.h>
+
+#include <QFontMetricsF>
+#include <QStaticText>
+#include <QTest>
+
+#include <limits>
+#include <random>
+
+using namespace ovelin;
+using namespace ovelin::tests;
+
+namespace {
+
+constexpr int most = std::numeric_limits<int>::max();
+
+// The cases per row; OVELIN_TEXT_CASES sets another number.
+constexpr int defaultCases = 1000;
+constexpr int reducedCases = 60;
+
+// The plain formulation counts the lines of an endless round. Such rounds count one or a few lines
+// each, so a limit that leaves the same rest as the real one by every number of up to six ends in
+// the same place.
+constexpr int restPeriod = 60;
+constexpr int countableLimit = most % restPeriod + 20 * restPeriod;
+constexpr int roundBudget = 20 * countableLimit;
+
+int caseCount()
+{
+    bool ok = false;
+    const int count = qEnvironmentVariableIntValue("OVELIN_TEXT_CASES", &ok);
+    if (ok)
+        return count;
+    return isRunReduced() ? reducedCases : defaultCases;
+}
+
+class CaseMaker
+{
+public:
+    enum Kind { Russian, Latin, Mixed, Separators, Odd };
+
+    CaseMaker(Kind kind, unsigned seed)
+        : m_kind(kind)
+        , m_random(seed)
+    {
+    }
+
+    ReferenceInput next()
+    {
+        ReferenceInput input;
+        input.text = text();
+        input.font = font();
+        input.maxLineCount = oneOf(QList<int>{-1, 0, 1, 2, 2, 3, 3, 4, 5, 6, most, most});
+        input.hyphenationEnabled = below(3) > 0;
+        input.format = oneOf(QList<Qt::TextFormat>{Qt::AutoText, Qt::AutoText, Qt::PlainText,
+                                                   Qt::PlainText, Qt::MarkdownText, Qt::RichText});
+        const int limit = width(input);
+        if (below(4) == 0)
+            input.maxTextWidth = limit;
+        else
+            input.textWidth = limit;
+        return input;
+    }
+
+private:
+    int below(int end) { return static_cast<int>(m_random() % static_cast<unsigned>(end)); }
+
+    template<typename T>
+    T oneOf(const QList<T> &list)
+    {
+        return list.at(below(int(list.size())));
+    }
+
+    QString letters(const QString &alphabet, int longest)
+    {
+        QString result;
+        for (int length = 1 + below(longest); length > 0; --length)
+            result += alphabet.at(below(int(alphabet.size())));
+        return result;
+    }
+
+    QString word()
+    {
+        static const QStringList russian{
+            QStringLiteral("программа"),  QStringLiteral("сообщение"), QStringLiteral("район"),
+            QStringLiteral("подъезд"),    QStringLiteral("стройка"),   QStringLiteral("выход"),
+            QStringLiteral("и"),          QStringLiteral("на"),        QStringLiteral("Новости"),
+            QStringLiteral("телеканала"), QStringLiteral("Сегодня"),   QStringLiteral("ВЕЧЕРОМ"),
+            QStringLiteral("ёж"),         QStringLiteral("съёмочная"), QStringLiteral("серия"),
+        };
+        static const QStringList latin{
+            QStringLiteral("eggs"), QStringLiteral("x"),       QStringLiteral("www"),
+            QStringLiteral("the"),  QStringLiteral("episode"), QStringLiteral("gsgsgs"),
+            QStringLiteral("iiii"), QStringLiteral("mmmmmmm"), QStringLiteral("AVAVAV"),
+        };
+        static const QStringList others{
+            QStringLiteral("2024"), QStringLiteral("1-2"),      QStringLiteral("10-20-30"),
+            QStringLiteral("5,5"),  QStringLiteral("!?"),       QStringLiteral("«да»"),
+            QStringLiteral("..."),  QStringLiteral("т.е."),     QStringLiteral("до-1а"),
+            QStringLiteral("\t"),   QStringLiteral("а\u00a0б"), QStringLiteral("—"),
+        };
+        static const QStringList odd{
+            QStringLiteral("İİаба"),      QStringLiteral("\U0001F600\U0001F601"),
+            QStringLiteral("\U0001D49C"), QStringLiteral("e\u0301e\u0301"),
+            QStringLiteral("שלום"),       QStringLiteral("\u00adмягкий"),
+            QStringLiteral("İİİ-"),       QStringLiteral("日本語テレビ"),
+            QString(QChar(0xd83d)),       QString(QChar(0xde00)),
+            QStringLiteral("\u200b"),     QStringLiteral("\u2026"),
+            QString(QChar(u'\0')),        QStringLiteral("\u0661\u0662"),
+        };
+
+        switch (m_kind) {
+        case Russian:
+            return below(3) ? oneOf(russian)
+                            : letters(QStringLiteral("абвгдеёжзийклмнопрстуъьы"), 14);
+        case Latin:
+            return below(3) ? oneOf(latin) : letters(QStringLiteral("abcgsxgsxwi"), 14);
+        case Mixed:
+            switch (below(4)) {
+            case 0:
+                return oneOf(russian);
+            case 1:
+                return oneOf(latin);
+            case 2:
+                return oneOf(others);
+            default:
+                return letters(QStringLiteral("абгgsx-1ЩiW, .йь"), 16);
+            }
+        case Separators:
+            return below(2) ? letters(QStringLiteral("wi"), 4)
+                            : letters(QStringLiteral(" -\u2028\n1w"), 4);
+        case Odd:
+            return below(2) ? oneOf(odd) : oneOf(russian);
+        }
+        return {};
+    }
+
+    QString separator()
+    {
+        static const QStringList usual{
+            QStringLiteral(" "),
+            QStringLiteral(" "),
+            QStringLiteral(" "),
+            QStringLiteral("-"),
+        };
+        static const QStringList rare{
+            QStringLiteral("  "),      QStringLiteral("--"),  QStringLiteral(" -"),
+            QStringLiteral("- "),      QStringLiteral("\n"),  QStringLiteral("\n\n"),
+            QStringLiteral(" \n"),     QStringLiteral("\n "), QStringLiteral("-\n"),
+            QStringLiteral("\u2028"),  QStringLiteral("-1"),  QStringLiteral(", "),
+            QStringLiteral(" - "),     QStringLiteral("\t"),  QStringLiteral("-\u2028"),
+            QStringLiteral("\u2028-"),
+        };
+        return below(3) ? oneOf(usual) : oneOf(rare);
+    }
+
+    QString text()
+    {
+        QString result;
+        if (below(8) == 0)
+            result += separator();
+        for (int words = 1 + below(7); words > 0; --words) {
+            result += word();
+            if (words > 1 || below(6) == 0)
+                result += separator();
+        }
+        return result;
+    }
+
+    QFont font()
+    {
+        QFont font = pixelFont(oneOf(QList<int>{11, 16, 20, 20, 27, 40}));
+        if (below(5) == 0) {
+            font.setLetterSpacing(QFont::AbsoluteSpacing,
+                                  oneOf(QList<double>{0.5, 3, 10, 25, -1, -2.5}));
+        } else if (below(10) == 0) {
+            font.setLetterSpacing(QFont::PercentageSpacing, oneOf(QList<double>{80, 130}));
+        }
+        return font;
+    }
+
+    // Mostly next to where some part of the text ends, with and without the margin and a hyphen.
+    int width(const ReferenceInput &input)
+    {
+        if (below(12) == 0)
+            return below(4) - 2;
+        if (below(6) == 0)
+            return 1 + below(60);
+
+        QString measured = input.text;
+        if (below(2))
+            measured.replace(u'\n', lineSeparator);
+        const int from = below(int(measured.size()));
+        const int length = 1 + below(int(measured.size()) - from);
+        double end = advance(measured.mid(from, length), input.font);
+        if (below(3) == 0)
+            end = std::ceil(end) + 2;
+        if (below(3) == 0)
+            end += advance(QStringLiteral("-"), input.font);
+        return std::max(1, static_cast<int>(std::floor(end)) + below(4) - 1);
+    }
+
+    Kind m_kind;
+    std::mt19937 m_random;
+};
+
+QString described(const ReferenceInput &input)
+{
+    QString escaped;
+    for (const QChar c : input.text) {
+        if (c.unicode() < 0x20 || c == lineSeparator || c.isSurrogate() || c == u'\u200b')
+            escaped += QStringLiteral("\\u%1").arg(int(c.unicode()), 4, 16, QChar(u'0'));
+        else
+            escaped += c;
+    }
+    return QStringLiteral("\"%1\", width %2, maximal width %3, %4 lines, hyphenation %5, "
+                          "font %6, spacing %7, format %8")
+        .arg(escaped)
+        .arg(input.textWidth)
+        .arg(input.maxTextWidth)
+        .arg(input.maxLineCount)
+        .arg(input.hyphenationEnabled)
+        .arg(input.font.pixelSize())
+        .arg(input.font.letterSpacing())
+        .arg(input.format);
+}
+
+void apply(TextRenderer &renderer, const ReferenceInput &input)
+{
+    renderer.setTextFont(input.font);
+    renderer.setTextFormat(input.format);
+    renderer.setMaxLineCount(input.maxLineCount);
+    renderer.setHyphenationEnabled(input.hyphenationEnabled);
+    renderer.setTextWidth(input.textWidth);
+    renderer.setMaxTextWidth(input.maxTextWidth);
+    renderer.setText(input.text);
+    renderer.relayout();
+}
+
+ReferenceLayout countedLayout(ReferenceInput input)
+{
+    if (input.maxLineCount == most)
+        input.maxLineCount = countableLimit;
+    return referenceLayout(input, roundBudget);
+}
+
+} // namespace
+
+class tst_TextLayoutIdentity : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void agreesWithThePlainFormulation_data();
+    void agreesWithThePlainFormulation();
+    void reachesWhatCountingReaches_data();
+    void reachesWhatCountingReaches();
+    void resultsAreRepeatable();
+
+private:
+    void compare(const ReferenceInput &input);
+
+    int m_compared = 0;
+    int m_elided = 0;
+    int m_hyphenated = 0;
+    int m_broken = 0;
+    int m_counted = 0;
+};
+
+void tst_TextLayoutIdentity::initTestCase()
+{
+    QVERIFY(isTestFontInstalled());
+    QCOMPARE(most % restPeriod, countableLimit % restPeriod);
+}
+
+void tst_TextLayoutIdentity::compare(const ReferenceInput &input)
+{
+    const QString description = described(input);
+
+    TextRenderer renderer;
+    apply(renderer, input);
+    const ReferenceLayout expected = countedLayout(input);
+
+    QVERIFY2(expected.ended, qPrintable(description));
+
+    ++m_compared;
+    m_elided += expected.elided;
+    m_hyphenated += expected.displayText.contains(QStringLiteral("-\n"));
+    m_broken += expected.displayText.count(u'\n') > renderer.textLines().size() - 1;
+    m_counted += expected.rounds > 4 * input.text.size() + 8;
+
+    const QString message =
+        QStringLiteral("%1\n   shown    \"%2\"\n   expected \"%3\"")
+            .arg(description, QString(renderer.displayText()).replace(u'\n', u'|'),
+                 QString(expected.displayText).replace(u'\n', u'|'));
+    QVERIFY2(renderer.displayText() == expected.displayText, qPrintable(message));
+    QVERIFY2(renderer.isTextElided() == expected.elided, qPrintable(description));
+
+    const TextRenderer &constRenderer = renderer;
+    if (!renderer.text().isEmpty()) {
+        QCOMPARE(constRenderer.boundingSize(),
+                 QSize(static_cast<int>(std::ceil(expected.size.width())),
+                       static_cast<int>(std::ceil(expected.size.height()))));
+    }
+    if (input.textWidth >= 1)
+        QCOMPARE(renderer.geometry().height(), qRound(expected.size.height()));
+}
+
+void tst_TextLayoutIdentity::agreesWithThePlainFormulation_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<unsigned>("seed");
+
+    QTest::newRow("Russian") << int(CaseMaker::Russian) << 1U;
+    QTest::newRow("Latin") << int(CaseMaker::Latin) << 2U;
+    QTest::newRow("mixed") << int(CaseMaker::Mixed) << 3U;
+    QTest::newRow("separators") << int(CaseMaker::Separators) << 4U;
+    QTest::newRow("odd characters") << int(CaseMaker::Odd) << 5U;
+}
+
+void tst_TextLayoutIdentity::agreesWithThePlainFormulation()
+{
+    QFETCH(int, kind);
+    QFETCH(unsigned, seed);
+
+    m_compared = m_elided = m_hyphenated = m_broken = m_counted = 0;
+    CaseMaker maker(static_cast<CaseMaker::Kind>(kind), seed);
+    for (int i = 0; i < caseCount(); ++i) {
+        const ReferenceInput input = maker.next();
+        if (input.text.isEmpty())
+            continue;
+        compare(input);
+        if (QTest::currentTestFailed())
+            return;
+    }
+
+    // The cases have to be of every sort, or agreeing on them says nothing.
+    if (caseCount() < defaultCases)
+        return;
+    const QByteArray counts = QStringLiteral("%1 compared, %2 elided, %3 hyphenated, %4 broken, "
+                                             "%5 counted")
+                                  .arg(m_compared)
+                                  .arg(m_elided)
+                                  .arg(m_hyphenated)
+                                  .arg(m_broken)
+                                  .arg(m_counted)
+                                  .toUtf8();
+    QVERIFY2(m_compared > 4 * caseCount() / 5, counts.constData());
+    QVERIFY2(m_elided > caseCount() / 10, counts.constData());
+    QVERIFY2(m_broken > caseCount() / 20, counts.constData());
+    QVERIFY2(m_counted > caseCount() / 100, counts.constData());
+    QVERIFY2(m_hyphenated > 0, counts.constData());
+    qInfo("%s", counts.constData());
+}
+
+void tst_TextLayoutIdentity::reachesWhatCountingReaches_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("wide word") << QStringLiteral("i wwww");
+    QTest::newRow("wide word in the middle") << QStringLiteral("i wwww i");
+    QTest::newRow("wide paragraph") << QStringLiteral("wwww\ni");
+    QTest::newRow("wide last word of a paragraph") << QStringLiteral("i wwww\nwwww\ni");
+    QTest::newRow("wide paragraphs") << QStringLiteral("wwww\nwwww\nwwww\n");
+    QTest::newRow("spaces") << QStringLiteral("ww   ww");
+    QTest::newRow("spaces at the end") << QStringLiteral("ww   ");
+    QTest::newRow("space and separator") << QStringLiteral("ww \nww");
+    QTest::newRow("separators") << QStringLiteral("ww \n\n \nww");
+    QTest::newRow("hyphens") << QStringLiteral("ww--ww");
+    QTest::newRow("hyphen and space") << QStringLiteral("ww- ww");
+    QTest::newRow("hyphen and separator") << QStringLiteral("ww-\nww");
+    QTest::newRow("hyphen and wide word") << QStringLiteral("x-www");
+    QTest::newRow("hyphens and wide words") << QStringLiteral("i-www-www www-i");
+    QTest::newRow("hyphen and wide word behind others") << QStringLiteral("i i\ni x-wwww\ni");
+    QTest::newRow("hyphen and wide paragraph") << QStringLiteral("x-www\nwww");
+    QTest::newRow("digits") << QStringLiteral("i 1-2-3 -4");
+    QTest::newRow("Russian") << QStringLiteral("это-программа передач-на\nсегодня");
+}
+
+void tst_TextLayoutIdentity::reachesWhatCountingReaches()
+{
+    QFETCH(QString, text);
+
+    ReferenceInput input;
+    input.text = text;
+    const bool reduced = caseCount() < defaultCases;
+    for (const int pixelSize : {20, 27}) {
+        input.font = pixelFont(pixelSize);
+        for (int width = 1; width < advance(text, input.font); width += reduced ? 31 : 3) {
+            input.textWidth = width;
+            for (const bool hyphenation : {false, true}) {
+                input.hyphenationEnabled = hyphenation;
+                for (const int lines : {5, 50, 51, 1000, most}) {
+                    if (lines >= 1000 && width % 4 != 1)
+                        continue;
+                    input.maxLineCount = lines;
+                    compare(input);
+                    if (QTest::currentTestFailed())
+                        return;
+                }
+            }
+        }
+        if (reduced)
+            return;
+    }
+}
+
+// One renderer that is set up for case after case gives what a fresh one gives.
+void tst_TextLayoutIdentity::resultsAreRepeatable()
+{
+    TextRenderer used;
+    CaseMaker maker(CaseMaker::Mixed, 6);
+    for (int i = 0; i < caseCount() / 4; ++i) {
+        const ReferenceInput input = maker.next();
+        if (input.text.isEmpty())
+            continue;
+        apply(used, input);
+        TextRenderer fresh;
+        apply(fresh, input);
+        const QString description = described(input);
+        // Newlines replaced for an earlier line count are those of the earlier text.
+        QVERIFY2(used.text() == fresh.text(), qPrintable(description));
+        QVERIFY2(used.displayText() == fresh.displayText(), qPrintable(description));
+        QVERIFY2(used.boundingSize() == fresh.boundingSize(), qPrintable(description));
+    }
+}
+
+QTEST_MAIN(tst_TextLayoutIdentity)
+
+#include "tst_textlayout_identity.moc"
