@@ -1,0 +1,142 @@
+#include "guide.h"
+
+#include <QTest>
+
+#include <utility>
+
+using namespace tvguide;
+using namespace std::chrono;
+
+namespace {
+
+Instant at(int hour, int minute = 0)
+{
+    return sys_days(year(2025) / 3 / 14) + hours(hour) + minutes(minute);
+}
+
+Programme programme(const QString &title, Instant start, Instant stop = Programme::unknownStop)
+{
+    Programme programme;
+    programme.start = start;
+    programme.stop = stop;
+    programme.title = title;
+    return programme;
+}
+
+Guide guideOf(std::vector<Programme> programmes, seconds utcOffset = {})
+{
+    Channel channel;
+    channel.id = QStringLiteral("one");
+    channel.programmes = std::move(programmes);
+    return Guide({channel}, utcOffset);
+}
+
+} // namespace
+
+class tst_Guide : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sortsProgrammes();
+    void anOpenEndLastsToTheNextStart();
+    void anOpenEndAtTheEndLastsHalfAnHour();
+    void overlappingProgrammesAreCut();
+    void ofProgrammesThatStartTogetherTheLastIsKept();
+    void channelsWithoutProgrammesAreLeftOut();
+    void findsProgrammesByTime();
+    void knowsWhatItCovers();
+    void suggestsAnEvening();
+    void suggestsTheBeginningWhereThereIsNoEvening();
+};
+
+void tst_Guide::sortsProgrammes()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("b"), at(20), at(21)),
+                                 programme(QStringLiteral("a"), at(19), at(20))});
+    QCOMPARE(guide.channels()[0].programmes[0].title, QStringLiteral("a"));
+    QCOMPARE(guide.channels()[0].programmes[1].title, QStringLiteral("b"));
+}
+
+void tst_Guide::anOpenEndLastsToTheNextStart()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("a"), at(19)),
+                                 programme(QStringLiteral("b"), at(22, 15), at(23))});
+    QCOMPARE(guide.channels()[0].programmes[0].stop, at(22, 15));
+}
+
+void tst_Guide::anOpenEndAtTheEndLastsHalfAnHour()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("a"), at(19))});
+    QCOMPARE(guide.channels()[0].programmes[0].stop, at(19, 30));
+}
+
+void tst_Guide::overlappingProgrammesAreCut()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("long"), at(19), at(22)),
+                                 programme(QStringLiteral("inside"), at(20), at(20, 30)),
+                                 programme(QStringLiteral("next"), at(20, 15), at(23))});
+    const auto &programmes = guide.channels()[0].programmes;
+    QCOMPARE(programmes.size(), std::size_t(3));
+    QCOMPARE(programmes[0].stop, at(20));
+    QCOMPARE(programmes[1].stop, at(20, 15));
+    QCOMPARE(programmes[2].stop, at(23));
+}
+
+void tst_Guide::ofProgrammesThatStartTogetherTheLastIsKept()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("old"), at(19), at(20)),
+                                 programme(QStringLiteral("corrected"), at(19), at(20))});
+    QCOMPARE(guide.programmeCount(), std::size_t(1));
+    QCOMPARE(guide.channels()[0].programmes[0].title, QStringLiteral("corrected"));
+}
+
+void tst_Guide::channelsWithoutProgrammesAreLeftOut()
+{
+    Channel silent;
+    silent.id = QStringLiteral("silent");
+    QVERIFY(Guide({silent}, seconds(0)).isEmpty());
+}
+
+void tst_Guide::findsProgrammesByTime()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("a"), at(19), at(20)),
+                                 programme(QStringLiteral("b"), at(21), at(22))});
+    const Channel &channel = guide.channels()[0];
+    QCOMPARE(channel.firstEndingAfter(at(18)), std::size_t(0));
+    QCOMPARE(channel.firstEndingAfter(at(19, 59)), std::size_t(0));
+    QCOMPARE(channel.firstEndingAfter(at(20)), std::size_t(1));
+    QCOMPARE(channel.firstEndingAfter(at(22)), std::size_t(2));
+    QVERIFY(channel.hasProgrammeAt(at(19)));
+    QVERIFY(!channel.hasProgrammeAt(at(20)));
+    QVERIFY(!channel.hasProgrammeAt(at(22)));
+}
+
+void tst_Guide::knowsWhatItCovers()
+{
+    const Guide guide = guideOf({programme(QStringLiteral("a"), at(19), at(20))});
+    QVERIFY(guide.covers(at(19)));
+    QVERIFY(!guide.covers(at(18, 59)));
+    QVERIFY(!guide.covers(at(20)));
+    QVERIFY(!Guide().covers(at(19)));
+}
+
+void tst_Guide::suggestsAnEvening()
+{
+    // The evening of the viewers: 20:10 by their clock, which is three hours ahead.
+    const Guide sameDay = guideOf({programme(QStringLiteral("a"), at(10), at(23))}, hours(3));
+    QCOMPARE(sameDay.suggestedTime(), at(17, 10));
+
+    const Guide nextDay =
+        guideOf({programme(QStringLiteral("a"), at(18), at(23) + days(1))}, hours(3));
+    QCOMPARE(nextDay.suggestedTime(), at(17, 10) + days(1));
+}
+
+void tst_Guide::suggestsTheBeginningWhereThereIsNoEvening()
+{
+    const Guide morning = guideOf({programme(QStringLiteral("a"), at(8), at(9))});
+    QCOMPARE(morning.suggestedTime(), at(8));
+}
+
+QTEST_APPLESS_MAIN(tst_Guide)
+#include "tst_guide.moc"
