@@ -19,8 +19,9 @@ constexpr int smallestDivisor = 3;
 QPixmap filledPixmap(const QSize &size, const QBrush &brush, QPainter::CompositionMode mode)
 {
     QPixmap pixmap(size);
-    if (pixmap.isNull())
-        return pixmap;
+    // A pixmap beyond what memory can hold is not null, but nothing can paint on it.
+    if (pixmap.isNull() || !pixmap.paintEngine())
+        return {};
 
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -70,8 +71,8 @@ int chooseGradientLength(int length)
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns a pixmap of \a size pixels, transparent at first and then filled with \a brush. An empty
-    or invalid size gives a null pixmap.
+    Returns a pixmap of \a size pixels, transparent at first and then filled with \a brush. A size
+    that is empty, invalid or beyond what memory can hold gives a null pixmap.
 
     \since Ovelin 1.0
 */
@@ -87,7 +88,8 @@ QPixmap createBrushImage(const QBrush &brush, const QSize &size)
     transparent where the gradient is.
 
     The gradient's points are in pixels of the texture and used as they are: from 0 to the width and
-    height of \a size covers it once. An empty or invalid size gives a brush without a texture.
+    height of \a size covers it once. A size that is empty, invalid or beyond what memory can hold gives
+    a brush without a texture.
 
     \since Ovelin 1.0
 */
