@@ -102,9 +102,11 @@ void AbstractResourceOwner::unregisterResource(int id)
         return;
 
     tracker->unregisterResource(this, id);
-    // A slot may have dropped the state already.
-    if (ownerState && ownerState->resourceCount == 0)
-        ownerState = knownState(tracker, this);
+    // A slot may have dropped the state already, or registered the item anew with another one.
+    if (ownerState && ownerState->resourceCount == 0) {
+        const auto known = knownState(tracker, this);
+        ownerState = known == ownerState ? StatePointer() : known;
+    }
 }
 
 /*!

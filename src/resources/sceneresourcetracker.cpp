@@ -261,8 +261,8 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
         removed in between, and announces what it changed itself;
     \li what a slot registers for an owner whose resources are just being unregistered stays
         registered, and then its owner stays too;
-    \li an unregistration whose entry a slot removed by clear() ends without further signals, and a
-        registration whose owner a slot removed ends without resourceOwnerAdded().
+    \li an unregistration whose entry a slot removed by clear() ends without further signals; a
+        registration announces itself even when a slot has already removed what it filed.
     \endlist
 
     A slot must not destroy the tracker, nor an item that is executing one of its own operations.
@@ -386,7 +386,7 @@ SceneResourceTracker::registerResource(IResourceOwner *owner, const ResourceInfo
         d->file(info, state);
     }
 
-    if (ownerAdded && d->isKnown(owner, state))
+    if (ownerAdded)
         Q_EMIT resourceOwnerAdded();
     Q_EMIT resourcesChanged();
     return state;
@@ -412,7 +412,7 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
     if (!walk.hasCurrent())
         return;
 
-    const auto state = entry->ownerState;
+    const auto &state = entry->ownerState;
     --state->resourceCount;
     // A slot may have removed the owner, or registered it anew with another state.
     if (state->resourceCount == 0 && d->isKnown(owner, state)) {
