@@ -16,10 +16,42 @@ StatePointer knownState(const SceneResourceTracker *tracker, IResourceOwner *own
     return known == tracker->owners().end() ? StatePointer() : known->second;
 }
 
+// The owners whose destructors run, the last one first. A slot can still reach them, but what they
+// registered now would outlive them in the tracker.
+class DyingOwner
+{
+public:
+    explicit DyingOwner(const IResourceOwner *owner)
+        : m_owner(owner)
+        , m_outer(s_innermost)
+    {
+        s_innermost = this;
+    }
+    ~DyingOwner() { s_innermost = m_outer; }
+
+    static bool contains(const IResourceOwner *owner)
+    {
+        const DyingOwner *dying = s_innermost;
+        while (dying && dying->m_owner != owner)
+            dying = dying->m_outer;
+        return dying;
+    }
+
+private:
+    Q_DISABLE_COPY_MOVE(DyingOwner)
+
+    static DyingOwner *s_innermost;
+
+    const IResourceOwner *const m_owner;
+    DyingOwner *const m_outer;
+};
+
+DyingOwner *DyingOwner::s_innermost = nullptr;
+
 bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StatePointer &heldState)
 {
     SceneResourceTracker *tracker = sceneResourceTracker();
-    if (!tracker || tracker->isRegistrationBlocked())
+    if (!tracker || tracker->isRegistrationBlocked() || DyingOwner::contains(owner))
         return false;
 
     tracker->registerResource(owner, info);
@@ -57,18 +89,19 @@ AbstractResourceOwner::AbstractResourceOwner() = default;
     Destroys the owner. A tracker where it is still registered, installed or not, forgets it and its
     resources as SceneResourceTracker::unregisterResources() does, with the same signals; messages show
     the owner without address and names, and its state, which the application may still hold, has no
-    owner from then on.
+    owner from then on. What a slot would register for the owner meanwhile is refused.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {
+    const DyingOwner dying(this);
     SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState.data());
 }
 
 /*!
     Registers the image at \a url as resource \a id, or updates the resource that has this id.
 
-    Returns false, and does nothing, when no tracker is installed or registration is blocked. Signals
-    as for SceneResourceTracker::registerResource().
+    Returns false, and does nothing, when no tracker is installed, when registration is blocked, and
+    while the owner is being destroyed. Signals as for SceneResourceTracker::registerResource().
 */
 bool AbstractResourceOwner::registerImage(int id, const QUrl &url)
 {
@@ -81,8 +114,8 @@ bool AbstractResourceOwner::registerImage(int id, const QUrl &url)
     Registers the resource \a id of kind \a type by its \a name, or updates the resource that has this
     id. Any type is passed on, ResourceInfo::Image included.
 
-    Returns false, and does nothing, when no tracker is installed or registration is blocked. Signals
-    as for SceneResourceTracker::registerResource().
+    Returns false, and does nothing, when no tracker is installed, when registration is blocked, and
+    while the owner is being destroyed. Signals as for SceneResourceTracker::registerResource().
 */
 bool AbstractResourceOwner::registerResource(int id, const QString &name, ResourceInfo::Type type)
 {
