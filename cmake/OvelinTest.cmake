@@ -17,8 +17,5 @@ function(ovelin_add_test name)
     target_link_libraries(${target} PRIVATE Ovelin::Ovelin Qt6::Test ${arg_LIBRARIES})
 
     add_test(NAME ${target} COMMAND ${target})
-    set_tests_properties(${target} PROPERTIES
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
-        TIMEOUT 300
-    )
+    set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()

@@ -518,6 +518,8 @@ void tst_MessageLog::sourceText_data()
     QTest::newRow("placeholder in the joined name") << file << u"%1"_s << u"file:///a.png | %1"_s;
     QTest::newRow("placeholder in the URL")
         << QUrl(u"file:///%251%252.png"_s) << u"row"_s << u"file:///%251%252.png | row"_s;
+    QTest::newRow("number in the URL")
+        << QUrl(u"file:///%01.png"_s) << u"row"_s << u"file:///%01.png | row"_s;
     QTest::newRow("separator in the name") << file << u"a | b"_s << u"file:///a.png | a | b"_s;
 }
 

@@ -265,6 +265,13 @@ void tst_Hyphenation::acceptsAPrefixBeforeTheStartOfTheLine()
     QCOMPARE(pointAt(QStringLiteral("1 "), word, -1, std::nextafter(width, unlimited)), 0);
     QCOMPARE(pointAt(QStringLiteral("1 "), word, -1, width), 0);
     QCOMPARE(pointAt(QStringLiteral("рограмма "), QStringLiteral("программа "), -1, unlimited), 7);
+
+    // Its own hyphen fits with the empty prefix, and so the place behind it is reached.
+    const QString longWord = QStringLiteral("-1ааа ");
+    const QString line = longWord.mid(1);
+    const double places = std::nextafter(hyphenatedWidth(line, 0, 1), unlimited);
+    QVERIFY(places < hyphenatedWidth(line, 0, int(line.size())));
+    QCOMPARE(pointAt(line, longWord, -1, places), 2);
 }
 
 void tst_Hyphenation::followsTheLowerCasedWordWhereItsLengthChanges()

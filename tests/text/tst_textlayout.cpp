@@ -113,6 +113,7 @@ private Q_SLOTS:
     void removesSpaceAndPunctuationBeforeTheEllipsis();
     void keepsOtherCharactersBeforeTheEllipsis_data();
     void keepsOtherCharactersBeforeTheEllipsis();
+    void removesEverythingBeforeTheEllipsis();
     void cutAtTheEndAppendsTheEllipsis();
     void cutBehindTheEndChangesNothing();
 
@@ -126,6 +127,7 @@ private Q_SLOTS:
     void wrapsAtSpacesWithoutSeparator();
     void wrapsBeforeAHyphen();
     void wrapBeforeAHyphenCountsOneLine();
+    void wrapsBeforeAHyphenAtTheStart();
     void doesNotBreakBeforeADigit();
     void breaksAfterAHyphenBeforeAnythingElse();
     void hyphenAtTheEndOfTheTextIsAWordEnd();
@@ -141,6 +143,7 @@ private Q_SLOTS:
 
     void splitsALoneWordByForce();
     void forcedSplitMeasuresTheFineWidth();
+    void forcedSplitMeasuresTheWholeLine();
     void forcedSplitLeavesFiveCharacters();
     void forcedSplitCountsTheSeparatorOfTheWord();
     void longWordIsSplitToFillTheLine();
@@ -154,6 +157,7 @@ private Q_SLOTS:
     void loneSeparatorSendsTheLineBack();
     void loneSeparatorBeginsTheLineWithTheWordBefore();
     void loneLineSeparatorSendsTheLineBack();
+    void lineMayBeginBehindItsFirstBreak();
 
     void richTextIsLeftToQt();
     void otherFormatsAreBroken_data();
@@ -457,6 +461,15 @@ void tst_TextLayout::keepsOtherCharactersBeforeTheEllipsis()
     QFAIL("No width cuts there.");
 }
 
+void tst_TextLayout::removesEverythingBeforeTheEllipsis()
+{
+    const QString text = QStringLiteral(",, ,,bbbbbbbbbb");
+    const int width = static_cast<int>(std::ceil(advance(QStringLiteral(",, ,,") + ellipsisText)));
+    QVERIFY(cut(text, width).startsWith(QStringLiteral(",,")));
+    QVERIFY(!cut(text, width).contains(u'b'));
+    QCOMPARE(layOut({text, width}).text, ellipsisText);
+}
+
 // A paragraph's last word that wraps counts its line and the paragraph's, which may reach the
 // limit: the line formed before the wrap is cut then, at a place counted from the start of the new
 // line.
@@ -635,6 +648,13 @@ void tst_TextLayout::wrapBeforeAHyphenCountsOneLine()
     const Shown two = layOut({text, width, 2});
     QCOMPARE(two.text, QStringLiteral("aaaa\n-bbbb") + ellipsisText);
     QCOMPARE(two.elided, true);
+}
+
+void tst_TextLayout::wrapsBeforeAHyphenAtTheStart()
+{
+    const QString text = QStringLiteral("-www");
+    const int width = greatestWidthThatOverflows(advance(text));
+    QCOMPARE(layOut({text, width, 2}).text, newline + cut(text + u' ', width));
 }
 
 void tst_TextLayout::doesNotBreakBeforeADigit()
@@ -825,6 +845,14 @@ void tst_TextLayout::forcedSplitMeasuresTheFineWidth()
     QCOMPARE(layOut({word, exact + 1, 20}).text.indexOf(u'\n'), 6);
 }
 
+void tst_TextLayout::forcedSplitMeasuresTheWholeLine()
+{
+    const QString text = QStringLiteral("aaa ") + QString(30, u'b');
+    const int exact = fineWidth(QStringLiteral("aaa bbb"));
+    QCOMPARE(layOut({text, exact, 20}).text.indexOf(u'\n'), 6);
+    QCOMPARE(layOut({text, exact + 1, 20}).text.indexOf(u'\n'), 7);
+}
+
 void tst_TextLayout::forcedSplitLeavesFiveCharacters()
 {
     // Nine letters and the separator: five at the most stay, however many would fit.
@@ -993,6 +1021,23 @@ void tst_TextLayout::loneLineSeparatorSendsTheLineBack()
         QCOMPARE(enough.text, text);
         QCOMPARE(enough.elided, false);
     }
+}
+
+void tst_TextLayout::lineMayBeginBehindItsFirstBreak()
+{
+    // The separator that sent the line back has it begin behind the space that is looked at next:
+    // nothing is to be measured up to there.
+    const QString text = QStringLiteral(" \n");
+    const int width = greatestWidthThatOverflows(advance(QStringLiteral(" ")));
+    QVERIFY(width >= 1);
+
+    const Shown four = layOut({text, width, 4});
+    QCOMPARE(four.text, text);
+    QCOMPARE(four.elided, false);
+
+    const Shown three = layOut({text, width, 3});
+    QCOMPARE(three.text, ellipsisText);
+    QCOMPARE(three.elided, true);
 }
 
 void tst_TextLayout::richTextIsLeftToQt()

@@ -5,5 +5,6 @@
 
 choose_toolchain
 build_tree release
-inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --parallel "$(processors)" "$@" \
+inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 300 \
+    --parallel "$(processors)" "$@" \
     || fail "Tests failed; what they printed is above." "Those alone again: ./dev test --rerun-failed"

@@ -4,7 +4,7 @@
 # The folders that the root brings; the machine's of these names stay outside.
 readonly root_folders='@(bin|sbin|lib|lib32|lib64|libx32|usr|etc|var)'
 
-# What a program may need to know of the user's session. Compiler flags and search paths of the
+# What a program may need to know of the user's desktop. Compiler flags and search paths of the
 # machine stay outside: they name files that the root does not have.
 readonly root_variables=(
     TERM COLORTERM NO_COLOR CI USER LOGNAME TZ SOURCE_DATE_EPOCH
@@ -46,8 +46,8 @@ root_choose_entrance()
 root_run()
 {
     root_lay_out
-    root_describe_session
-    env --ignore-environment "${root_session[@]}" \
+    root_describe_environment
+    env --ignore-environment "${root_environment[@]}" \
         "${root_entrance[@]}" "${root_mounts[@]}" --chdir "$(pwd -P)" -- "$@"
 }
 
@@ -117,13 +117,13 @@ root_add_names()
     done
 }
 
-# Fills root_session with the variables for inside. A home of its own keeps the user's font and
+# Fills root_environment with the variables for inside. A home of its own keeps the user's font and
 # program settings from changing what is measured and drawn.
-root_describe_session()
+root_describe_environment()
 {
     local home=$cache/home name pattern
     mkdir --parents "$home"
-    root_session=(
+    root_environment=(
         "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
         "HOME=$home"
         "LC_ALL=C.UTF-8"
@@ -133,7 +133,7 @@ root_describe_session()
     while IFS= read -r name; do
         for pattern in "${root_variables[@]}"; do
             # shellcheck disable=SC2053 # a pattern
-            [[ $name != $pattern ]] || root_session+=("$name=${!name}")
+            [[ $name != $pattern ]] || root_environment+=("$name=${!name}")
         done
     done < <(compgen -e)
 }

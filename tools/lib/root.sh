@@ -35,6 +35,12 @@ root_exists()
     [[ -d $root ]]
 }
 
+# The same list made anew may bring newer packages.
+root_identity()
+{
+    echo "$root of $(stat --format=%Y "$root/etc/debian_chroot")"
+}
+
 root_require()
 {
     [[ $suite =~ ^[a-z]+$ ]] || fail "OVELIN_SUITE is \"$suite\", which names no Debian suite." "Use trixie or forky, or leave it out."

@@ -32,7 +32,7 @@ use_root()
 {
     root_require
     toolchain=$suite
-    toolchain_identity=$root
+    toolchain_identity=$(root_identity)
     say "Tool chain: root, Debian $suite in $root"
 }
 

@@ -34,19 +34,21 @@ short_path()
     echo "${1#"$repository"/}"
 }
 
-# A tree remembers what it was configured from; when that changes it begins anew. Changes of the
-# CMakeLists.txt themselves are seen by the build.
+# A tree remembers what it was configured from. Another compiler or Qt means to begin anew; when only
+# the preset or an entry changed, the build sees what that concerns, as it sees changed CMakeLists.txt.
 tree_configure()
 {
-    local preset=$1 origin
+    local preset=$1 origin before
     shift
-    origin=$(printf '%s\n' "$repository" "$toolchain_identity" "$preset" "$@" "$(<"$repository/CMakePresets.json")")
-    [[ ! -f $tree/configured-from || $(<"$tree/configured-from") != "$origin" ]] || return 0
+    origin=$(printf '%s\n' "$toolchain_identity" "$repository" "$preset" "$@" "$(<"$repository/CMakePresets.json")")
+    before=$(cat "$tree/configured-from" 2>/dev/null || true)
+    [[ $before != "$origin" ]] || return 0
 
     say "Configuring $(short_path "$tree")"
-    rm --recursive --force "$tree"
-    mkdir "$tree"
-    inside_repository cmake --preset "$preset" -B "$tree" "$@" >"$tree/configure.log" \
+    [[ ${before%%$'\n'*} == "$toolchain_identity" ]] || rm --recursive --force "$tree"
+    rm --force "$tree/configured-from"
+    mkdir --parents "$tree"
+    inside_repository cmake --fresh --preset "$preset" -B "$tree" "$@" >"$tree/configure.log" \
         || fail "CMake could not configure $(short_path "$tree"); its message is above." \
             "The rest of what it said is in $(short_path "$tree")/configure.log"
     echo "$origin" >"$tree/configured-from"
