@@ -12,9 +12,6 @@ namespace {
 // Reaching it empties the whole log at once: no message ever pays for trimming.
 constexpr qsizetype messageCapacity = 100;
 
-constexpr int addressDigits = 8;
-constexpr int hexadecimal = 16;
-
 QString typeText(ResourceInfo::Type type)
 {
     switch (type) {
@@ -91,11 +88,6 @@ Message composeMessage(Message::Event event, const ResourceInfo &info)
 }
 
 } // namespace
-
-QString addressText(qint64 address)
-{
-    return u"0x%1"_s.arg(static_cast<quint64>(address), addressDigits, hexadecimal, '0'_L1);
-}
 
 // A slot of the signal may change everything, the entry included: only the log itself is touched
 // after it.

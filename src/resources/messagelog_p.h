@@ -7,7 +7,13 @@ namespace ovelin {
 
 // The text of an address as messages show it. The address comes widened to 64 bits with its sign:
 // one with the top bit of a 32-bit pointer set shows with eight leading f digits.
-QString addressText(qint64 address);
+inline QString addressText(qint64 address)
+{
+    using namespace Qt::StringLiterals;
+    constexpr int digits = 8;
+    constexpr int hexadecimal = 16;
+    return u"0x%1"_s.arg(static_cast<quint64>(address), digits, hexadecimal, '0'_L1);
+}
 
 } // namespace ovelin
 
