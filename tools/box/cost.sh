@@ -1,0 +1,77 @@
+# What the library costs on the box, measured under emulation.
+
+readonly box_budgets=$repository/tools/box/budgets.txt
+
+# Writes the table, shows it, and fails when a budget is exceeded.
+# box_tell_cost TREE TABLE
+box_tell_cost()
+{
+    local tree=$1 table=$2
+    local measured=$tree/cost
+    mkdir --parents "$tree/cost-work" "${table%/*}"
+    {
+        box_measure_file "$tree"
+        box_measure_load "$tree"
+        box_measure_use "$tree"
+    } >"$measured"
+
+    local verdict=0
+    awk -f "$repository/tools/box/table.awk" "$measured" "$box_budgets" >"$table" || verdict=$?
+    cat "$table"
+    ((verdict == 0)) || fail "The library costs more than $(short_path "$box_budgets") allows; see the table above." \
+        "Make it smaller, or change the budget and say why there."
+}
+
+# The size and the parts of the library as it is installed, in lines of "name value".
+box_measure_file()
+{
+    local library=$1/cost-work/libovelin.so
+    inside mipsel-linux-gnu-strip --strip-unneeded -o "$library" "$(realpath "$1/src/libovelin.so")"
+
+    echo "size-file $(stat --format=%s "$library")"
+    # In one table: the whole of each segment's kind, and the sections that matter by themselves.
+    inside mipsel-linux-gnu-size --format=sysv "$library" | awk '
+        $1 == ".text" { text = $2 }
+        $1 ~ /^\.(rodata|eh_frame|eh_frame_hdr|gcc_except_table)$/ { constant += $2 }
+        $1 ~ /^\.(data|data\.rel\.ro|got|init_array|fini_array|sdata)$/ { data += $2 }
+        $1 ~ /^\.s?bss$/ { bss += $2 }
+        END { print "size-text", text; print "size-rodata", constant + 0; print "size-data", data + 0; print "size-bss", bss + 0 }'
+    echo "relocations $(inside mipsel-linux-gnu-readelf --relocs --wide "$library" | grep --count '^[0-9a-f]\{8\} ')"
+    echo "symbols $(inside mipsel-linux-gnu-nm --dynamic --defined-only "$library" | grep --count ' [TtVvWwDdBbRru] ')"
+    echo "needed $(inside mipsel-linux-gnu-readelf --dynamic "$library" | grep --count '(NEEDED)')"
+}
+
+box_measure_load()
+{
+    box_run "$1/tools/box/probe/loadprobe" "$1/cost-work/libovelin.so"
+    box_count "$1/tools/box/probe/loadprobe" "$1/cost-work/libovelin.so"
+}
+
+# A message is written in the middle of an operation: what it takes is the difference.
+box_measure_use()
+{
+    box_run "$1/tools/box/probe/useprobe"
+    box_count "$1/tools/box/probe/useprobe" | awk '
+        { count[$1] = $2 }
+        $1 != "instructions-registration-with-message" { print }
+        END { print "instructions-message", count["instructions-registration-with-message"] - count["instructions-registration"] }'
+}
+
+box_run()
+{
+    inside "${box_emulator[@]}" "$@"
+}
+
+# Counts the instructions of the actions that a program marks. The emulator's log goes through a pipe:
+# it is large.
+box_count()
+{
+    local log=$tree/cost-work/log counts=$tree/cost-work/counts
+    rm --force "$log"
+    mkfifo "$log"
+    inside mawk -f "$repository/tools/box/instructions.awk" "$log" >"$counts" &
+    local counter=$!
+    inside "${box_emulator[@]}" -d in_asm,exec,nochain,strace -D "$log" "$@" >"$tree/cost-work/output"
+    wait "$counter"
+    cat "$counts"
+}

@@ -1,0 +1,224 @@
+// useprobe
+//
+// Uses the library and prints the memory that its objects hold, in lines of "name value"; marks the
+// operations whose instructions are to be counted.
+
+#include "heap.h"
+#include "mark.h"
+
+#include <ovelin/abstractresourceowner.h>
+#include <ovelin/sceneresourcetracker.h>
+#include <ovelin/textrenderer.h>
+#include <ovelin/throbberrenderer.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QStaticText>
+#include <QTextOption>
+#include <QTransform>
+#include <QUrl>
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace ovelin;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int fontPixelSize = 24;
+constexpr int descriptionLines = 4;
+constexpr int descriptionWidth = 620; // four full lines of the description
+
+const QString title = u"Ледокол идёт на север"_s;
+// Twenty words.
+const QString description =
+    u"Документальный фильм рассказывает об экипаже атомного ледокола, который каждую зиму "
+    "прокладывает караванам безопасную дорогу через замёрзшие проливы и полярную ночь."_s;
+
+void print(const std::string &name, std::ptrdiff_t value)
+{
+    std::cout << name << ' ' << value << '\n';
+}
+
+QFont font()
+{
+    QFont font(u"DejaVu Sans"_s);
+    font.setPixelSize(fontPixelSize);
+    return font;
+}
+
+// A text of its own, not shared with the constant.
+QString ownCopy(const QString &text)
+{
+    return QString(text.constData(), text.size());
+}
+
+std::unique_ptr<TextRenderer> laidOutText(const QString &text, int lines, int width)
+{
+    auto renderer = std::make_unique<TextRenderer>();
+    renderer->setTextFont(font());
+    renderer->setMaxLineCount(lines);
+    renderer->setTextWidth(width);
+    renderer->setText(ownCopy(text));
+    renderer->relayout();
+    return renderer;
+}
+
+// What the same text costs in Qt: a static text with the same lines, and the string it was made of.
+std::ptrdiff_t textBytesOfQt(const TextRenderer &renderer)
+{
+    const QString lines = renderer.displayText().replace(u'\n', QChar(QChar::LineSeparator));
+    std::unique_ptr<QStaticText> staticText;
+    QString source;
+    return heapGrowth([&] {
+        source = ownCopy(renderer.text());
+        staticText = std::make_unique<QStaticText>();
+        staticText->setPerformanceHint(QStaticText::AggressiveCaching);
+        staticText->setTextOption(QTextOption(Qt::AlignLeft));
+        staticText->setTextWidth(renderer.textWidth());
+        staticText->setText(ownCopy(lines));
+        staticText->prepare(QTransform(), renderer.textFont());
+    });
+}
+
+void measureText(const std::string &name, const QString &text, int lines, int width)
+{
+    // Fonts, glyphs and patterns that the first text makes stay for all.
+    laidOutText(text, lines, width);
+
+    std::unique_ptr<TextRenderer> renderer;
+    const std::ptrdiff_t all = heapGrowth([&] { renderer = laidOutText(text, lines, width); });
+    if (renderer->displayText().count(u'\n') != lines - 1)
+        qFatal("The text \"%s\" does not fill %d lines.", name.c_str(), lines);
+    print("memory-" + name, all);
+    print("memory-" + name + "-beyond-qt", all - textBytesOfQt(*renderer));
+}
+
+void countText()
+{
+    const auto renderer = laidOutText(description, descriptionLines, descriptionWidth);
+    QImage image(renderer->boundingSize(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setPen(Qt::white);
+    renderer->draw(painter);
+
+    markAction("relayout", [&] { renderer->relayout(); });
+    markAction("draw", [&] { renderer->draw(painter); });
+}
+
+class Item : public QObject, public AbstractResourceOwner
+{
+public:
+    QObject *resourceOwnerObject() override { return this; }
+    void allowResources() override {}
+    void releaseResources() override {}
+};
+
+// Items with one image each, all of the same URL, so that URLs are not counted.
+class Scene
+{
+public:
+    explicit Scene(int itemCount)
+        : m_items(std::size_t(itemCount))
+    {
+        setSceneResourceTracker(&tracker);
+    }
+
+    ~Scene()
+    {
+        for (Item &item : m_items)
+            item.unregisterResources();
+        setSceneResourceTracker(nullptr);
+    }
+
+    void registerImages(int id)
+    {
+        for (Item &item : m_items)
+            item.registerImage(id, m_url);
+    }
+
+    Item &lastItem() { return m_items.back(); }
+    void registerOne(int id) { lastItem().registerImage(id, m_url); }
+
+    SceneResourceTracker tracker;
+
+private:
+    Q_DISABLE_COPY_MOVE(Scene)
+
+    const QUrl m_url{u"file:///poster.png"_s};
+    std::vector<Item> m_items;
+};
+
+void measureTracker()
+{
+    constexpr int count = 100;
+    Scene scene(count);
+    const std::ptrdiff_t withOwners = heapGrowth([&] { scene.registerImages(1); }) / count;
+    const std::ptrdiff_t perResource = heapGrowth([&] { scene.registerImages(2); }) / count;
+    print("memory-resource", perResource);
+    print("memory-owner", withOwners - perResource);
+}
+
+void countTracker()
+{
+    constexpr int count = 200;
+    Scene scene(count);
+    scene.registerImages(1);
+    scene.registerOne(2);
+
+    markAction("registration", [&] { scene.registerOne(3); });
+    // The first message makes the list.
+    scene.tracker.setMessagesEnabled(true);
+    scene.registerOne(4);
+    markAction("registration-with-message", [&] { scene.registerOne(5); });
+}
+
+void measureThrobber()
+{
+    std::unique_ptr<ThrobberRenderer> throbber;
+    print("memory-throbber",
+          heapGrowth([&] { throbber = std::make_unique<ThrobberRenderer>(nullptr); }));
+}
+
+void countThrobber()
+{
+    constexpr int size = 160;
+    constexpr int rotation = 120;
+    constexpr int span = 180;
+    ThrobberRenderer throbber(nullptr);
+    throbber.setRenderRect({0, 0, size, size});
+    throbber.addAngles(rotation, span);
+
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    throbber.draw(painter);
+
+    markAction("throbber", [&] {
+        throbber.addAngles(3, 6);
+        throbber.draw(painter);
+    });
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QGuiApplication application(argc, argv);
+    markAction("empty", [] {});
+
+    measureText("one-line", title, 1, 0);
+    measureText("four-lines", description, descriptionLines, descriptionWidth);
+    measureTracker();
+    measureThrobber();
+
+    countText();
+    countTracker();
+    countThrobber();
+}

@@ -1,0 +1,47 @@
+# Makes the table of costs from the measured values ("name value") and the budgets. Exits with 1 when
+# a budget is exceeded, a value is missing, or one has no budget.
+
+function trim(text)
+{
+    gsub(/^[ \t]+|[ \t]+$/, "", text)
+    return text
+}
+
+BEGIN {
+    print "| cost on the box | measured | budget | unit |"
+    print "|---|---:|---:|---|"
+}
+
+FNR == NR {
+    measured[$1] = $2
+    next
+}
+
+/^[ \t]*(#|$)/ {
+    next
+}
+
+{
+    split($0, field, "|")
+    key = trim(field[1])
+    budget = trim(field[2])
+    budgeted[key] = 1
+    note = ""
+    if (!(key in measured))
+        note = " **not measured**"
+    else if (measured[key] + 0 > budget + 0)
+        note = " **too much**"
+    if (note)
+        failed = 1
+    printf "| %s | %s%s | %s | %s |\n", trim(field[4]), measured[key], note, budget, trim(field[3])
+}
+
+END {
+    for (key in measured) {
+        if (!(key in budgeted)) {
+            printf "| %s | %s **no budget** | | |\n", key, measured[key]
+            failed = 1
+        }
+    }
+    exit failed
+}
