@@ -173,12 +173,15 @@ private:
     QFont font()
     {
         QFont font = pixelFont(oneOf(QList<int>{11, 16, 20, 20, 27, 40}));
+        // Set tightly, a hyphen moves back, and a line is narrower with it than without.
         if (below(5) == 0) {
             font.setLetterSpacing(QFont::AbsoluteSpacing,
-                                  oneOf(QList<double>{0.5, 3, 10, 25, -1, -2.5}));
+                                  oneOf(QList<double>{0.5, 3, 10, 25, -1, -2.5, -5, -8, -13}));
         } else if (below(10) == 0) {
             font.setLetterSpacing(QFont::PercentageSpacing, oneOf(QList<double>{80, 130}));
         }
+        if (below(10) == 0)
+            font.setWordSpacing(oneOf(QList<double>{8, 30, -4}));
         return font;
     }
 
@@ -217,7 +220,7 @@ QString described(const ReferenceInput &input)
             escaped += c;
     }
     return QStringLiteral("\"%1\", width %2, maximal width %3, %4 lines, hyphenation %5, "
-                          "font %6, spacing %7, format %8")
+                          "font %6, spacing %7 and %8, format %9")
         .arg(escaped)
         .arg(input.textWidth)
         .arg(input.maxTextWidth)
@@ -225,6 +228,7 @@ QString described(const ReferenceInput &input)
         .arg(input.hyphenationEnabled)
         .arg(input.font.pixelSize())
         .arg(input.font.letterSpacing())
+        .arg(input.font.wordSpacing())
         .arg(input.format);
 }
 
@@ -378,6 +382,7 @@ void tst_TextLayoutIdentity::reachesWhatCountingReaches_data()
     QTest::newRow("hyphens and wide words") << QStringLiteral("i-www-www www-i");
     QTest::newRow("hyphen and wide word behind others") << QStringLiteral("i i\ni x-wwww\ni");
     QTest::newRow("hyphen and wide paragraph") << QStringLiteral("x-www\nwww");
+    QTest::newRow("hyphen, wide word and spaces") << QStringLiteral("x-wwww  i");
     QTest::newRow("digits") << QStringLiteral("i 1-2-3 -4");
     QTest::newRow("Russian") << QStringLiteral("это-программа передач-на\nсегодня");
 }
@@ -388,10 +393,16 @@ void tst_TextLayoutIdentity::reachesWhatCountingReaches()
 
     ReferenceInput input;
     input.text = text;
+    // In the last one a hyphen moves back, and a line is narrower with it than without.
+    QFont tight = pixelFont();
+    tight.setLetterSpacing(QFont::AbsoluteSpacing, -10);
+    tight.setWordSpacing(30);
+
     const bool reduced = caseCount() < defaultCases;
-    for (const int pixelSize : {20, 27}) {
-        input.font = pixelFont(pixelSize);
-        for (int width = 1; width < advance(text, input.font); width += reduced ? 31 : 3) {
+    for (const QFont &font : {pixelFont(), pixelFont(27), tight}) {
+        input.font = font;
+        const int step = reduced ? 31 : font == tight ? 1 : 3;
+        for (int width = 1; width < advance(text, font); width += step) {
             input.textWidth = width;
             for (const bool hyphenation : {false, true}) {
                 input.hyphenationEnabled = hyphenation;
