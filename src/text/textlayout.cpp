@@ -238,7 +238,7 @@ void LineBreaker::moveHyphenToNextLine()
 
     qsizetype moves = 1;
     const bool hyphenBeginsLine = m_lineStart == m_wordStart - 1;
-    if (m_hyphenMoves > 0 && hyphenBeginsLine) {
+    if (hyphenBeginsLine) {
         const bool limited = m_limits.maxLineCount > 0;
         const qsizetype linesLeft = limited ? m_limits.maxLineCount - m_lineCount : movesLeft;
         moves = std::min(movesLeft, linesLeft);
