@@ -8,6 +8,7 @@ box_tell_cost()
 {
     local tree=$1 table=$2
     local measured=$tree/cost
+    say "Measuring what the library costs on the box"
     mkdir --parents "$tree/cost-work" "${table%/*}"
     {
         box_measure_file "$tree"

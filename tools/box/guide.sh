@@ -3,8 +3,11 @@
 # An evening of the embedded guide, whatever the day is.
 readonly box_guide_time=2025-03-14T20:10+03:00
 
-readonly box_most_different_pixels=0
-readonly box_largest_difference=0
+# Qt scales pictures and blends with the host's vector instructions and without any on the box, and the
+# two round differently: by a step or two, in a few pixels of the posters. Text and shapes come out the
+# same. A picture of 1280 x 720 has 921,600 pixels; a thousandth of them may differ.
+readonly box_most_different_pixels=921
+readonly box_largest_difference=2
 
 box_compare_guide()
 {

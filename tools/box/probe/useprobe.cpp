@@ -107,7 +107,11 @@ void countText()
     painter.setPen(Qt::white);
     renderer->draw(painter);
 
+    // A setter that changes something makes the layout out of date.
+    renderer->setTextWidth(descriptionWidth - 1);
     markAction("relayout", [&] { renderer->relayout(); });
+    if (renderer->textLines().size() != descriptionLines)
+        qFatal("The description does not fill %d lines.", descriptionLines);
     markAction("draw", [&] { renderer->draw(painter); });
 }
 
