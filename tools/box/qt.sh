@@ -17,10 +17,10 @@ readonly box_qt_options=(
     -DFEATURE_linuxfb=ON
     -DFEATURE_testlib=ON
     # pkg-config would find libraries of the machine that builds
-    -DFEATURE_{pkg_config,libudev,mtdev}=OFF
-    -DFEATURE_{network,sql,widgets,dbus,xml,concurrent,printsupport,pdf}=OFF
-    -DFEATURE_{glib,icu,xcb,fontconfig,vulkan}=OFF
-    -DFEATURE_{gif,ico,jpeg,qmake}=OFF
+    "-DFEATURE_"{pkg_config,libudev,mtdev}"=OFF"
+    "-DFEATURE_"{network,sql,widgets,dbus,xml,concurrent,printsupport,pdf}"=OFF"
+    "-DFEATURE_"{glib,icu,xcb,fontconfig,vulkan}"=OFF"
+    "-DFEATURE_"{gif,ico,jpeg,qmake}"=OFF"
 )
 
 readonly box_toolchain_file=$repository/cmake/toolchains/mipsel-linux-gnu.cmake
@@ -28,6 +28,7 @@ readonly box_toolchain_file=$repository/cmake/toolchains/mipsel-linux-gnu.cmake
 # Sets box_qt: the folder in which Qt for the box is installed.
 box_require_qt()
 {
+    # shellcheck disable=SC2016 # for dpkg-query
     box_qt_version=$(root_run dpkg-query --show --showformat='${source:Version}' qt6-base-dev)
     box_qt_home=$cache/box-qt-$suite-$(box_qt_digest)
     box_qt=$box_qt_home/installed
@@ -45,7 +46,7 @@ box_require_qt()
 
 box_qt_digest()
 {
-    { 
+    {
         echo "$box_qt_version"
         root_run mipsel-linux-gnu-g++ -dumpfullversion
         printf '%s\n' "${box_qt_options[@]}"

@@ -1,9 +1,8 @@
 # box [CTEST ARGS]
 # Build for the MIPS32 box, run the tests under emulation, and tell what the library costs there.
 #
-# Always in the build root, which has the compiler and the emulator for the box. The first time, Qt for
-# the box is built and kept beside the root: seven minutes on two processors. The table of costs goes
-# to build/box/cost.md; the budgets stand in tools/box/budgets.txt.
+# The first time, Qt for the box is built and kept beside the build root: seven minutes on two
+# processors. The table of costs goes to build/box/cost.md; the budgets stand in tools/box/budgets.txt.
 #
 # With CTEST ARGS only the tests are run: ./dev box -R textrenderer
 
@@ -18,15 +17,6 @@ readonly box_emulator=(
     -E QT_QPA_PLATFORM=offscreen -E QT_QPA_FONTDIR=/usr/share/fonts/truetype/dejavu
 )
 readonly box_excluded_tests=$repository/tools/box/excluded-tests.txt
-
-box_choose_root()
-{
-    [[ ${OVELIN_TOOLCHAIN:-root} == root ]] \
-        || fail "Only the build root has what building for the box takes." "Leave OVELIN_TOOLCHAIN out."
-    use_root
-    root_run which mipsel-linux-gnu-g++ >/dev/null \
-        || fail "Debian $suite has no compiler for the box." "Leave OVELIN_SUITE out."
-}
 
 # Tests that the emulator cannot run, with the reason of each.
 box_tell_excluded_tests()
@@ -83,7 +73,7 @@ box_test_names()
 # The emulator is slow: the tests that try many texts try fewer, as under valgrind.
 export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}
 
-box_choose_root
+use_workshop
 box_require_qt
 build_tree_as box box "-DOVELIN_BOX_QT=$box_qt" --
 if (($#)); then

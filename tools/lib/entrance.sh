@@ -129,6 +129,7 @@ root_describe_environment()
         "LC_ALL=C.UTF-8"
         "TZ=$(machine_time_zone)"
         "XAUTHORITY=$HOME/.Xauthority"
+        "${compiler_cache[@]}"
     )
     while IFS= read -r name; do
         for pattern in "${root_variables[@]}"; do

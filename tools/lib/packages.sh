@@ -6,12 +6,11 @@ package_names()
     package_names_in "$repository/tools/packages.txt"
 }
 
-# What the build root has.
+# What the root of the chosen kind has.
 root_package_names()
 {
     package_names
-    local of_suite=$repository/tools/packages-$suite.txt
-    [[ ! -f $of_suite ]] || package_names_in "$of_suite"
+    [[ $root_kind != workshop ]] || package_names_in "$repository/tools/packages-workshop.txt"
 }
 
 package_names_in()

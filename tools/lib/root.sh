@@ -1,7 +1,8 @@
-# The tool chain "root": a small Debian of its own in the cache, made once from the package list.
+# The tool chain "root": a small Debian of its own in the cache, made once from the package list. The
+# "workshop" is a larger one, with what only developing takes.
 #
-# A root is named after the suite and a digest of what it is made of, and carries that name only once
-# it is complete. Who uses a root holds a shared lock on its folder, so that nobody removes it.
+# A root is named after its kind, the suite and a digest of what it is made of, and carries that name
+# only once it is complete. Who uses a root holds a shared lock on its folder, so that nobody removes it.
 
 suite=${OVELIN_SUITE:-trixie}
 HOME=${HOME:-$(getent passwd "$(id -u)" | cut -d: -f6)}
@@ -20,15 +21,31 @@ readonly root_recipe=(
 )
 
 # mmdebstrap works here: /tmp is too small on machines that keep it in memory.
-readonly root_workshop=/var/tmp
+readonly root_work_folder=/var/tmp
+
+declare -rA root_size=([root]="1 GB" [workshop]="3 GB")
 
 root_digest()
 {
     { printf '%s\n' "${root_recipe[@]}"; root_package_names | sort; } | sha256sum | cut -c 1-12
 }
 
-root=$cache/root-$suite-$(root_digest)
-readonly root
+# Sets root, and root_kind: "root" or "workshop".
+root_choose()
+{
+    root_kind=$1
+    root=$cache/$root_kind-$suite-$(root_digest)
+}
+
+root_choose root
+
+root_name()
+{
+    case $root_kind in
+    root) echo "build root" ;;
+    workshop) echo "workshop" ;;
+    esac
+}
 
 root_exists()
 {
@@ -91,8 +108,8 @@ root_make()
     mkdir --parents "$cache" || fail "The folder for the build root could not be made." \
         "Choose another: OVELIN_CACHE=/some/folder"
     local lock
-    exec {lock}>"$cache/root-$suite.lock"
-    take_lock "$lock" "is making the build root"
+    exec {lock}>"$cache/$root_kind-$suite.lock"
+    take_lock "$lock" "is making the $(root_name)"
     root_exists || root_build
     root_remove_others
     exec {lock}>&-
@@ -101,9 +118,9 @@ root_make()
 # Only the holder of the suite's lock gets here; what lies under the passing names is a killed run's.
 root_build()
 {
-    local new=$cache/root-$suite.new started=$SECONDS
+    local new=$cache/$root_kind-$suite.new started=$SECONDS
     root_delete "$new"
-    say "Making the build root (Debian $suite, about 1 GB) in $cache: one to three minutes."
+    say "Making the $(root_name) (Debian $suite, about ${root_size[$root_kind]}) in $cache: some minutes."
 
     # A process group of its own, so that all of it can be ended when this run is.
     set -o monitor
@@ -112,11 +129,11 @@ root_build()
     set +o monitor
     # shellcheck disable=SC2064 # the values of now: they are local
     trap "root_abandon $maker $(printf %q "$new")" EXIT
-    wait "$maker" || fail "Making the build root failed; mmdebstrap's message is above." \
-        "Look at the network, and for 2 GB free in $root_workshop and 1 GB in $cache; then run this again."
+    wait "$maker" || fail "Making the $(root_name) failed; mmdebstrap's message is above." \
+        "Look at the network, and for twice ${root_size[$root_kind]} free in $root_work_folder and once in $cache; then run this again."
     mv --no-target-directory "$new" "$root"
     trap - EXIT
-    say "The build root is ready after $((SECONDS - started)) seconds."
+    say "The $(root_name) is ready after $((SECONDS - started)) seconds."
 }
 
 # The files go through an archive, so that they belong to the user who makes the root.
@@ -128,7 +145,7 @@ root_bootstrap()
     done < <(machine_apt_settings)
 
     mkdir "$new"
-    TMPDIR=$root_workshop mmdebstrap "${root_recipe[@]}" "${settings[@]}" \
+    TMPDIR=$root_work_folder mmdebstrap "${root_recipe[@]}" "${settings[@]}" \
         --include="$(root_package_names | paste --serial --delimiters=,)" "$suite" - \
         | tar --extract --directory="$new" --numeric-owner --exclude='./dev/*'
 
@@ -155,20 +172,20 @@ root_abandon()
         sleep 0.1
     done
     root_delete "$new"
-    say "The unfinished build root is removed."
+    say "The unfinished $(root_name) is removed."
 }
 
 # Roots of the same suite made from another list. One that is in use goes at a later time.
 root_remove_others()
 {
-    local other old=$cache/root-$suite.old lock
+    local other old=$cache/$root_kind-$suite.old lock
     root_delete "$old"
-    for other in "$cache/root-$suite"-*/; do
+    for other in "$cache/$root_kind-$suite"-*/; do
         other=${other%/}
         [[ $other != "$root" && -d $other ]] || continue
         exec {lock}<"$other"
         if flock --nonblock "$lock"; then
-            say "Removing the build root of another package list: $other"
+            say "Removing the $(root_name) of another package list: $other"
             mv --no-target-directory "$other" "$old"
             root_delete "$old"
         fi

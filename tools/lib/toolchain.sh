@@ -1,6 +1,16 @@
 # Which tool chain is used, and how to run a command of it.
 
-# Sets toolchain: "host", or the root's suite; it names the folder of the build trees.
+# What was compiled once is taken from there, in another clone and another tool chain too: it is found
+# by what the compiler, the options and the source files contain, not by where they stand.
+readonly compiler_cache=(
+    "CCACHE_DIR=$cache/compiled"
+    "CCACHE_BASEDIR=$repository"
+    CCACHE_NOHASHDIR=1
+    CCACHE_COMPILERCHECK=content
+    CCACHE_MAXSIZE=2G
+)
+
+# Sets toolchain: "host", the root's suite, or "workshop"; it names the folder of the build trees.
 choose_toolchain()
 {
     case ${OVELIN_TOOLCHAIN:-$(preferred_toolchain)} in
@@ -36,11 +46,24 @@ use_root()
     say "Tool chain: root, Debian $suite in $root"
 }
 
+# For what takes more than a tool chain, and for what must come out the same for everybody.
+use_workshop()
+{
+    [[ $suite == trixie ]] || fail "The workshop is made of Debian trixie." "Leave OVELIN_SUITE out."
+    [[ ${OVELIN_TOOLCHAIN:-root} == root ]] \
+        || fail "This command needs more than the machine's own tool chain." "Leave OVELIN_TOOLCHAIN out."
+    root_choose workshop
+    root_require
+    toolchain=workshop
+    toolchain_identity=$(root_identity)
+    say "Tool chain: workshop, Debian $suite in $root"
+}
+
 # Runs a command of the tool chain in the current folder. Qt wants UTF-8, which a bare machine's locale is not.
 inside()
 {
     if [[ $toolchain == host ]]; then
-        LC_ALL=C.UTF-8 "$@"
+        env LC_ALL=C.UTF-8 "${compiler_cache[@]}" "$@"
     else
         root_run "$@"
     fi

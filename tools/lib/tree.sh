@@ -48,6 +48,7 @@ tree_configure()
     [[ ${before%%$'\n'*} == "$toolchain_identity" ]] || rm --recursive --force "$tree"
     rm --force "$tree/configured-from"
     mkdir --parents "$tree"
+    ! inside which ccache >/dev/null || set -- -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "$@"
     inside_repository cmake --fresh --preset "$preset" -B "$tree" "$@" >"$tree/configure.log" \
         || fail "CMake could not configure $(short_path "$tree"); its message is above." \
             "The rest of what it said is in $(short_path "$tree")/configure.log"
