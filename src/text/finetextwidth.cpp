@@ -25,6 +25,11 @@ int toInt(double value)
     return value > lowest ? static_cast<int>(value) : lowest;
 }
 
+int fineWidth(double advance)
+{
+    return toInt(std::ceil(advance) + safetyMargin);
+}
+
 /*!
     Returns the whole number of pixels that \a text needs on one line in the font of \a metrics: its
     advance rounded up, and two pixels that keep its last glyph from being clipped. The fine width of
@@ -32,7 +37,7 @@ int toInt(double value)
 */
 int TextRenderer::fineTextWidth(const QString &text, const QFontMetricsF &metrics)
 {
-    return toInt(std::ceil(metrics.horizontalAdvance(text)) + safetyMargin);
+    return fineWidth(metrics.horizontalAdvance(text));
 }
 
 } // namespace ovelin

@@ -8,6 +8,9 @@ namespace ovelin {
 // as doubles hold every sum of ints.
 int toInt(double value);
 
+// The fine width of a text with that advance.
+int fineWidth(double advance);
+
 } // namespace ovelin
 
 #endif

@@ -1,11 +1,5 @@
 #include "hyphenation_p.h"
 
-#include <ovelin/textrenderer.h>
-
-#include <QFontMetricsF>
-
-#include <algorithm>
-
 namespace ovelin {
 
 using namespace Qt::StringLiterals;
@@ -88,8 +82,8 @@ const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
 const QRegularExpression wordBreakPattern(
     u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
 
-int hyphenationPoint(const QString &line, const QString &word, int wordOffset, double maxWidth,
-                     const QFontMetricsF &metrics)
+int hyphenationPoint(const QString &word,
+                     const std::function<bool(qsizetype kept)> &fitsWithHyphen)
 {
     QString classes = classString(word);
     insertHyphens(classes);
@@ -98,15 +92,10 @@ int hyphenationPoint(const QString &line, const QString &word, int wordOffset, d
     if (candidate == -1)
         return -1;
 
-    const double hyphenWidth = metrics.horizontalAdvance(QChar(hyphen));
     qsizetype next = 0;
     qsizetype accepted = 0;
-    while (candidate != -1) {
-        // Each hyphen before this one is taken for an inserted one, also one of the word's own.
-        const qsizetype kept = wordOffset + candidate - accepted;
-        const QString prefix = line.left(std::max<qsizetype>(0, kept));
-        if (maxWidth <= TextRenderer::fineTextWidth(prefix, metrics) + hyphenWidth)
-            break;
+    // Each hyphen before the candidate is taken for an inserted one, also one of the word's own.
+    while (candidate != -1 && fitsWithHyphen(candidate - accepted)) {
         next = candidate + 1;
         ++accepted;
         candidate = classes.indexOf(hyphen, next, Qt::CaseSensitive);

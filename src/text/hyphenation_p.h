@@ -5,9 +5,7 @@
 #include <QtCore/qregularexpression.h>
 #include <QtCore/qstring.h>
 
-QT_BEGIN_NAMESPACE
-class QFontMetricsF;
-QT_END_NAMESPACE
+#include <functional>
 
 namespace ovelin {
 
@@ -22,12 +20,10 @@ extern const QHash<QChar, QChar> hyphenationLetterClasses;
 extern const QRegularExpression wordBreakPattern;
 
 // Returns how many of the first characters of a word stay on the line when it is broken with a
-// hyphen: the most that fit into maxWidth with the line's beginning and the hyphen. 0 when not even
-// the first syllable fits, -1 when the word has no place for a hyphen.
-//
-// The line ends with the word, which begins at wordOffset, and the word ends with its separator.
-int hyphenationPoint(const QString &line, const QString &word, int wordOffset, double maxWidth,
-                     const QFontMetricsF &metrics);
+// hyphen: the most that fit. 0 when not even the first syllable fits, -1 when the word has no place for
+// a hyphen. The word ends with its separator.
+int hyphenationPoint(const QString &word,
+                     const std::function<bool(qsizetype kept)> &fitsWithHyphen);
 
 } // namespace ovelin
 

@@ -1,10 +1,9 @@
 #include "textlayout_p.h"
 
+#include "finetextwidth_p.h"
 #include "hyphenation_p.h"
+#include "textmeasure_p.h"
 
-#include <ovelin/textrenderer.h>
-
-#include <QFontMetricsF>
 #include <QHash>
 
 #include <algorithm>
@@ -25,14 +24,17 @@ constexpr qsizetype shortestSplitWord = 9;
 // The shortest word that is split because no line is wide enough for it.
 constexpr qsizetype shortestWideWord = 2;
 
+// What is taken of the text at first, in characters; more is where the lines want it.
+constexpr qsizetype shortestLoad = 256;
+
 // How often a hyphen is moved to yet another line before the text is cut there.
 constexpr qsizetype usualHyphenMoves = 64;
 
-// All that a wrap depends on, apart from how many lines are left. The text only ever grows: of the
-// same size it is the same.
+// All that a wrap depends on, apart from how many lines are left. The text only ever grows: with as
+// many characters inserted it is the same.
 struct WrapState
 {
-    qsizetype textSize;
+    qsizetype inserted;
     qsizetype lineStart;
     qsizetype wordStart;
     qsizetype previousWordStart;
@@ -42,23 +44,40 @@ struct WrapState
 
 size_t qHash(const WrapState &state, size_t seed = 0)
 {
-    return qHashMulti(seed, state.textSize, state.lineStart, state.wordStart,
+    return qHashMulti(seed, state.inserted, state.lineStart, state.wordStart,
                       state.previousWordStart);
 }
 
-// One run over one text. The break candidates are taken one after the other; at each, the line up to
-// it is measured, and the word before it is accepted, split, or moved to the next line, where it is
-// looked at again.
+// A separator at which the text may break, and the line and the word that end with it.
+struct Candidate
+{
+    qsizetype lineStart;
+    qsizetype wordStart;
+    qsizetype separator;
+    bool endsParagraph;
+
+    bool isWordSeparatorOnly() const { return wordStart == separator; }
+    bool isLineOneWord() const { return lineStart == wordStart; }
+    qsizetype end() const { return separator + 1; }
+    qsizetype wordSize() const { return end() - wordStart; }
+};
+
+// One run over one text. The break candidates are taken one after the other; at each, the word before
+// it is accepted if the line up to it fits, and else split, or moved to the next line, where it is
+// looked at again. Of the text only as much is looked at as is shown.
 class LineBreaker
 {
 public:
-    LineBreaker(const QString &text, const QFont &font, const LineLimits &limits);
+    LineBreaker(const QString &text, const QFont &font, const LineLimits &limits,
+                TextMeasure::Method method);
 
     BrokenText run();
+    bool isMeasureWrong() const { return m_measure.isRulerWrong(); }
 
 private:
     bool nextCandidate();
-    bool fits() const;
+    bool loadText();
+    bool fits();
     bool maySplit() const;
 
     void acceptWord();
@@ -70,45 +89,46 @@ private:
     void elide();
     void trimBeforeEllipsis();
 
-    bool mayForceSplit() const;
-    qsizetype forcedSplitPoint() const;
-    bool isWordSeparatorOnly() const;
+    int hyphenationPoint();
+    bool mayForceSplit();
+    qsizetype forcedSplitPoint();
     bool isWordAfterHyphen() const;
     bool countLine();
     void startLine(qsizetype start);
+    void insert(qsizetype position, const QString &characters);
     QString range(qsizetype from, qsizetype to) const;
 
     const LineLimits m_limits;
-    const QFontMetricsF m_metrics;
-    const qsizetype m_sourceSize;
+    const QString m_source;
+    TextMeasure m_measure;
 
-    QString m_text;
+    QString m_text; // what was looked at, with the breaks, and in the end a space behind it
+    qsizetype m_loaded = 0; // characters of the source, and the space
+    qsizetype m_inserted = 0;
     int m_lineCount = 0;
     qsizetype m_lineStart = 0;
     qsizetype m_wordStart = 0;
     qsizetype m_previousWordStart = 0; // of the last word that fitted
 
-    qsizetype m_break = 0; // the candidate
-    QString m_word;        // up to and including the candidate's separator, as the line is
-    QString m_line;
+    Candidate m_candidate = {};
+    qsizetype m_break = 0; // the separator behind which a new line may begin
     bool m_elided = false;
 
     QHash<WrapState, int> m_lineCountAtWrap;
     qsizetype m_hyphenMoves = 0;
-    qsizetype m_movedHyphen = -1; // counted from the end, which insertions before it do not change
+    qsizetype m_movedHyphen = -1; // where it is in the source
 };
 
-LineBreaker::LineBreaker(const QString &text, const QFont &font, const LineLimits &limits)
+LineBreaker::LineBreaker(const QString &text, const QFont &font, const LineLimits &limits,
+                         TextMeasure::Method method)
     : m_limits(limits)
-    , m_metrics(font)
-    , m_sourceSize(text.size())
+    , m_source(text)
+    , m_measure(font, limits.width, limits.maxLineCount, method)
 {
     // A break inserts a separator and at most one hyphen.
-    const qsizetype breaks
-        = std::clamp<qsizetype>(limits.maxLineCount, 1, m_sourceSize + 1) - 1;
-    m_text.reserve(m_sourceSize + 1 + 2 * breaks);
-    m_text += text;
-    m_text += u' ';
+    const qsizetype shown = std::min(text.size(), shortestLoad) + 1;
+    const qsizetype breaks = std::clamp<qsizetype>(limits.maxLineCount, 1, shown) - 1;
+    m_text.reserve(shown + 2 * breaks);
 }
 
 BrokenText LineBreaker::run()
@@ -120,34 +140,69 @@ BrokenText LineBreaker::run()
             wrapWord();
         }
     }
+    m_measure.finish(m_text);
 
     if (m_elided)
         trimBeforeEllipsis();
     else
         m_text.chop(1);
-    return {m_text, m_elided};
+    return {.text = m_text, .elided = m_elided, .widerThanLimit = m_measure.isWiderThanLine()};
 }
 
 bool LineBreaker::nextCandidate()
 {
-    m_break = m_text.indexOf(wordBreakPattern, m_wordStart);
-    if (m_break == -1)
+    // A split inside a surrogate pair leaves a text in which the pattern finds nothing.
+    const bool beginsInsidePair
+        = m_wordStart < m_text.size() && m_text.at(m_wordStart).isLowSurrogate();
+    if (beginsInsidePair)
         return false;
-    m_word = range(m_wordStart, m_break + 1);
-    m_line = range(m_lineStart, m_break + 1);
+
+    qsizetype separator = -1;
+    do {
+        // The text is known to be well-formed.
+        separator = wordBreakPattern
+                        .matchView(m_text, m_wordStart, QRegularExpression::NormalMatch,
+                                   QRegularExpression::DontCheckSubjectStringMatchOption)
+                        .capturedStart();
+    } while (separator == -1 && loadText());
+    if (separator == -1)
+        return false;
+
+    m_break = separator;
+    m_candidate = {.lineStart = m_lineStart,
+                   .wordStart = m_wordStart,
+                   .separator = separator,
+                   .endsParagraph = m_text.at(separator) == lineSeparator};
     return true;
 }
 
-bool LineBreaker::fits() const
+// Takes more of the source, and the space that ends its last word; returns whether there was any left.
+bool LineBreaker::loadText()
 {
-    return m_metrics.horizontalAdvance(range(m_lineStart, m_break)) < m_limits.width;
+    if (m_loaded > m_source.size())
+        return false;
+    qsizetype size = std::max(shortestLoad, m_text.size());
+    const qsizetype last = m_loaded + size - 1;
+    if (last < m_source.size() && m_source.at(last).isHighSurrogate())
+        ++size;
+    m_text += QStringView(m_source).sliced(m_loaded).first(std::min(size, m_source.size() - m_loaded));
+    m_loaded += size;
+    if (m_loaded > m_source.size())
+        m_text += u' ';
+    return true;
+}
+
+bool LineBreaker::fits()
+{
+    return m_measure.decide(m_text, m_lineStart, m_candidate.separator,
+                            [this](double advance) { return advance < m_limits.width; });
 }
 
 // A word that fills its line alone is split even without hyphenation: it fits nowhere.
 bool LineBreaker::maySplit() const
 {
     return m_lineCount + 1 < m_limits.maxLineCount
-        && (m_limits.hyphenationEnabled || m_line == m_word);
+        && (m_limits.hyphenationEnabled || m_candidate.isLineOneWord());
 }
 
 void LineBreaker::acceptWord()
@@ -159,18 +214,18 @@ void LineBreaker::acceptWord()
 
 bool LineBreaker::splitWord()
 {
-    qsizetype kept = hyphenationPoint(m_line, m_word, static_cast<int>(m_wordStart - m_lineStart),
-                                      m_limits.width, m_metrics);
+    qsizetype kept = hyphenationPoint();
     const bool hyphenated = kept != -1;
     if (!hyphenated)
         kept = mayForceSplit() ? forcedSplitPoint() : 0;
     if (kept < 1)
         return false;
 
-    const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
     // Lower-casing can lengthen a word, and put the point behind the end of the text.
+    while (m_wordStart + kept >= m_text.size() && loadText()) { }
     const qsizetype splitPoint = std::min(m_wordStart + kept, m_text.size() - 1);
-    m_text.insert(splitPoint, lineEnd);
+    const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
+    insert(splitPoint, lineEnd);
     startLine(splitPoint + lineEnd.size());
     ++m_lineCount;
     return true;
@@ -178,7 +233,7 @@ bool LineBreaker::splitWord()
 
 void LineBreaker::wrapWord()
 {
-    const WrapState state{m_text.size(), m_lineStart, m_wordStart, m_previousWordStart};
+    const WrapState state{m_inserted, m_lineStart, m_wordStart, m_previousWordStart};
     const auto seen = m_lineCountAtWrap.constFind(state);
     if (seen == m_lineCountAtWrap.cend()) {
         m_lineCountAtWrap.insert(state, m_lineCount);
@@ -191,17 +246,16 @@ void LineBreaker::wrapWord()
 
     if (!countLine())
         return;
-    if (isWordSeparatorOnly()) {
+    if (m_candidate.isWordSeparatorOnly()) {
         startLine(m_previousWordStart);
-        m_break = m_previousWordStart;
     } else if (isWordAfterHyphen()) {
         moveHyphenToNextLine();
         return;
     } else {
         // Qt, given the same width, breaks the line at the space before the word.
         startLine(m_wordStart);
-        m_break = m_wordStart;
     }
+    m_break = m_lineStart;
     breakAfterSeparator();
 }
 
@@ -216,7 +270,7 @@ void LineBreaker::skipCycles(int linesPerCycle)
 // Ends the line where the word's own separator is a break that the user wanted.
 void LineBreaker::breakAfterSeparator()
 {
-    if (m_word.contains(lineSeparator) && countLine())
+    if (m_candidate.endsParagraph && countLine())
         m_lineStart = m_break + 1;
 }
 
@@ -225,12 +279,12 @@ void LineBreaker::breakAfterSeparator()
 // made at once then, and where there are too many of them the text is cut.
 void LineBreaker::moveHyphenToNextLine()
 {
-    const qsizetype movedHyphen = m_text.size() - m_wordStart;
+    const qsizetype movedHyphen = m_wordStart - m_inserted;
     if (m_movedHyphen != movedHyphen) {
         m_movedHyphen = movedHyphen;
         m_hyphenMoves = 0;
     }
-    const qsizetype movesLeft = std::max(usualHyphenMoves, m_sourceSize) - m_hyphenMoves;
+    const qsizetype movesLeft = std::max(usualHyphenMoves, m_source.size()) - m_hyphenMoves;
     if (movesLeft == 0) {
         elide();
         return;
@@ -246,18 +300,20 @@ void LineBreaker::moveHyphenToNextLine()
 
     m_hyphenMoves += moves;
     m_lineCount += static_cast<int>(moves - 1);
-    m_text.insert(m_wordStart - 1, QString(moves, lineSeparator));
+    insert(m_wordStart - 1, QString(moves, lineSeparator));
     m_wordStart += moves;
     m_lineStart = m_wordStart - 1;
 }
 
 void LineBreaker::elide()
 {
-    const QString shown = m_metrics.elidedText(m_line, Qt::ElideRight, m_limits.width);
+    const QFontMetricsF &metrics = m_measure.metrics();
+    const QString line = range(m_candidate.lineStart, m_candidate.end());
+    const QString shown = metrics.elidedText(line, Qt::ElideRight, m_limits.width);
     qsizetype cut = -1;
     if (!shown.isEmpty()) {
         cut = m_lineStart + shown.size() - 1;
-        if (m_metrics.horizontalAdvance(shown) > m_limits.width)
+        if (metrics.horizontalAdvance(shown) > m_limits.width)
             --cut;
     }
     if (cut >= 0)
@@ -273,27 +329,39 @@ void LineBreaker::trimBeforeEllipsis()
         m_text.remove(i, 1);
 }
 
-bool LineBreaker::mayForceSplit() const
+int LineBreaker::hyphenationPoint()
 {
-    const bool fitsAlone = TextRenderer::fineTextWidth(m_word, m_metrics) <= m_limits.width;
-    return m_word.size() >= (fitsAlone ? shortestSplitWord : shortestWideWord);
+    const double hyphenWidth = m_measure.metrics().horizontalAdvance(QChar(hyphen));
+    const auto fitsWithHyphen = [this, hyphenWidth](double advance) {
+        return fineWidth(advance) + hyphenWidth < m_limits.width;
+    };
+    return ovelin::hyphenationPoint(
+        range(m_wordStart, m_candidate.end()), [&](qsizetype kept) {
+            const qsizetype end = std::min(m_wordStart + kept, m_candidate.end());
+            return m_measure.decide(m_text, m_lineStart, end, fitsWithHyphen);
+        });
 }
 
-qsizetype LineBreaker::forcedSplitPoint() const
+bool LineBreaker::mayForceSplit()
+{
+    const bool fitsAlone
+        = m_measure.decide(m_text, m_wordStart, m_candidate.end(), [this](double advance) {
+              return fineWidth(advance) <= m_limits.width;
+          });
+    return m_candidate.wordSize() >= (fitsAlone ? shortestSplitWord : shortestWideWord);
+}
+
+qsizetype LineBreaker::forcedSplitPoint()
 {
     const auto fitsWith = [this](qsizetype kept) {
-        const QString line = range(m_lineStart, m_wordStart + kept);
-        return TextRenderer::fineTextWidth(line, m_metrics) < m_limits.width;
+        return m_measure.decide(m_text, m_lineStart, m_wordStart + kept, [this](double advance) {
+            return fineWidth(advance) < m_limits.width;
+        });
     };
     qsizetype kept = 0;
-    while (m_word.size() - (kept + 1) >= shortestRest && fitsWith(kept + 1))
+    while (m_candidate.wordSize() - (kept + 1) >= shortestRest && fitsWith(kept + 1))
         ++kept;
     return kept;
-}
-
-bool LineBreaker::isWordSeparatorOnly() const
-{
-    return m_word == u"-"_s || m_word == u" "_s || m_word == u"\u2028"_s;
 }
 
 bool LineBreaker::isWordAfterHyphen() const
@@ -316,6 +384,13 @@ void LineBreaker::startLine(qsizetype start)
     m_wordStart = start;
 }
 
+void LineBreaker::insert(qsizetype position, const QString &characters)
+{
+    m_text.insert(position, characters);
+    m_inserted += characters.size();
+    m_measure.textInserted(position + characters.size(), characters.size());
+}
+
 // A range that ends before it begins is empty.
 QString LineBreaker::range(qsizetype from, qsizetype to) const
 {
@@ -326,7 +401,11 @@ QString LineBreaker::range(qsizetype from, qsizetype to) const
 
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits)
 {
-    return LineBreaker(text, font, limits).run();
+    LineBreaker breaker(text, font, limits, TextMeasure::Method::Ruler);
+    const BrokenText broken = breaker.run();
+    if (!breaker.isMeasureWrong())
+        return broken;
+    return LineBreaker(text, font, limits, TextMeasure::Method::MeasureAll).run();
 }
 
 } // namespace ovelin

@@ -20,11 +20,12 @@ struct BrokenText
 {
     QString text;
     bool elided;
+    bool widerThanLimit; // the whole text on one line is; it may be where this is false
 };
 
 // Breaks a text into lines: with line separators where Qt would not break it by itself at that width,
 // with a hyphen before a separator inside a word, and with an ellipsis at the end when the line limit
-// cuts it.
+// cuts it. The text is well-formed UTF-16.
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits);
 
 } // namespace ovelin

@@ -108,14 +108,28 @@ void TextRendererPrivate::performLayout()
 
 void TextRendererPrivate::breakAtLimit()
 {
-    const auto broken = breakIntoLines(text, font,
-                                       {.width = staticText.textWidth(),
-                                        .maxLineCount = maxLineCount,
-                                        .hyphenationEnabled = hyphenationEnabled});
+    const double limit = staticText.textWidth();
+    const BrokenText broken = breakText(limit);
     textElided = broken.elided;
+    if (broken.widerThanLimit) {
+        // By how much does not matter, and measuring all of a long text takes long.
+        fineWidth = toInt(limit + 1);
+        effectiveWidth = toInt(limit);
+    }
     if (!textElided)
         staticText.setTextWidth(effectiveTextWidth());
     staticText.setText(broken.text);
+}
+
+// In a text with a surrogate alone the pattern for breaks finds none.
+BrokenText TextRendererPrivate::breakText(double limit) const
+{
+    if (!textIsWellFormed)
+        return {.text = text, .elided = false, .widerThanLimit = false};
+    return breakIntoLines(text, font,
+                          {.width = limit,
+                           .maxLineCount = maxLineCount,
+                           .hyphenationEnabled = hyphenationEnabled});
 }
 
 // The text is aligned as a whole by moving it, not by Qt inside the static text.
@@ -213,6 +227,7 @@ TextRenderer::TextRenderer(const TextRenderer &other)
     d->needRelayout = other.d->needRelayout;
     d->staticText = other.d->staticText;
     d->text = other.d->text;
+    d->textIsWellFormed = other.d->textIsWellFormed;
     d->font = other.d->font;
     d->textTopLeft = other.d->textTopLeft;
     d->alignedTextTopLeft = other.d->alignedTextTopLeft;
@@ -247,6 +262,7 @@ void TextRenderer::setText(const QString &text)
     if (newText == d->text)
         return;
     d->text = newText;
+    d->textIsWellFormed = newText.isValidUtf16();
     d->lineSeparatorsApplied = separated;
     d->markDirty();
 }

@@ -1,6 +1,8 @@
 #ifndef OVELIN_TEXTRENDERER_P_H
 #define OVELIN_TEXTRENDERER_P_H
 
+#include "textlayout_p.h"
+
 #include <ovelin/textrenderer.h>
 
 #include <QStaticText>
@@ -21,6 +23,7 @@ struct TextRendererPrivate
     void applyLineSeparators();
     void performLayout();
     void breakAtLimit();
+    BrokenText breakText(double limit) const;
     void updateAlignedTextTopLeft();
 
     QSize computeBoundingSize(const QMargins &margins) const;
@@ -39,8 +42,9 @@ struct TextRendererPrivate
     bool hyphenationEnabled = true;
     bool textElided = false;
     bool lineSeparatorsApplied = false;
+    bool textIsWellFormed = true;
     std::optional<qint32> effectiveWidth;
-    std::optional<qint32> fineWidth;
+    std::optional<qint32> fineWidth; // any that exceeds the limit, where the text does
 };
 
 } // namespace ovelin

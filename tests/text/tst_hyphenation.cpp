@@ -30,7 +30,9 @@ double hyphenatedWidth(const QString &line, int wordOffset, int place)
 
 int pointAt(const QString &line, const QString &word, int wordOffset, double maxWidth)
 {
-    return hyphenationPoint(line, word, wordOffset, maxWidth, QFontMetricsF(pixelFont()));
+    return hyphenationPoint(word, [&](qsizetype place) {
+        return hyphenatedWidth(line, wordOffset, int(place)) < maxWidth;
+    });
 }
 
 } // namespace
@@ -55,7 +57,6 @@ private Q_SLOTS:
     void wordWithoutPlaceIsRefused();
     void nothingFitsIsNotTheSameAsNoPlace();
     void measuresTheLineNotOnlyTheWord();
-    void usesTheGivenMetrics();
     void acceptsAPrefixBeforeTheStartOfTheLine();
     void followsTheLowerCasedWordWhereItsLengthChanges();
     void agreesOnEveryClassString();
@@ -245,18 +246,6 @@ void tst_Hyphenation::measuresTheLineNotOnlyTheWord()
     QVERIFY(pointAt(line, word, int(before.size()), width) < 7);
 }
 
-void tst_Hyphenation::usesTheGivenMetrics()
-{
-    const QString word = QStringLiteral("программа ");
-    const double width = std::nextafter(hyphenatedWidth(word, 0, 7), unlimited);
-
-    QCOMPARE(hyphenationPoint(word, word, 0, width, QFontMetricsF(pixelFont(20))), 7);
-    QCOMPARE(hyphenationPoint(word, word, 0, width, QFontMetricsF(pixelFont(80))), 0);
-    QCOMPARE(
-        hyphenationPoint(word, word, 0, hyphenatedWidth(word, 0, 4), QFontMetricsF(pixelFont(5))),
-        7);
-}
-
 void tst_Hyphenation::acceptsAPrefixBeforeTheStartOfTheLine()
 {
     // The layout may begin a line behind the start of the word: the prefix is empty then.
@@ -289,7 +278,6 @@ void tst_Hyphenation::agreesOnEveryClassString()
     const std::array letters{u'g', u's', u'x'};
     constexpr int longest = 8;
     const QFont font = pixelFont();
-    const QFontMetricsF metrics(font);
 
     QStringList words{QString()};
     for (int length = 1; length <= longest; ++length) {
@@ -302,12 +290,12 @@ void tst_Hyphenation::agreesOnEveryClassString()
 
         for (const QString &word : std::as_const(words)) {
             const int last = referenceHyphenationPoint(word, word, 0, unlimited, font);
-            QVERIFY2(hyphenationPoint(word, word, 0, unlimited, metrics) == last, qPrintable(word));
+            QVERIFY2(pointAt(word, word, 0, unlimited) == last, qPrintable(word));
             if (last < 0 || length > 6)
                 continue;
             for (int place = 0; place <= length; ++place) {
                 const double width = hyphenatedWidth(word, 0, place) + 1;
-                QVERIFY2(hyphenationPoint(word, word, 0, width, metrics)
+                QVERIFY2(pointAt(word, word, 0, width)
                              == referenceHyphenationPoint(word, word, 0, width, font),
                          qPrintable(word));
             }

@@ -1,0 +1,111 @@
+#include "textmeasure_p.h"
+
+#include <cmath>
+
+namespace ovelin {
+
+namespace {
+
+// No character is that wide, the longest ligatures of sentences included.
+constexpr int widestCharacterInEms = 16;
+
+// In a line of narrow letters stand that many times as many as in one of average ones, and some more.
+constexpr double narrowLetters = 2;
+constexpr qsizetype fewestPerLine = 64;
+constexpr double mostPerLine = 1 << 14;
+
+// Shaping a longer stretch costs no less a character, and where the lines end sooner it is for nothing.
+constexpr qsizetype longestUsualStretch = 128;
+
+double widestCharacter(const QFont &font)
+{
+    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
+    const double spacing = std::abs(font.letterSpacing());
+    const double factor = std::max({1.0, font.stretch() / 100.0, percentage ? spacing / 100 : 0.0});
+    return widestCharacterInEms * font.pixelSize() * factor + (percentage ? 0 : spacing)
+        + std::abs(font.wordSpacing());
+}
+
+bool advancesGrow(const QFont &font)
+{
+    return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
+}
+
+double averagePerLine(const QFontMetricsF &metrics, double lineWidth)
+{
+    return std::min(lineWidth / std::max(1.0, metrics.averageCharWidth()), mostPerLine);
+}
+
+qsizetype stretchLength(const QFontMetricsF &metrics, double lineWidth, int maxLineCount)
+{
+    if (maxLineCount < 1)
+        return longestUsualStretch;
+    return static_cast<qsizetype>(
+        std::min<double>(averagePerLine(metrics, lineWidth) * maxLineCount, longestUsualStretch));
+}
+
+} // namespace
+
+TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, Method method)
+    : m_metrics(font)
+    , m_lineWidth(lineWidth)
+    , m_widestCharacter(widestCharacter(font))
+    , m_advancesGrow(advancesGrow(font))
+    , m_mostPerLine(static_cast<qsizetype>(narrowLetters * averagePerLine(m_metrics, lineWidth))
+                    + fewestPerLine)
+    , m_stretchLength(stretchLength(m_metrics, lineWidth, maxLineCount))
+{
+    if (method == Method::Ruler)
+        m_ruler.emplace(font);
+}
+
+void TextMeasure::textInserted(qsizetype before, qsizetype size)
+{
+    m_uncheckedReading.reset();
+    if (m_ruler)
+        m_ruler->textInserted(before, size);
+}
+
+void TextMeasure::finish(const QString &text)
+{
+    if (!m_rulerIsChecked && m_uncheckedReading)
+        checkedMeasure(text, m_uncheckedReading->from, m_uncheckedReading->to);
+}
+
+// What else is in the text makes it no narrower, but for the two ends of the range, which have other
+// neighbours in it.
+bool TextMeasure::isWiderThanLine() const
+{
+    return m_ruler && m_advancesGrow && m_widestRange > m_lineWidth + m_ruler->tolerance();
+}
+
+std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)
+{
+    if (!m_ruler)
+        return std::nullopt;
+    const auto advance = m_ruler->advance(text, from, to, m_stretchLength);
+    if (advance) {
+        m_uncheckedReading = {from, to, *advance};
+        m_widestRange = std::max(m_widestRange, *advance - m_ruler->tolerance());
+    }
+    return advance;
+}
+
+double TextMeasure::measure(const QString &text, qsizetype from, qsizetype to) const
+{
+    return m_metrics.horizontalAdvance(text.mid(from, to - from));
+}
+
+double TextMeasure::checkedMeasure(const QString &text, qsizetype from, qsizetype to)
+{
+    const double advance = measure(text, from, to);
+    m_widestRange = std::max(m_widestRange, advance);
+    const auto &reading = m_uncheckedReading;
+    if (reading && reading->from == from && reading->to == to) {
+        m_rulerIsChecked = true;
+        m_rulerIsWrong |= std::abs(advance - reading->advance) > m_ruler->tolerance();
+    }
+    return advance;
+}
+
+} // namespace ovelin

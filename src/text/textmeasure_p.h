@@ -1,0 +1,88 @@
+#ifndef OVELIN_TEXTMEASURE_P_H
+#define OVELIN_TEXTMEASURE_P_H
+
+#include "textruler_p.h"
+
+#include <QtGui/qfontmetrics.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace ovelin {
+
+// Decides whether ranges of a text fit on a line, and measures few of them.
+//
+// Most ranges are so much shorter or longer than the line that counting their characters, or reading
+// them from a ruler, tells. What is left is measured, and every measurement checks the ruler: should it
+// read this font wrong, nothing that was decided by it holds.
+class TextMeasure
+{
+public:
+    enum class Method { Ruler, MeasureAll };
+
+    TextMeasure(const QFont &font, double lineWidth, int maxLineCount, Method method);
+
+    const QFontMetricsF &metrics() const { return m_metrics; }
+
+    // Returns what `fits` says of the advance of the characters from `from` up to but not including
+    // `to`; it says the same of every advance up to some limit.
+    template<typename Fits>
+    bool decide(const QString &text, qsizetype from, qsizetype to, const Fits &fits);
+
+    void textInserted(qsizetype before, qsizetype size);
+
+    // Makes sure that the ruler was checked if it was read.
+    void finish(const QString &text);
+    bool isRulerWrong() const { return m_rulerIsWrong; }
+
+    // Returns whether a range was found with which the whole text is wider than the line.
+    bool isWiderThanLine() const;
+
+private:
+    std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
+    double measure(const QString &text, qsizetype from, qsizetype to) const;
+    double checkedMeasure(const QString &text, qsizetype from, qsizetype to);
+
+    const QFontMetricsF m_metrics;
+    const double m_lineWidth;
+    const double m_widestCharacter;
+    const bool m_advancesGrow; // with every character
+    const qsizetype m_mostPerLine;
+    const qsizetype m_stretchLength;
+
+    std::optional<TextRuler> m_ruler;
+    struct Reading
+    {
+        qsizetype from;
+        qsizetype to;
+        double advance;
+    };
+    std::optional<Reading> m_uncheckedReading;
+    bool m_rulerIsChecked = false;
+    bool m_rulerIsWrong = false;
+    double m_widestRange = 0;
+};
+
+template<typename Fits>
+bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, const Fits &fits)
+{
+    to = std::max(from, to);
+    if (fits(double(to - from) * m_widestCharacter))
+        return true;
+    // Of what is much longer than a line, as a word without an end, the beginning is enough.
+    const qsizetype seen = m_advancesGrow ? std::min(to, from + m_mostPerLine) : to;
+    if (const auto advance = read(text, from, seen)) {
+        if (!fits(*advance - m_ruler->tolerance()))
+            return false;
+        if (seen == to && fits(*advance + m_ruler->tolerance()))
+            return true;
+    } else if (seen != to && !fits(measure(text, from, seen) - m_lineWidth)) {
+        return false;
+    }
+    return fits(checkedMeasure(text, from, to));
+}
+
+} // namespace ovelin
+
+#endif

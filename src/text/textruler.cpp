@@ -1,0 +1,82 @@
+#include "textruler_p.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ovelin {
+
+namespace {
+
+struct CharacterRange
+{
+    char16_t first;
+    char16_t last;
+};
+
+// Letters of the Latin, Greek and Cyrillic scripts, digits, and visible punctuation. No marks that
+// combine, no controls, no soft hyphens, which are as wide as the place they are in asks for.
+constexpr CharacterRange readableCharacters[] = {
+    {u'\u0020', u'\u007e'}, {u'\u00a0', u'\u00ac'}, {u'\u00ae', u'\u024f'},
+    {u'\u0370', u'\u0482'}, {u'\u048a', u'\u052f'}, {u'\u2010', u'\u2027'},
+    {u'\u2030', u'\u205e'}, {u'\u20a0', u'\u20bf'}, {u'\u2116', u'\u2116'},
+};
+
+bool isReadable(QChar c)
+{
+    return std::any_of(std::begin(readableCharacters), std::end(readableCharacters),
+                       [c](CharacterRange range) { return c >= range.first && c <= range.last; });
+}
+
+} // namespace
+
+TextRuler::TextRuler(const QFont &font)
+    : m_font(font)
+{
+}
+
+double TextRuler::tolerance() const
+{
+    return 0.5 * m_font.pixelSize() + std::abs(m_font.wordSpacing());
+}
+
+std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsizetype to,
+                                         qsizetype stretchLength)
+{
+    const bool shaped = from >= m_begin && from <= m_end
+        && (to <= m_end || (m_endsEarly && from == m_begin));
+    if (!shaped)
+        shapeStretch(text, from, from + std::max(stretchLength, to - from > stretchLength ? 2 * (to - from) : 0));
+    if (to > m_end)
+        return std::nullopt;
+    const auto x = [this](qsizetype position) {
+        return m_line.cursorToX(static_cast<int>(position - m_shift));
+    };
+    return x(to) - x(from);
+}
+
+void TextRuler::textInserted(qsizetype before, qsizetype size)
+{
+    m_shift += size;
+    m_begin = std::max(m_begin + size, before);
+    m_end += size;
+}
+
+void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
+{
+    const QStringView wanted = text.sliced(from, std::min(to, text.size()) - from);
+    const auto unreadable = std::find_if_not(wanted.begin(), wanted.end(), isReadable);
+    const QStringView stretch(wanted.begin(), unreadable);
+
+    m_shift = m_begin = from;
+    m_end = from + stretch.size();
+    m_endsEarly = unreadable != wanted.end();
+
+    m_stretch = std::make_unique<QTextLayout>(stretch.toString(), m_font);
+    m_stretch->setCacheEnabled(true);
+    m_stretch->beginLayout();
+    m_line = m_stretch->createLine();
+    m_line.setNumColumns(static_cast<int>(stretch.size()));
+    m_stretch->endLayout();
+}
+
+} // namespace ovelin

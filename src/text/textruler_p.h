@@ -1,0 +1,49 @@
+#ifndef OVELIN_TEXTRULER_P_H
+#define OVELIN_TEXTRULER_P_H
+
+#include <QtGui/qfont.h>
+#include <QtGui/qtextlayout.h>
+
+#include <memory>
+#include <optional>
+
+namespace ovelin {
+
+// Reads the advances of many ranges of a text from one shaping of a longer stretch of it.
+//
+// A range in its stretch can be shaped a little otherwise than by itself: the characters at its two
+// ends have neighbours. Only stretches of scripts whose characters stand side by side from left to
+// right are shaped, where that means some kerning or a ligature at the most, and word spacing, which
+// Qt adds behind the last of several spaces.
+class TextRuler
+{
+public:
+    explicit TextRuler(const QFont &font);
+
+    // How far an advance may lie from that of the range by itself.
+    double tolerance() const;
+
+    // Returns the advance of the characters from `from` up to but not including `to`; nothing where
+    // these are not of scripts that the ruler can read. A stretch of that many characters is shaped if
+    // the last one does not hold the range.
+    std::optional<double> advance(QStringView text, qsizetype from, qsizetype to,
+                                  qsizetype stretchLength);
+
+    // The text was changed in front of a position, which has moved by that many characters.
+    void textInserted(qsizetype before, qsizetype size);
+
+private:
+    void shapeStretch(QStringView text, qsizetype from, qsizetype to);
+
+    const QFont m_font;
+    std::unique_ptr<QTextLayout> m_stretch;
+    QTextLine m_line;
+    qsizetype m_shift = 0; // of the stretch's first character, which may be gone
+    qsizetype m_begin = 0;
+    qsizetype m_end = 0;
+    bool m_endsEarly = false; // before a character that the ruler cannot read
+};
+
+} // namespace ovelin
+
+#endif
