@@ -32,17 +32,10 @@ struct Rule
 // In the order in which they apply: a hyphen that an earlier rule set keeps the later ones from
 // matching across it.
 constexpr Rule hyphenationRules[] = {
-    {"xgg"_L1, "x-gg"_L1},
-    {"xgs"_L1, "x-gs"_L1},
-    {"xsg"_L1, "x-sg"_L1},
-    {"xss"_L1, "x-ss"_L1},
-    {"ggg"_L1, "g-gg"_L1},
-    {"ggs"_L1, "g-gs"_L1},
-    {"ggx"_L1, "g-gx"_L1},
-    {"gssg"_L1, "gs-sg"_L1},
-    {"sgsg"_L1, "sg-sg"_L1},
-    {"gsssg"_L1, "gs-ssg"_L1},
-    {"gssssg"_L1, "gss-ssg"_L1},
+    {"xgg"_L1, "x-gg"_L1},     {"xgs"_L1, "x-gs"_L1},       {"xsg"_L1, "x-sg"_L1},
+    {"xss"_L1, "x-ss"_L1},     {"ggg"_L1, "g-gg"_L1},       {"ggs"_L1, "g-gs"_L1},
+    {"ggx"_L1, "g-gx"_L1},     {"gssg"_L1, "gs-sg"_L1},     {"sgsg"_L1, "sg-sg"_L1},
+    {"gsssg"_L1, "gs-ssg"_L1}, {"gssssg"_L1, "gss-ssg"_L1},
 };
 
 // What a word gains in hyphens before its class string has to grow.
@@ -69,6 +62,8 @@ QString classString(const QString &word)
 void insertHyphens(QString &classes)
 {
     for (const auto &[before, after] : hyphenationRules) {
+        if (!classes.contains(before))
+            continue;
         // A match ends where the next may begin; the second run finds those that overlap one of the
         // first, and more runs would give breaks that nobody expects.
         classes.replace(before, after, Qt::CaseSensitive);
@@ -82,8 +77,7 @@ const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
 const QRegularExpression wordBreakPattern(
     u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
 
-int hyphenationPoint(const QString &word,
-                     const std::function<bool(qsizetype kept)> &fitsWithHyphen)
+int hyphenationPoint(const QString &word, const std::function<bool(qsizetype kept)> &fitsWithHyphen)
 {
     QString classes = classString(word);
     insertHyphens(classes);

@@ -19,9 +19,13 @@ extern const QHash<QChar, QChar> hyphenationLetterClasses;
 // Matches where a word ends: at a space, at a line separator, or at a hyphen that no digit follows.
 extern const QRegularExpression wordBreakPattern;
 
+// The characters that far behind a place decide whether a hyphen may stand there, and none further
+// on: each of the 22 replacements sees the five letters behind it at the most.
+constexpr qsizetype hyphenationReach = 22 * 5;
+
 // Returns how many of the first characters of a word stay on the line when it is broken with a
-// hyphen: the most that fit. 0 when not even the first syllable fits, -1 when the word has no place for
-// a hyphen. The word ends with its separator.
+// hyphen: the most that fit. 0 when not even the first syllable fits, -1 when the word has no place
+// for a hyphen. The word ends with its separator.
 int hyphenationPoint(const QString &word,
                      const std::function<bool(qsizetype kept)> &fitsWithHyphen);
 

@@ -25,7 +25,7 @@ constexpr qsizetype shortestSplitWord = 9;
 constexpr qsizetype shortestWideWord = 2;
 
 // What is taken of the text at first, in characters; more is where the lines want it.
-constexpr qsizetype shortestLoad = 256;
+constexpr qsizetype shortestLoad = 512;
 
 // How often a hyphen is moved to yet another line before the text is cut there.
 constexpr qsizetype usualHyphenMoves = 64;
@@ -62,9 +62,9 @@ struct Candidate
     qsizetype wordSize() const { return end() - wordStart; }
 };
 
-// One run over one text. The break candidates are taken one after the other; at each, the word before
-// it is accepted if the line up to it fits, and else split, or moved to the next line, where it is
-// looked at again. Of the text only as much is looked at as is shown.
+// One run over one text. The break candidates are taken one after the other; at each, the word
+// before it is accepted if the line up to it fits, and else split, or moved to the next line, where
+// it is looked at again. Of the text only as much is looked at as is shown.
 class LineBreaker
 {
 public:
@@ -102,7 +102,7 @@ private:
     const QString m_source;
     TextMeasure m_measure;
 
-    QString m_text; // what was looked at, with the breaks, and in the end a space behind it
+    QString m_text;         // what was looked at, with the breaks, and in the end a space behind it
     qsizetype m_loaded = 0; // characters of the source, and the space
     qsizetype m_inserted = 0;
     int m_lineCount = 0;
@@ -116,7 +116,8 @@ private:
 
     QHash<WrapState, int> m_lineCountAtWrap;
     qsizetype m_hyphenMoves = 0;
-    qsizetype m_movedHyphen = -1; // where it is in the source
+    qsizetype m_movedHyphen = -1;      // where it is in the source
+    qsizetype m_wordWithoutPoint = -1; // where it ends there; no part of it has one
 };
 
 LineBreaker::LineBreaker(const QString &text, const QFont &font, const LineLimits &limits,
@@ -140,20 +141,20 @@ BrokenText LineBreaker::run()
             wrapWord();
         }
     }
-    m_measure.finish(m_text);
-
-    if (m_elided)
+    if (m_elided) {
         trimBeforeEllipsis();
-    else
+    } else {
+        m_measure.checkOnce(m_text);
         m_text.chop(1);
+    }
     return {.text = m_text, .elided = m_elided, .widerThanLimit = m_measure.isWiderThanLine()};
 }
 
 bool LineBreaker::nextCandidate()
 {
     // A split inside a surrogate pair leaves a text in which the pattern finds nothing.
-    const bool beginsInsidePair
-        = m_wordStart < m_text.size() && m_text.at(m_wordStart).isLowSurrogate();
+    const bool beginsInsidePair =
+        m_wordStart < m_text.size() && m_text.at(m_wordStart).isLowSurrogate();
     if (beginsInsidePair)
         return false;
 
@@ -176,7 +177,8 @@ bool LineBreaker::nextCandidate()
     return true;
 }
 
-// Takes more of the source, and the space that ends its last word; returns whether there was any left.
+// Takes more of the source, and the space that ends its last word; returns whether there was any
+// left.
 bool LineBreaker::loadText()
 {
     if (m_loaded > m_source.size())
@@ -185,7 +187,8 @@ bool LineBreaker::loadText()
     const qsizetype last = m_loaded + size - 1;
     if (last < m_source.size() && m_source.at(last).isHighSurrogate())
         ++size;
-    m_text += QStringView(m_source).sliced(m_loaded).first(std::min(size, m_source.size() - m_loaded));
+    m_text +=
+        QStringView(m_source).sliced(m_loaded).first(std::min(size, m_source.size() - m_loaded));
     m_loaded += size;
     if (m_loaded > m_source.size())
         m_text += u' ';
@@ -202,7 +205,7 @@ bool LineBreaker::fits()
 bool LineBreaker::maySplit() const
 {
     return m_lineCount + 1 < m_limits.maxLineCount
-        && (m_limits.hyphenationEnabled || m_candidate.isLineOneWord());
+           && (m_limits.hyphenationEnabled || m_candidate.isLineOneWord());
 }
 
 void LineBreaker::acceptWord()
@@ -222,7 +225,8 @@ bool LineBreaker::splitWord()
         return false;
 
     // Lower-casing can lengthen a word, and put the point behind the end of the text.
-    while (m_wordStart + kept >= m_text.size() && loadText()) { }
+    while (m_wordStart + kept >= m_text.size() && loadText()) {
+    }
     const qsizetype splitPoint = std::min(m_wordStart + kept, m_text.size() - 1);
     const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
     insert(splitPoint, lineEnd);
@@ -259,8 +263,8 @@ void LineBreaker::wrapWord()
     breakAfterSeparator();
 }
 
-// Wrapping has led back to where it was before that many lines, and does so until the limit is near:
-// only the last cycle is left to go through.
+// Wrapping has led back to where it was before that many lines, and does so until the limit is
+// near: only the last cycle is left to go through.
 void LineBreaker::skipCycles(int linesPerCycle)
 {
     const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
@@ -274,9 +278,9 @@ void LineBreaker::breakAfterSeparator()
         m_lineStart = m_break + 1;
 }
 
-// Breaks the line in front of the hyphen, which begins the next one. A word for which that line is too
-// narrow as well comes back here, and does so until the limit, or for ever: all its empty lines are
-// made at once then, and where there are too many of them the text is cut.
+// Breaks the line in front of the hyphen, which begins the next one. A word for which that line is
+// too narrow as well comes back here, and does so until the limit, or for ever: all its empty lines
+// are made at once then, and where there are too many of them the text is cut.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype movedHyphen = m_wordStart - m_inserted;
@@ -312,8 +316,12 @@ void LineBreaker::elide()
     const QString shown = metrics.elidedText(line, Qt::ElideRight, m_limits.width);
     qsizetype cut = -1;
     if (!shown.isEmpty()) {
-        cut = m_lineStart + shown.size() - 1;
-        if (metrics.horizontalAdvance(shown) > m_limits.width)
+        const qsizetype kept = shown.size() - 1;
+        const double advance = metrics.horizontalAdvance(shown);
+        m_measure.check(m_text, m_candidate.lineStart, m_candidate.lineStart + kept,
+                        advance - metrics.horizontalAdvance(shown.back()));
+        cut = m_lineStart + kept;
+        if (advance > m_limits.width)
             --cut;
     }
     if (cut >= 0)
@@ -331,23 +339,39 @@ void LineBreaker::trimBeforeEllipsis()
 
 int LineBreaker::hyphenationPoint()
 {
+    const qsizetype wordEndInSource = m_candidate.end() - m_inserted;
+    if (wordEndInSource == m_wordWithoutPoint)
+        return -1;
+
     const double hyphenWidth = m_measure.metrics().horizontalAdvance(QChar(hyphen));
-    const auto fitsWithHyphen = [this, hyphenWidth](double advance) {
+    const auto fits = [this, hyphenWidth](double advance) {
         return fineWidth(advance) + hyphenWidth < m_limits.width;
     };
-    return ovelin::hyphenationPoint(
-        range(m_wordStart, m_candidate.end()), [&](qsizetype kept) {
-            const qsizetype end = std::min(m_wordStart + kept, m_candidate.end());
-            return m_measure.decide(m_text, m_lineStart, end, fitsWithHyphen);
-        });
+    const qsizetype mostKept = m_measure.mostPerLine();
+    bool isRejected = false;
+    const auto fitsWithHyphen = [&](qsizetype kept) {
+        const qsizetype end = std::min(m_wordStart + kept, m_candidate.end());
+        const bool accepted = m_measure.decide(m_text, m_lineStart, end, fits);
+        isRejected = !accepted && kept <= mostKept;
+        return accepted;
+    };
+
+    // The beginning of a word without an end tells its point, if there is one that does not fit.
+    const QString word = range(m_wordStart, m_candidate.end());
+    const QString head = word.left(mostKept + hyphenationReach);
+    int point = ovelin::hyphenationPoint(head, fitsWithHyphen);
+    if (!isRejected && head.size() < word.size())
+        point = ovelin::hyphenationPoint(word, fitsWithHyphen);
+    if (point == -1)
+        m_wordWithoutPoint = wordEndInSource;
+    return point;
 }
 
 bool LineBreaker::mayForceSplit()
 {
-    const bool fitsAlone
-        = m_measure.decide(m_text, m_wordStart, m_candidate.end(), [this](double advance) {
-              return fineWidth(advance) <= m_limits.width;
-          });
+    const bool fitsAlone =
+        m_measure.decide(m_text, m_wordStart, m_candidate.end(),
+                         [this](double advance) { return fineWidth(advance) <= m_limits.width; });
     return m_candidate.wordSize() >= (fitsAlone ? shortestSplitWord : shortestWideWord);
 }
 

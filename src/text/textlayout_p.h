@@ -11,8 +11,8 @@ namespace ovelin {
 
 struct LineLimits
 {
-    double width;      // a line exactly as wide does not fit
-    int maxLineCount;  // 0 and below: no limit
+    double width;     // a line exactly as wide does not fit
+    int maxLineCount; // 0 and below: no limit
     bool hyphenationEnabled;
 };
 
@@ -23,9 +23,9 @@ struct BrokenText
     bool widerThanLimit; // the whole text on one line is; it may be where this is false
 };
 
-// Breaks a text into lines: with line separators where Qt would not break it by itself at that width,
-// with a hyphen before a separator inside a word, and with an ellipsis at the end when the line limit
-// cuts it. The text is well-formed UTF-16.
+// Breaks a text into lines: with line separators where Qt would not break it by itself at that
+// width, with a hyphen before a separator inside a word, and with an ellipsis at the end when the
+// line limit cuts it. The text is well-formed UTF-16.
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits);
 
 } // namespace ovelin

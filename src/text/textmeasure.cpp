@@ -9,13 +9,17 @@ namespace {
 // No character is that wide, the longest ligatures of sentences included.
 constexpr int widestCharacterInEms = 16;
 
-// In a line of narrow letters stand that many times as many as in one of average ones, and some more.
+// Letters of most scripts are about half as wide as high.
+constexpr double usualCharacterInEms = 0.5;
+
+// In a line of narrow letters stand that many times as many as in one of usual ones, and some more.
 constexpr double narrowLetters = 2;
 constexpr qsizetype fewestPerLine = 64;
 constexpr double mostPerLine = 1 << 14;
 
-// Shaping a longer stretch costs no less a character, and where the lines end sooner it is for nothing.
-constexpr qsizetype longestUsualStretch = 128;
+// Shaping a longer stretch costs no less a character, and where the lines end sooner it is for
+// nothing.
+constexpr qsizetype longestUsualStretch = 256;
 
 double widestCharacter(const QFont &font)
 {
@@ -23,7 +27,7 @@ double widestCharacter(const QFont &font)
     const double spacing = std::abs(font.letterSpacing());
     const double factor = std::max({1.0, font.stretch() / 100.0, percentage ? spacing / 100 : 0.0});
     return widestCharacterInEms * font.pixelSize() * factor + (percentage ? 0 : spacing)
-        + std::abs(font.wordSpacing());
+           + std::abs(font.wordSpacing());
 }
 
 bool advancesGrow(const QFont &font)
@@ -31,17 +35,17 @@ bool advancesGrow(const QFont &font)
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-double averagePerLine(const QFontMetricsF &metrics, double lineWidth)
+double usualPerLine(const QFont &font, double lineWidth)
 {
-    return std::min(lineWidth / std::max(1.0, metrics.averageCharWidth()), mostPerLine);
+    return std::min(lineWidth / (usualCharacterInEms * font.pixelSize()), mostPerLine);
 }
 
-qsizetype stretchLength(const QFontMetricsF &metrics, double lineWidth, int maxLineCount)
+qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
 {
     if (maxLineCount < 1)
         return longestUsualStretch;
     return static_cast<qsizetype>(
-        std::min<double>(averagePerLine(metrics, lineWidth) * maxLineCount, longestUsualStretch));
+        std::min<double>(usualPerLine(font, lineWidth) * maxLineCount, longestUsualStretch));
 }
 
 } // namespace
@@ -51,9 +55,9 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     , m_lineWidth(lineWidth)
     , m_widestCharacter(widestCharacter(font))
     , m_advancesGrow(advancesGrow(font))
-    , m_mostPerLine(static_cast<qsizetype>(narrowLetters * averagePerLine(m_metrics, lineWidth))
+    , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
                     + fewestPerLine)
-    , m_stretchLength(stretchLength(m_metrics, lineWidth, maxLineCount))
+    , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
 {
     if (method == Method::Ruler)
         m_ruler.emplace(font);
@@ -61,19 +65,25 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
 
 void TextMeasure::textInserted(qsizetype before, qsizetype size)
 {
-    m_uncheckedReading.reset();
+    m_lastReading.reset();
     if (m_ruler)
         m_ruler->textInserted(before, size);
 }
 
-void TextMeasure::finish(const QString &text)
+void TextMeasure::check(const QString &text, qsizetype from, qsizetype to, double advance)
 {
-    if (!m_rulerIsChecked && m_uncheckedReading)
-        checkedMeasure(text, m_uncheckedReading->from, m_uncheckedReading->to);
+    if (const auto reading = read(text, from, to))
+        compare(advance, *reading);
 }
 
-// What else is in the text makes it no narrower, but for the two ends of the range, which have other
-// neighbours in it.
+void TextMeasure::checkOnce(const QString &text)
+{
+    if (m_lastReading && !m_rulerIsChecked)
+        checkedMeasure(text, m_lastReading->from, m_lastReading->to);
+}
+
+// What else is in the text makes it no narrower, but for the two ends of the range, which have
+// other neighbours in it.
 bool TextMeasure::isWiderThanLine() const
 {
     return m_ruler && m_advancesGrow && m_widestRange > m_lineWidth + m_ruler->tolerance();
@@ -85,7 +95,7 @@ std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsi
         return std::nullopt;
     const auto advance = m_ruler->advance(text, from, to, m_stretchLength);
     if (advance) {
-        m_uncheckedReading = {from, to, *advance};
+        m_lastReading = {from, to, *advance};
         m_widestRange = std::max(m_widestRange, *advance - m_ruler->tolerance());
     }
     return advance;
@@ -100,12 +110,15 @@ double TextMeasure::checkedMeasure(const QString &text, qsizetype from, qsizetyp
 {
     const double advance = measure(text, from, to);
     m_widestRange = std::max(m_widestRange, advance);
-    const auto &reading = m_uncheckedReading;
-    if (reading && reading->from == from && reading->to == to) {
-        m_rulerIsChecked = true;
-        m_rulerIsWrong |= std::abs(advance - reading->advance) > m_ruler->tolerance();
-    }
+    if (m_lastReading && m_lastReading->from == from && m_lastReading->to == to)
+        compare(advance, m_lastReading->advance);
     return advance;
+}
+
+void TextMeasure::compare(double measured, double read)
+{
+    m_rulerIsChecked = true;
+    m_rulerIsWrong |= std::abs(measured - read) > m_ruler->tolerance();
 }
 
 } // namespace ovelin

@@ -13,9 +13,9 @@ namespace ovelin {
 
 // Decides whether ranges of a text fit on a line, and measures few of them.
 //
-// Most ranges are so much shorter or longer than the line that counting their characters, or reading
-// them from a ruler, tells. What is left is measured, and every measurement checks the ruler: should it
-// read this font wrong, nothing that was decided by it holds.
+// Most ranges are so much shorter or longer than the line that counting their characters, or
+// reading them from a ruler, tells. What is left is measured, and every measurement checks the
+// ruler: should it read this font wrong, nothing that was decided by it holds.
 class TextMeasure
 {
 public:
@@ -25,6 +25,9 @@ public:
 
     const QFontMetricsF &metrics() const { return m_metrics; }
 
+    // More characters hardly ever stand on a line.
+    qsizetype mostPerLine() const { return m_mostPerLine; }
+
     // Returns what `fits` says of the advance of the characters from `from` up to but not including
     // `to`; it says the same of every advance up to some limit.
     template<typename Fits>
@@ -32,8 +35,10 @@ public:
 
     void textInserted(qsizetype before, qsizetype size);
 
-    // Makes sure that the ruler was checked if it was read.
-    void finish(const QString &text);
+    // Checks the ruler by the advance of a range that was measured elsewhere.
+    void check(const QString &text, qsizetype from, qsizetype to, double advance);
+    // Checks the ruler if it was read and nothing has checked it yet.
+    void checkOnce(const QString &text);
     bool isRulerWrong() const { return m_rulerIsWrong; }
 
     // Returns whether a range was found with which the whole text is wider than the line.
@@ -43,6 +48,7 @@ private:
     std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
     double measure(const QString &text, qsizetype from, qsizetype to) const;
     double checkedMeasure(const QString &text, qsizetype from, qsizetype to);
+    void compare(double measured, double read);
 
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
@@ -58,7 +64,7 @@ private:
         qsizetype to;
         double advance;
     };
-    std::optional<Reading> m_uncheckedReading;
+    std::optional<Reading> m_lastReading;
     bool m_rulerIsChecked = false;
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;

@@ -1,5 +1,8 @@
 #include "textruler_p.h"
 
+#include <QGlyphRun>
+#include <QTextLayout>
+
 #include <algorithm>
 #include <cmath>
 
@@ -42,16 +45,20 @@ double TextRuler::tolerance() const
 std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsizetype to,
                                          qsizetype stretchLength)
 {
-    const bool shaped = from >= m_begin && from <= m_end
-        && (to <= m_end || (m_endsEarly && from == m_begin));
+    const bool shaped =
+        from >= m_begin && from <= m_end && (to <= m_end || (m_endsEarly && from == m_begin));
     if (!shaped)
-        shapeStretch(text, from, from + std::max(stretchLength, to - from > stretchLength ? 2 * (to - from) : 0));
+        shapeStretch(
+            text, from,
+            from + std::max(stretchLength, to - from > stretchLength ? 2 * (to - from) : 0));
     if (to > m_end)
         return std::nullopt;
-    const auto x = [this](qsizetype position) {
-        return m_line.cursorToX(static_cast<int>(position - m_shift));
-    };
     return x(to) - x(from);
+}
+
+double TextRuler::x(qsizetype position) const
+{
+    return m_x[static_cast<size_t>(position - m_shift)];
 }
 
 void TextRuler::textInserted(qsizetype before, qsizetype size)
@@ -71,12 +78,27 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
     m_end = from + stretch.size();
     m_endsEarly = unreadable != wanted.end();
 
-    m_stretch = std::make_unique<QTextLayout>(stretch.toString(), m_font);
-    m_stretch->setCacheEnabled(true);
-    m_stretch->beginLayout();
-    m_line = m_stretch->createLine();
-    m_line.setNumColumns(static_cast<int>(stretch.size()));
-    m_stretch->endLayout();
+    QTextLayout layout(stretch.toString(), m_font);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setNumColumns(static_cast<int>(stretch.size()));
+
+    // A character without a glyph is part of a ligature with the one before it.
+    constexpr double noGlyph = -1;
+    m_x.assign(static_cast<size_t>(stretch.size()) + 1, noGlyph);
+    m_x.back() = line.cursorToX(static_cast<int>(stretch.size()));
+    const auto runs = line.glyphRuns(
+        -1, -1, QTextLayout::RetrieveGlyphPositions | QTextLayout::RetrieveStringIndexes);
+    for (const QGlyphRun &run : runs) {
+        const QList<qsizetype> characters = run.stringIndexes();
+        const QList<QPointF> positions = run.positions();
+        for (qsizetype i = 0; i < characters.size(); ++i)
+            m_x[static_cast<size_t>(characters.at(i))] = positions.at(i).x();
+    }
+    double last = 0;
+    for (double &x : m_x)
+        last = x = x == noGlyph ? last : x;
+    layout.endLayout();
 }
 
 } // namespace ovelin

@@ -2,10 +2,9 @@
 #define OVELIN_TEXTRULER_P_H
 
 #include <QtGui/qfont.h>
-#include <QtGui/qtextlayout.h>
 
-#include <memory>
 #include <optional>
+#include <vector>
 
 namespace ovelin {
 
@@ -13,8 +12,8 @@ namespace ovelin {
 //
 // A range in its stretch can be shaped a little otherwise than by itself: the characters at its two
 // ends have neighbours. Only stretches of scripts whose characters stand side by side from left to
-// right are shaped, where that means some kerning or a ligature at the most, and word spacing, which
-// Qt adds behind the last of several spaces.
+// right are shaped, where that means some kerning or a ligature at the most, and word spacing,
+// which Qt adds behind the last of several spaces.
 class TextRuler
 {
 public:
@@ -24,8 +23,8 @@ public:
     double tolerance() const;
 
     // Returns the advance of the characters from `from` up to but not including `to`; nothing where
-    // these are not of scripts that the ruler can read. A stretch of that many characters is shaped if
-    // the last one does not hold the range.
+    // these are not of scripts that the ruler can read. A stretch of that many characters is shaped
+    // if the last one does not hold the range.
     std::optional<double> advance(QStringView text, qsizetype from, qsizetype to,
                                   qsizetype stretchLength);
 
@@ -34,13 +33,13 @@ public:
 
 private:
     void shapeStretch(QStringView text, qsizetype from, qsizetype to);
+    double x(qsizetype position) const;
 
     const QFont m_font;
-    std::unique_ptr<QTextLayout> m_stretch;
-    QTextLine m_line;
-    qsizetype m_shift = 0; // of the stretch's first character, which may be gone
-    qsizetype m_begin = 0;
-    qsizetype m_end = 0;
+    std::vector<double> m_x; // where each character of the stretch begins, and the last one ends
+    qsizetype m_shift = 0; // where the first one is, or would be if the text had not changed there
+    qsizetype m_begin = 0; // where the stretch still agrees with the text, from
+    qsizetype m_end = -1;  // and up to; before the first stretch, nowhere
     bool m_endsEarly = false; // before a character that the ruler cannot read
 };
 
