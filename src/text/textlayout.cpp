@@ -141,12 +141,10 @@ BrokenText LineBreaker::run()
             wrapWord();
         }
     }
-    if (m_elided) {
+    if (m_elided)
         trimBeforeEllipsis();
-    } else {
-        m_measure.checkOnce(m_text);
+    else
         m_text.chop(1);
-    }
     return {.text = m_text, .elided = m_elided, .widerThanLimit = m_measure.isWiderThanLine()};
 }
 
@@ -197,6 +195,9 @@ bool LineBreaker::loadText()
 
 bool LineBreaker::fits()
 {
+    // Fonts that kern letters with spaces are those which a ruler reads wrong.
+    if (m_text.at(m_candidate.separator) == u' ')
+        m_measure.checkOnce(m_text, m_lineStart, m_candidate.separator);
     return m_measure.decide(m_text, m_lineStart, m_candidate.separator,
                             [this](double advance) { return advance < m_limits.width; });
 }
@@ -316,12 +317,8 @@ void LineBreaker::elide()
     const QString shown = metrics.elidedText(line, Qt::ElideRight, m_limits.width);
     qsizetype cut = -1;
     if (!shown.isEmpty()) {
-        const qsizetype kept = shown.size() - 1;
-        const double advance = metrics.horizontalAdvance(shown);
-        m_measure.check(m_text, m_candidate.lineStart, m_candidate.lineStart + kept,
-                        advance - metrics.horizontalAdvance(shown.back()));
-        cut = m_lineStart + kept;
-        if (advance > m_limits.width)
+        cut = m_lineStart + shown.size() - 1;
+        if (metrics.horizontalAdvance(shown) > m_limits.width)
             --cut;
     }
     if (cut >= 0)

@@ -65,21 +65,18 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
 
 void TextMeasure::textInserted(qsizetype before, qsizetype size)
 {
-    m_lastReading.reset();
     if (m_ruler)
         m_ruler->textInserted(before, size);
 }
 
-void TextMeasure::check(const QString &text, qsizetype from, qsizetype to, double advance)
+void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 {
-    if (const auto reading = read(text, from, to))
-        compare(advance, *reading);
-}
-
-void TextMeasure::checkOnce(const QString &text)
-{
-    if (m_lastReading && !m_rulerIsChecked)
-        checkedMeasure(text, m_lastReading->from, m_lastReading->to);
+    if (m_rulerIsChecked || from >= to)
+        return;
+    if (const auto reading = read(text, from, to)) {
+        compare(*reading, measure(text, from, to));
+        m_rulerIsChecked = true;
+    }
 }
 
 // What else is in the text makes it no narrower, but for the two ends of the range, which have
@@ -93,32 +90,23 @@ std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsi
 {
     if (!m_ruler)
         return std::nullopt;
-    const auto advance = m_ruler->advance(text, from, to, m_stretchLength);
-    if (advance) {
-        m_lastReading = {from, to, *advance};
-        m_widestRange = std::max(m_widestRange, *advance - m_ruler->tolerance());
-    }
-    return advance;
+    const auto reading = m_ruler->advance(text, from, to, m_stretchLength);
+    if (reading)
+        m_widestRange = std::max(m_widestRange, *reading - m_ruler->tolerance());
+    return reading;
 }
 
-double TextMeasure::measure(const QString &text, qsizetype from, qsizetype to) const
+double TextMeasure::measure(const QString &text, qsizetype from, qsizetype to)
 {
-    return m_metrics.horizontalAdvance(text.mid(from, to - from));
-}
-
-double TextMeasure::checkedMeasure(const QString &text, qsizetype from, qsizetype to)
-{
-    const double advance = measure(text, from, to);
+    const double advance = m_metrics.horizontalAdvance(text.mid(from, to - from));
     m_widestRange = std::max(m_widestRange, advance);
-    if (m_lastReading && m_lastReading->from == from && m_lastReading->to == to)
-        compare(advance, m_lastReading->advance);
     return advance;
 }
 
-void TextMeasure::compare(double measured, double read)
+void TextMeasure::compare(double reading, double advance)
 {
-    m_rulerIsChecked = true;
-    m_rulerIsWrong |= std::abs(measured - read) > m_ruler->tolerance();
+    if (std::abs(advance - reading) > m_ruler->tolerance())
+        m_rulerIsWrong = true;
 }
 
 } // namespace ovelin

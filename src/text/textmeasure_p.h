@@ -6,7 +6,6 @@
 #include <QtGui/qfontmetrics.h>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 
 namespace ovelin {
@@ -35,10 +34,8 @@ public:
 
     void textInserted(qsizetype before, qsizetype size);
 
-    // Checks the ruler by the advance of a range that was measured elsewhere.
-    void check(const QString &text, qsizetype from, qsizetype to, double advance);
-    // Checks the ruler if it was read and nothing has checked it yet.
-    void checkOnce(const QString &text);
+    // Checks the ruler by a range, unless that has been done or it cannot read that one.
+    void checkOnce(const QString &text, qsizetype from, qsizetype to);
     bool isRulerWrong() const { return m_rulerIsWrong; }
 
     // Returns whether a range was found with which the whole text is wider than the line.
@@ -46,9 +43,8 @@ public:
 
 private:
     std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
-    double measure(const QString &text, qsizetype from, qsizetype to) const;
-    double checkedMeasure(const QString &text, qsizetype from, qsizetype to);
-    void compare(double measured, double read);
+    double measure(const QString &text, qsizetype from, qsizetype to);
+    void compare(double reading, double advance);
 
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
@@ -58,13 +54,6 @@ private:
     const qsizetype m_stretchLength;
 
     std::optional<TextRuler> m_ruler;
-    struct Reading
-    {
-        qsizetype from;
-        qsizetype to;
-        double advance;
-    };
-    std::optional<Reading> m_lastReading;
     bool m_rulerIsChecked = false;
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;
@@ -76,17 +65,23 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, cons
     to = std::max(from, to);
     if (fits(double(to - from) * m_widestCharacter))
         return true;
+
     // Of what is much longer than a line, as a word without an end, the beginning is enough.
     const qsizetype seen = m_advancesGrow ? std::min(to, from + m_mostPerLine) : to;
-    if (const auto advance = read(text, from, seen)) {
-        if (!fits(*advance - m_ruler->tolerance()))
+    const auto reading = read(text, from, seen);
+    if (reading) {
+        if (!fits(*reading - m_ruler->tolerance()))
             return false;
-        if (seen == to && fits(*advance + m_ruler->tolerance()))
+        if (seen == to && fits(*reading + m_ruler->tolerance()))
             return true;
     } else if (seen != to && !fits(measure(text, from, seen) - m_lineWidth)) {
         return false;
     }
-    return fits(checkedMeasure(text, from, to));
+
+    const double advance = measure(text, from, to);
+    if (reading && seen == to)
+        compare(*reading, advance);
+    return fits(advance);
 }
 
 } // namespace ovelin

@@ -30,6 +30,51 @@ bool isReadable(QChar c)
                        [c](CharacterRange range) { return c >= range.first && c <= range.last; });
 }
 
+// Where each character begins, and the last one ends.
+using Positions = std::vector<double>;
+
+// All at once. A character without a glyph is part of a ligature with the one before it. Nothing
+// where Qt does not say which glyph is whose, as Qt 6.8 does not where several fonts make up a
+// line.
+std::optional<Positions> positionsOfGlyphs(const QTextLine &line)
+{
+    constexpr double noGlyph = -1;
+    Positions positions(static_cast<size_t>(line.textLength()) + 1, noGlyph);
+    positions.back() = line.cursorToX(line.textLength());
+
+    qsizetype previous = -1;
+    for (const QGlyphRun &run : line.glyphRuns(
+             -1, -1, QTextLayout::RetrieveGlyphPositions | QTextLayout::RetrieveStringIndexes)) {
+        const QList<qsizetype> characters = run.stringIndexes();
+        const QList<QPointF> glyphs = run.positions();
+        for (qsizetype i = 0; i < characters.size(); ++i) {
+            if (characters.at(i) <= previous)
+                return std::nullopt;
+            previous = characters.at(i);
+            positions[static_cast<size_t>(previous)] = glyphs.at(i).x();
+        }
+    }
+
+    size_t known = 0;
+    for (size_t i = 1; i < positions.size(); ++i) {
+        if (positions[i] == noGlyph)
+            continue;
+        const double step = (positions[i] - positions[known]) / double(i - known);
+        while (++known < i)
+            positions[known] = positions[known - 1] + step;
+    }
+    return positions;
+}
+
+// One by one, which takes several times as long.
+Positions positionsOfCursors(const QTextLine &line)
+{
+    Positions positions;
+    for (int character = 0; character <= line.textLength(); ++character)
+        positions.push_back(line.cursorToX(character));
+    return positions;
+}
+
 } // namespace
 
 TextRuler::TextRuler(const QFont &font)
@@ -58,7 +103,7 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
 
 double TextRuler::x(qsizetype position) const
 {
-    return m_x[static_cast<size_t>(position - m_shift)];
+    return m_positions[static_cast<size_t>(position - m_shift)];
 }
 
 void TextRuler::textInserted(qsizetype before, qsizetype size)
@@ -82,22 +127,8 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
     layout.beginLayout();
     QTextLine line = layout.createLine();
     line.setNumColumns(static_cast<int>(stretch.size()));
-
-    // A character without a glyph is part of a ligature with the one before it.
-    constexpr double noGlyph = -1;
-    m_x.assign(static_cast<size_t>(stretch.size()) + 1, noGlyph);
-    m_x.back() = line.cursorToX(static_cast<int>(stretch.size()));
-    const auto runs = line.glyphRuns(
-        -1, -1, QTextLayout::RetrieveGlyphPositions | QTextLayout::RetrieveStringIndexes);
-    for (const QGlyphRun &run : runs) {
-        const QList<qsizetype> characters = run.stringIndexes();
-        const QList<QPointF> positions = run.positions();
-        for (qsizetype i = 0; i < characters.size(); ++i)
-            m_x[static_cast<size_t>(characters.at(i))] = positions.at(i).x();
-    }
-    double last = 0;
-    for (double &x : m_x)
-        last = x = x == noGlyph ? last : x;
+    auto positions = positionsOfGlyphs(line);
+    m_positions = positions ? std::move(*positions) : positionsOfCursors(line);
     layout.endLayout();
 }
 

@@ -36,11 +36,11 @@ private:
     double x(qsizetype position) const;
 
     const QFont m_font;
-    std::vector<double> m_x; // where each character of the stretch begins, and the last one ends
-    qsizetype m_shift = 0; // where the first one is, or would be if the text had not changed there
-    qsizetype m_begin = 0; // where the stretch still agrees with the text, from
-    qsizetype m_end = -1;  // and up to; before the first stretch, nowhere
-    bool m_endsEarly = false; // before a character that the ruler cannot read
+    std::vector<double> m_positions; // in the stretch
+    qsizetype m_shift = 0;           // where it began, moved as its end was by changes of the text
+    qsizetype m_begin = 0;           // where it still agrees with the text, from
+    qsizetype m_end = -1;            // and up to; before the first stretch, nowhere
+    bool m_endsEarly = false;        // before a character that the ruler cannot read
 };
 
 } // namespace ovelin

@@ -5,6 +5,7 @@
 #include <QFontMetricsF>
 #include <QRegularExpression>
 #include <QStaticText>
+#include <QTextOption>
 
 #include <algorithm>
 #include <array>
@@ -102,12 +103,14 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
 
     const QFontMetricsF metrics(input.font);
     const int wholeWidth = fineWidth(text, input.font);
+    result.wholeWidth = wholeWidth;
     const int limit = input.textWidth >= 1 ? input.textWidth : input.maxTextWidth;
     const int effectiveWidth = limit >= 1 ? std::min(limit, wholeWidth) : wholeWidth;
 
     const auto finish = [&](const QString &finalText, double staticTextWidth) {
         QStaticText staticText;
         staticText.setTextFormat(input.format);
+        staticText.setTextOption(QTextOption(Qt::AlignLeft));
         staticText.setTextWidth(staticTextWidth);
         staticText.setText(finalText);
         staticText.prepare(QTransform(), input.font);

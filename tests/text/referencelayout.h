@@ -24,6 +24,7 @@ struct ReferenceLayout
     bool elided = false;
     QString displayText; // with "\n" for the separators
     QSizeF size;         // of the static text
+    int wholeWidth = 0;  // the fine width of the text on one line
     int rounds = 0;      // how many break candidates were looked at
 };
 
