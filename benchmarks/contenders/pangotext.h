@@ -1,0 +1,26 @@
+#ifndef OVELIN_BENCHMARKS_PANGOTEXT_H
+#define OVELIN_BENCHMARKS_PANGOTEXT_H
+
+#include <QByteArray>
+
+#include <memory>
+
+struct _PangoLayout;
+
+namespace ovelin::benchmarks {
+
+// Pango's layout with a line limit and an ellipsis at the end.
+class PangoText
+{
+public:
+    PangoText(const char *fontFamily, int pixelSize, int width, int maxLineCount);
+
+    void layOut(const QByteArray &utf8);
+
+private:
+    std::shared_ptr<_PangoLayout> m_layout;
+};
+
+} // namespace ovelin::benchmarks
+
+#endif

@@ -1,0 +1,99 @@
+#include "contenders/qttext.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QFontMetricsF>
+#include <QTextOption>
+#include <QTransform>
+
+#include <algorithm>
+
+namespace ovelin::benchmarks {
+
+namespace {
+
+// As the renderer chooses it: a text that was not cut is as wide as it needs to be.
+int staticTextWidth(const TextRenderer &renderer)
+{
+    if (renderer.isTextElided())
+        return renderer.textWidth();
+    const int fineWidth
+        = TextRenderer::fineTextWidth(renderer.text(), QFontMetricsF(renderer.textFont()));
+    return std::min(renderer.textWidth(), fineWidth);
+}
+
+} // namespace
+
+StaticTextOf::StaticTextOf(const TextRenderer &renderer)
+    : m_font(renderer.textFont())
+    , m_text(renderer.displayText().replace(u'\n', QChar(QChar::LineSeparator)))
+    , m_width(staticTextWidth(renderer))
+{
+    m_staticText.setTextFormat(renderer.textFormat());
+    m_staticText.setPerformanceHint(QStaticText::AggressiveCaching);
+    m_staticText.setTextOption(QTextOption(renderer.textAlignment()));
+}
+
+void StaticTextOf::prepare()
+{
+    m_staticText.setTextWidth(m_width);
+    m_staticText.setText(m_text);
+    m_staticText.prepare(QTransform(), m_font);
+}
+
+LineLoop::LineLoop(const QFont &font, int width, int maxLineCount)
+    : m_font(font)
+    , m_width(width)
+    , m_maxLineCount(maxLineCount)
+{
+    m_layout.setFont(font);
+    m_layout.setCacheEnabled(true);
+    m_lastLine.setFont(font);
+    m_lastLine.setCacheEnabled(true);
+}
+
+void LineLoop::layOut(const QString &text)
+{
+    m_lastLine.setText({});
+    m_layout.setText(text);
+    m_layout.beginLayout();
+    qreal y = 0;
+    for (int i = 0; i < m_maxLineCount; ++i) {
+        QTextLine line = m_layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(m_width);
+        line.setPosition({0, y});
+        const bool isLastAllowed = i == m_maxLineCount - 1;
+        if (isLastAllowed && line.textStart() + line.textLength() < text.size())
+            layOutLastLine(text.mid(line.textStart()), y);
+        y += line.height();
+    }
+    m_layout.endLayout();
+}
+
+void LineLoop::layOutLastLine(const QString &rest, qreal y)
+{
+    m_lastLine.setText(QFontMetricsF(m_font).elidedText(rest, Qt::ElideRight, m_width));
+    m_lastLine.beginLayout();
+    QTextLine line = m_lastLine.createLine();
+    line.setLineWidth(m_width);
+    line.setPosition({0, y});
+    m_lastLine.endLayout();
+}
+
+Document::Document(const QFont &font, int width)
+{
+    m_document.setUndoRedoEnabled(false);
+    m_document.setDefaultFont(font);
+    m_document.setDocumentMargin(0);
+    m_document.setTextWidth(width);
+}
+
+void Document::layOut(const QString &text)
+{
+    m_document.setPlainText(text);
+    // Asking for the size lays everything out.
+    static_cast<void>(m_document.documentLayout()->documentSize());
+}
+
+} // namespace ovelin::benchmarks

@@ -1,0 +1,63 @@
+#ifndef OVELIN_BENCHMARKS_QTTEXT_H
+#define OVELIN_BENCHMARKS_QTTEXT_H
+
+#include <ovelin/textrenderer.h>
+
+#include <QFont>
+#include <QStaticText>
+#include <QString>
+#include <QTextDocument>
+#include <QTextLayout>
+
+namespace ovelin::benchmarks {
+
+// The floor: Qt prepares the text that a renderer shows, and the renderer's way to it is left out.
+class StaticTextOf
+{
+public:
+    explicit StaticTextOf(const TextRenderer &renderer);
+
+    void prepare();
+    const QStaticText &staticText() const { return m_staticText; }
+
+private:
+    QFont m_font;
+    QString m_text;
+    int m_width;
+    QStaticText m_staticText;
+};
+
+// A text in a box as an application without a renderer has it: a QTextLayout that creates lines, and
+// another one for the elided last line.
+class LineLoop
+{
+public:
+    LineLoop(const QFont &font, int width, int maxLineCount);
+
+    void layOut(const QString &text);
+
+private:
+    void layOutLastLine(const QString &rest, qreal y);
+
+    QFont m_font;
+    int m_width;
+    int m_maxLineCount;
+    QTextLayout m_layout;
+    QTextLayout m_lastLine;
+};
+
+// Qt's text of many paragraphs, which knows no line limit.
+class Document
+{
+public:
+    Document(const QFont &font, int width);
+
+    void layOut(const QString &text);
+
+private:
+    QTextDocument m_document;
+};
+
+} // namespace ovelin::benchmarks
+
+#endif

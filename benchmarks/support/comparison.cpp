@@ -1,0 +1,109 @@
+#include "support/comparison.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+
+namespace ovelin::benchmarks {
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+// Reading the clock is a call of the system: each contender runs for so long between two readings
+// that it does not count.
+constexpr Seconds shortestMeasurement{0.0005};
+
+// What each repetition takes at least.
+constexpr Seconds repetitionTime{0.15};
+
+// Time that this thread had a processor; what others have of it is left out.
+Seconds threadTime()
+{
+    timespec time;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+class Measurement
+{
+public:
+    explicit Measurement(std::function<void()> run)
+        : m_run(std::move(run))
+    {
+        m_run();
+        while (measure(m_count) < shortestMeasurement)
+            m_count *= 2;
+    }
+
+    // Returns what the runs of one round took together.
+    Seconds runRound()
+    {
+        const Seconds total = measure(m_count);
+        m_secondsPerRun.push_back(total.count() / m_count);
+        return total;
+    }
+
+    double medianSeconds() const { return median(m_secondsPerRun); }
+
+    // How many times as long this takes as the other.
+    double ratioTo(const Measurement &other) const
+    {
+        std::vector<double> ratios;
+        std::transform(m_secondsPerRun.begin(), m_secondsPerRun.end(),
+                       other.m_secondsPerRun.begin(), std::back_inserter(ratios), std::divides());
+        return median(std::move(ratios));
+    }
+
+private:
+    Seconds measure(int count) const
+    {
+        const Seconds begin = threadTime();
+        for (int i = 0; i < count; ++i)
+            m_run();
+        return threadTime() - begin;
+    }
+
+    std::function<void()> m_run;
+    int m_count = 1;
+    std::vector<double> m_secondsPerRun;
+};
+
+void run(const Comparison &comparison, benchmark::State &state)
+{
+    std::vector<Measurement> measurements{Measurement(comparison.work)};
+    for (const Contender &contender : comparison.contenders)
+        measurements.emplace_back(contender.run);
+
+    for ([[maybe_unused]] const auto &round : state) {
+        Seconds total{};
+        for (Measurement &measurement : measurements)
+            total += measurement.runRound();
+        state.SetIterationTime(total.count());
+    }
+
+    const Measurement &work = measurements.front();
+    state.counters[workCounter] = work.medianSeconds();
+    for (std::size_t i = 0; i < comparison.contenders.size(); ++i)
+        state.counters[comparison.contenders[i].name] = work.ratioTo(measurements[i + 1]);
+}
+
+} // namespace
+
+void compare(const std::string &name, std::function<Comparison()> makeComparison)
+{
+    benchmark::RegisterBenchmark(name, [makeComparison](benchmark::State &state) {
+        run(makeComparison(), state);
+    })->UseManualTime()->MinTime(repetitionTime.count());
+}
+
+} // namespace ovelin::benchmarks

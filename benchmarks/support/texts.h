@@ -1,0 +1,20 @@
+#ifndef OVELIN_BENCHMARKS_TEXTS_H
+#define OVELIN_BENCHMARKS_TEXTS_H
+
+#include <QFont>
+#include <QString>
+
+namespace ovelin::benchmarks {
+
+enum class Script { Russian, Latin, Mixed };
+
+const char *name(Script script);
+
+// A programme's description of so many words; long ones begin anew after 60.
+QString description(Script script, int wordCount);
+
+QFont pixelFont();
+
+} // namespace ovelin::benchmarks
+
+#endif
