@@ -1,4 +1,7 @@
+#include "subsystems.h"
+
 #include "contenders/qttext.h"
+#include "support/canvas.h"
 #include "support/comparison.h"
 #include "support/texts.h"
 
@@ -8,7 +11,13 @@
 
 #include <ovelin/textrenderer.h>
 
-#include <QFontInfo>
+#include "text/hyphenation_p.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPen>
 #include <QString>
 
 #include <memory>
@@ -57,6 +66,8 @@ std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase)
     renderer->relayout();
     return renderer;
 }
+
+constexpr TextCase usualCase{.script = Script::Russian, .wordCount = 20, .maxLineCount = 4};
 
 // Setting the width of a text that takes several lines makes its layout out of date, even if it stays.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
@@ -128,7 +139,132 @@ void registerLongRelayout(const TextCase &longCase, const TextCase &shortCase)
     });
 }
 
-[[maybe_unused]] const bool registered = [] {
+// Where a text lies that is not at the origin.
+constexpr QPoint place(100, 50);
+
+std::shared_ptr<Canvas> makeCanvas()
+{
+    return std::make_shared<Canvas>(QSize(place.x() + boxWidth, place.y() + boxHeight));
+}
+
+Contender drawnByPainter(const TextRenderer &renderer)
+{
+    return {"QPainter::drawText with word wrap",
+            [text = renderer.text(), font = renderer.textFont(), canvas = makeCanvas()] {
+                canvas->painter.setFont(font);
+                canvas->painter.drawText(QRect(0, 0, boxWidth, boxHeight), Qt::TextWordWrap, text);
+            }};
+}
+
+Comparison compareDraw()
+{
+    const auto renderer = makeRenderer(usualCase);
+    const auto bare = std::make_shared<StaticTextOf>(*renderer);
+    bare->prepare();
+    return {[renderer, canvas = makeCanvas()] { renderer->draw(canvas->painter); },
+            {{"setFont and drawStaticText",
+              [bare, font = renderer->textFont(), canvas = makeCanvas()] {
+                  canvas->painter.setFont(font);
+                  canvas->painter.drawStaticText(QPointF(), bare->staticText());
+              }},
+             drawnByPainter(*renderer)}};
+}
+
+// Each drawing moves the painter by the text's place; that is undone first.
+Comparison compareDrawTextRenderer()
+{
+    const auto renderer = makeRenderer(usualCase);
+    renderer->move(place);
+    const auto bare = std::make_shared<StaticTextOf>(*renderer);
+    bare->prepare();
+    const QPen pen(Qt::white);
+    return {[=, canvas = makeCanvas()] {
+                canvas->painter.translate(place);
+                drawTextRenderer(canvas->painter, *renderer, pen);
+            },
+            {{"the same painter calls",
+              [=, font = renderer->textFont(), canvas = makeCanvas()] {
+                  canvas->painter.translate(place);
+                  canvas->painter.setPen(pen);
+                  canvas->painter.setBrush(Qt::NoBrush);
+                  canvas->painter.translate(-place);
+                  canvas->painter.setFont(font);
+                  canvas->painter.drawStaticText(place, bare->staticText());
+              }}}};
+}
+
+void setEqualValues(TextRenderer &renderer)
+{
+    renderer.setText(renderer.text());
+    renderer.setTextFont(renderer.textFont());
+    renderer.setTextFormat(renderer.textFormat());
+    renderer.setTextAlignment(renderer.textAlignment());
+    renderer.setMaxTextWidth(renderer.maxTextWidth());
+    renderer.setMaxLineCount(renderer.maxLineCount());
+    renderer.setHyphenationEnabled(renderer.hyphenationEnabled());
+    renderer.setTextTopLeft(renderer.textTopLeft());
+    renderer.relayout();
+}
+
+// Both widths have room for the whole text.
+void changeSpareWidth(TextRenderer &renderer)
+{
+    const bool wide = renderer.textWidth() > boxWidth;
+    renderer.setTextWidth(wide ? boxWidth : 2 * boxWidth);
+    renderer.relayout();
+}
+
+void moveAway(TextRenderer &renderer)
+{
+    renderer.move(renderer.textTopLeft() + QPoint(1, 1));
+    renderer.relayout();
+}
+
+void registerSetters()
+{
+    constexpr TextCase shortCase{.script = Script::Russian, .wordCount = 2, .maxLineCount = 2};
+    const auto countIn = [](const std::string &name, const TextCase &textCase, auto *change) {
+        countShaping("setters: " + name, [=] {
+            return [change, renderer = makeRenderer(textCase)] { change(*renderer); };
+        });
+    };
+    countIn("equal values", usualCase, setEqualValues);
+    countIn("setTextWidth that keeps the layout", shortCase, changeSpareWidth);
+    countIn("move", usualCase, moveAway);
+    // It shows that calls are counted at all.
+    countShaping("relayout: " + caseName(usualCase) + ", calls", [] {
+        return relayoutOf(makeRenderer(usualCase));
+    });
+}
+
+// Each word as if it did not fit at the end of a line that has room for half of it.
+Comparison compareHyphenation()
+{
+    struct Word
+    {
+        QString text;
+        double room;
+    };
+    const QFontMetricsF metrics(pixelFont());
+    auto words = std::make_shared<std::vector<Word>>();
+    const QStringList texts = description(Script::Russian, 60).split(u' ');
+    for (const QString &text : texts)
+        words->push_back({text + u' ', metrics.horizontalAdvance(text) / 2});
+
+    return {[=] {
+                for (const auto &[text, room] : *words)
+                    benchmark::DoNotOptimize(hyphenationPoint(text, text, 0, room, metrics));
+            },
+            {{"measuring the words", [=] {
+                  for (const auto &[text, room] : *words)
+                      benchmark::DoNotOptimize(metrics.horizontalAdvance(text));
+              }}}};
+}
+
+} // namespace
+
+void registerText()
+{
     struct Size
     {
         int wordCount;
@@ -144,9 +280,11 @@ void registerLongRelayout(const TextCase &longCase, const TextCase &shortCase)
     registerRelayout({.script = Script::Russian, .wordCount = 20, .maxLineCount = 4, .centred = true});
     registerRelayout({.script = Script::Russian, .wordCount = 60, .maxLineCount = 100, .centred = true});
     registerLongRelayout({Script::Russian, 20000, 4}, {Script::Russian, 60, 4});
-    return true;
-}();
 
-} // namespace
+    compare("draw", compareDraw);
+    compare("drawTextRenderer", compareDrawTextRenderer);
+    registerSetters();
+    compare("hyphenationPoint: 60 Russian words", compareHyphenation);
+}
 
 } // namespace ovelin::benchmarks

@@ -1,3 +1,4 @@
+#include "subsystems.h"
 #include "support/table.h"
 
 #include <benchmark/benchmark.h>
@@ -10,6 +11,12 @@ int main(int argc, char *argv[])
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
+
+    ovelin::benchmarks::registerText();
+    ovelin::benchmarks::registerResources();
+    ovelin::benchmarks::registerThrobber();
+    ovelin::benchmarks::registerGraphics();
+
     ovelin::benchmarks::Table table;
     return benchmark::RunSpecifiedBenchmarks(&table) > 0 ? 0 : 1;
 }

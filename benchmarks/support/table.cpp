@@ -3,8 +3,13 @@
 #include "support/comparison.h"
 #include "support/targets.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
+#include <cmath>
+#include <fstream>
 #include <iomanip>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -13,12 +18,6 @@ namespace ovelin::benchmarks {
 namespace {
 
 using Run = benchmark::BenchmarkReporter::Run;
-
-// "relayout/min_time:0.150/repeats:5/manual_time" is "relayout".
-std::string workName(const Run &run)
-{
-    return run.run_name.function_name;
-}
 
 std::string timeText(double seconds)
 {
@@ -35,6 +34,19 @@ std::string timeText(double seconds)
     return text.str();
 }
 
+std::string numberText(double number)
+{
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(number == std::floor(number) ? 0 : 2) << number;
+    return text.str();
+}
+
+std::string targetText(const Target &target)
+{
+    const std::string text = "≤ " + numberText(target.ratio);
+    return target.beyond ? text + ", beyond: " + numberText(*target.beyond) : text;
+}
+
 std::string verdict(const Target &target, double ratio)
 {
     if (target.beyond && ratio <= *target.beyond)
@@ -42,11 +54,31 @@ std::string verdict(const Target &target, double ratio)
     return ratio <= target.ratio ? "met" : "**missed**";
 }
 
+std::string processorModel()
+{
+    std::ifstream file("/proc/cpuinfo");
+    const std::string key = "model name\t: ";
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with(key))
+            return line.substr(key.size());
+    }
+    return "unknown processor";
+}
+
+constexpr auto compiler =
+#ifdef __clang__
+    __VERSION__;
+#else
+    "GCC " __VERSION__;
+#endif
+
 } // namespace
 
-bool Table::ReportContext(const Context &)
+bool Table::ReportContext(const Context &context)
 {
-    GetOutputStream() << "| work | time | against | ratio | target | |\n"
+    GetOutputStream() << "Measured on " << processorModel() << ", " << context.cpu_info.num_cpus
+                      << " processors, with Qt " << qVersion() << " and " << compiler << ".\n\n"
+                      << "| work | time | against | ratio | target | |\n"
                          "|---|---:|---|---:|---:|---|\n";
     return true;
 }
@@ -60,15 +92,15 @@ void Table::ReportRuns(const std::vector<Run> &runs)
         return;
 
     std::ostream &out = GetOutputStream();
-    const std::string work = workName(*median);
+    const std::string work = median->run_name.function_name;
     const std::string time = timeText(median->counters.at(workCounter));
     for (const auto &[against, ratio] : median->counters) {
         if (against == workCounter)
             continue;
-        out << "| " << work << " | " << time << " | " << against << " | " << std::fixed
-            << std::setprecision(2) << ratio << " | ";
+        out << "| " << work << " | " << time << " | " << against << " | " << numberText(ratio)
+            << " | ";
         if (const Target *target = findTarget(work, against))
-            out << "≤ " << target->ratio << " | " << verdict(*target, ratio) << " |\n";
+            out << targetText(*target) << " | " << verdict(*target, ratio) << " |\n";
         else
             out << "| |\n";
     }

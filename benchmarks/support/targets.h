@@ -12,7 +12,7 @@ struct Target
     std::string_view work;
     std::string_view against;
     double ratio;
-    std::optional<double> beyond; // what would be better still
+    std::optional<double> beyond = {}; // what would be better still
 };
 
 // The target of a line of the table, or null when it has none.

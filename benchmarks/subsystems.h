@@ -1,0 +1,14 @@
+#ifndef OVELIN_BENCHMARKS_SUBSYSTEMS_H
+#define OVELIN_BENCHMARKS_SUBSYSTEMS_H
+
+namespace ovelin::benchmarks {
+
+// Each registers what it compares.
+void registerText();
+void registerResources();
+void registerThrobber();
+void registerGraphics();
+
+} // namespace ovelin::benchmarks
+
+#endif
