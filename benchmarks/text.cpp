@@ -3,6 +3,7 @@
 #include "contenders/qttext.h"
 #include "support/canvas.h"
 #include "support/comparison.h"
+#include "support/renderers.h"
 #include "support/texts.h"
 
 #ifdef OVELIN_BENCHMARK_PANGO
@@ -10,8 +11,6 @@
 #endif
 
 #include <ovelin/textrenderer.h>
-
-#include "text/hyphenation_p.h"
 
 #include <benchmark/benchmark.h>
 
@@ -27,18 +26,6 @@ namespace ovelin::benchmarks {
 
 namespace {
 
-constexpr int boxWidth = 400;
-constexpr int boxHeight = 200;
-
-struct TextCase
-{
-    Script script;
-    int wordCount;
-    int maxLineCount;
-    bool hyphenationEnabled = true;
-    bool centred = false;
-};
-
 std::string sizeName(const TextCase &textCase)
 {
     return std::to_string(textCase.wordCount) + " words in "
@@ -51,35 +38,7 @@ std::string caseName(const TextCase &textCase)
         + (textCase.hyphenationEnabled ? "" : ", no hyphens") + (textCase.centred ? ", centred" : "");
 }
 
-std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase)
-{
-    auto renderer = std::make_shared<TextRenderer>();
-    renderer->setTextFont(pixelFont());
-    renderer->setTextWidth(boxWidth);
-    renderer->setMaxLineCount(textCase.maxLineCount);
-    renderer->setHyphenationEnabled(textCase.hyphenationEnabled);
-    if (textCase.centred) {
-        renderer->setTextAlignment(Qt::AlignCenter);
-        renderer->setAvailableHeight(boxHeight);
-    }
-    renderer->setText(description(textCase.script, textCase.wordCount));
-    renderer->relayout();
-    return renderer;
-}
-
 constexpr TextCase usualCase{.script = Script::Russian, .wordCount = 20, .maxLineCount = 4};
-
-// Setting the width of a text that takes several lines makes its layout out of date, even if it stays.
-std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
-{
-    renderer->setTextWidth(boxWidth);
-    if (!renderer->isNeedRelayout())
-        qFatal("A text that is to be laid out again fits on one line.");
-    return [renderer] {
-        renderer->setTextWidth(boxWidth);
-        renderer->relayout();
-    };
-}
 
 Contender floorOf(const TextRenderer &renderer)
 {
@@ -237,28 +196,14 @@ void registerSetters()
     });
 }
 
-// Each word as if it did not fit at the end of a line that has room for half of it.
 Comparison compareHyphenation()
 {
-    struct Word
-    {
-        QString text;
-        double room;
-    };
+    const QString text = description(Script::Russian, 60);
     const QFontMetricsF metrics(pixelFont());
-    auto words = std::make_shared<std::vector<Word>>();
-    const QStringList texts = description(Script::Russian, 60).split(u' ');
-    for (const QString &text : texts)
-        words->push_back({text + u' ', metrics.horizontalAdvance(text) / 2});
-
-    return {[=] {
-                for (const auto &[text, room] : *words)
-                    benchmark::DoNotOptimize(hyphenationPoint(text, text, 0, room, metrics));
-            },
-            {{"measuring the words", [=] {
-                  for (const auto &[text, room] : *words)
-                      benchmark::DoNotOptimize(metrics.horizontalAdvance(text));
-              }}}};
+    return {hyphenationOf(text), {{"measuring the words", [words = text.split(u' '), metrics] {
+                                       for (const QString &word : words)
+                                           benchmark::DoNotOptimize(metrics.horizontalAdvance(word));
+                                   }}}};
 }
 
 } // namespace

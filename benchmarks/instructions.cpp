@@ -1,0 +1,156 @@
+// ovelin_instructions RUNS
+//
+// Does each of a fixed list of works so often, under callgrind, which then writes how many instructions
+// they took under the work's name. instructions.txt tells what each work is.
+
+#include "support/canvas.h"
+#include "support/renderers.h"
+#include "support/scene.h"
+
+#include <ovelin/brushes.h>
+#include <ovelin/throbberrenderer.h>
+
+#include <valgrind/callgrind.h>
+
+#include <QGuiApplication>
+#include <QLinearGradient>
+#include <QPainter>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+
+using namespace ovelin;
+using namespace ovelin::benchmarks;
+
+namespace {
+
+using Work = std::function<void()>;
+
+template<TextCase textCase>
+Work relayout()
+{
+    return relayoutOf(makeRenderer(textCase));
+}
+
+Work hyphenation()
+{
+    return hyphenationOf(description(Script::Russian, 60));
+}
+
+Work draw()
+{
+    return [renderer = makeRenderer({Script::Russian, 20, 4}),
+            canvas = std::make_shared<Canvas>(QSize(boxWidth, boxHeight))] {
+        renderer->draw(canvas->painter);
+    };
+}
+
+constexpr int usualResourceCount = 1024;
+
+Work registration()
+{
+    return [scene = std::make_shared<Scene>(usualResourceCount, false)] {
+        scene->registerAnother();
+        scene->unregisterAnother();
+    };
+}
+
+Work reregistration()
+{
+    return [scene = std::make_shared<Scene>(usualResourceCount, false)] { scene->registerLast(); };
+}
+
+Work message()
+{
+    constexpr int fewResources = 4;
+    return [scene = std::make_shared<Scene>(fewResources, true)] { scene->registerLast(); };
+}
+
+Work throbberFrame()
+{
+    constexpr int side = 160;
+    auto throbber = std::make_shared<ThrobberRenderer>();
+    throbber->setRenderRect({0, 0, side, side});
+    throbber->addAngles(120, 180);
+    auto canvas = std::make_shared<Canvas>(QSize(side, side));
+    canvas->painter.setRenderHint(QPainter::Antialiasing);
+    return [throbber, canvas] {
+        throbber->addAngles(0, 0);
+        throbber->draw(canvas->painter);
+    };
+}
+
+constexpr QSize panel(300, 60);
+
+QBrush makePanelBrush()
+{
+    const int length = chooseGradientLength(panel.width());
+    QLinearGradient gradient(0, 0, length, 0);
+    gradient.setColorAt(0, Qt::black);
+    gradient.setColorAt(1, Qt::darkBlue);
+    return createTexturedBrush(length, gradient);
+}
+
+Work brushMade()
+{
+    return [] { static_cast<void>(makePanelBrush()); };
+}
+
+Work brushFill()
+{
+    return [brush = makePanelBrush(), canvas = std::make_shared<Canvas>(panel)] {
+        canvas->painter.fillRect(canvas->image.rect(), brush);
+    };
+}
+
+struct NamedWork
+{
+    const char *name;
+    Work (*make)();
+};
+
+constexpr NamedWork works[] = {
+    {"relayout-6-2", relayout<TextCase{Script::Russian, 6, 2}>},
+    {"relayout-20-4", relayout<TextCase{Script::Russian, 20, 4}>},
+    {"relayout-20-4-no-hyphens", relayout<TextCase{Script::Russian, 20, 4, false}>},
+    {"relayout-20-4-latin", relayout<TextCase{Script::Latin, 20, 4}>},
+    {"relayout-60-100", relayout<TextCase{Script::Russian, 60, 100}>},
+    {"relayout-20000-4", relayout<TextCase{Script::Russian, 20000, 4}>},
+    {"hyphenation", hyphenation},
+    {"draw", draw},
+    {"registration", registration},
+    {"re-registration", reregistration},
+    {"message", message},
+    {"throbber-frame", throbberFrame},
+    {"brush-made", brushMade},
+    {"brush-fill", brushFill},
+};
+
+// They fill caches and bind functions.
+constexpr int runsBefore = 3;
+
+void run(const Work &work, int runs)
+{
+    for (int i = 0; i < runs; ++i)
+        work();
+}
+
+void count(const NamedWork &named, int runs)
+{
+    const Work work = named.make();
+    run(work, runsBefore);
+    CALLGRIND_ZERO_STATS;
+    run(work, runs);
+    CALLGRIND_DUMP_STATS_AT(named.name);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QGuiApplication application(argc, argv);
+    const int runs = argc > 1 ? std::atoi(argv[1]) : 1;
+    for (const NamedWork &work : works)
+        count(work, runs);
+}

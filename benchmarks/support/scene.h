@@ -1,0 +1,54 @@
+#ifndef OVELIN_BENCHMARKS_SCENE_H
+#define OVELIN_BENCHMARKS_SCENE_H
+
+#include <ovelin/sceneresourcetracker.h>
+
+#include <QObject>
+
+#include <vector>
+
+namespace ovelin::benchmarks {
+
+class Owner : public IResourceOwner
+{
+public:
+    QObject *resourceOwnerObject() override { return &m_object; }
+    void allowResources() override {}
+    void releaseResources() override {}
+
+private:
+    QObject m_object;
+};
+
+// A tracker with images of several owners; the last one in its list is what is worked on.
+class Scene
+{
+public:
+    Scene(int resourceCount, bool messagesEnabled);
+
+    void registerLast();
+    void unregisterLast();
+    void registerAnother();
+    void unregisterAnother();
+    void setLastStatus();
+
+    // What a tracker without an index has to do at least.
+    void walkToLast() const;
+    void walkToAnother() const;
+    void walkOverOwned() const;
+
+private:
+    Q_DISABLE_COPY_MOVE(Scene)
+
+    void walkTo(int id) const;
+
+    const ResourceInfo m_last;
+    const ResourceInfo m_another;
+    std::vector<Owner> m_owners;
+    SceneResourceTracker m_tracker{nullptr};
+    QSharedPointer<ResourceOwnerState> m_lastState;
+};
+
+} // namespace ovelin::benchmarks
+
+#endif

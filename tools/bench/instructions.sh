@@ -1,0 +1,51 @@
+# How many instructions the library's work takes, which no other load on the machine changes.
+
+readonly instructions_file=$repository/benchmarks/instructions.txt
+
+# What Qt and the C library would choose by the processor they find: every machine counts the same.
+readonly instructions_environment=(
+    QT_QPA_PLATFORM=offscreen
+    QT_HASH_SEED=0
+    "QT_NO_CPU_FEATURE=sse3 ssse3 sse4.1 sse4.2 avx avx2 bmi bmi2 f16c fma popcnt aes rdrnd"
+    GLIBC_TUNABLES=glibc.cpu.hwcaps=-SSSE3,-SSE4_1,-SSE4_2,-AVX,-AVX2,-BMI1,-BMI2,-ERMS,-FSRM
+)
+
+readonly instructions_runs=5
+
+# Prints lines of "name count". Each thread has files of its own: the first one's are taken, as the part
+# that Qt gives to other threads, of large fills, depends on how they happen to meet.
+# instructions_count TREE
+instructions_count()
+{
+    local folder=$1/instructions
+    rm --recursive --force "$folder"
+    mkdir --parents "$folder"
+    inside env "${instructions_environment[@]}" \
+        valgrind --quiet --tool=callgrind --separate-threads=yes "--callgrind-out-file=$folder/counts" \
+        "$1/benchmarks/ovelin_instructions" "$instructions_runs" >&2
+    awk -v runs="$instructions_runs" '
+        /^desc: Trigger: Client Request: / { name = $NF }
+        /^summary: / { printf "%s %.0f\n", name, $2 / runs }
+    ' "$folder"/counts.*-01
+}
+
+# instructions_check TREE
+instructions_check()
+{
+    local verdict=0
+    instructions_count "$1" >"$1/instructions.counted"
+    awk -f "$repository/tools/bench/compare.awk" "$1/instructions.counted" "$instructions_file" || verdict=$?
+    ((verdict == 0)) || fail "Some work takes more instructions than $(short_path "$instructions_file") says; see the table above." \
+        "Make it cheaper, or, if the price is right, run: ./dev bench --update"
+}
+
+# instructions_update TREE
+instructions_update()
+{
+    instructions_count "$1" >"$1/instructions.counted"
+    awk -f "$repository/tools/bench/update.awk" "$1/instructions.counted" "$instructions_file" \
+        >"$1/instructions.updated" || fail "Not every work stands in $(short_path "$instructions_file"); see above." \
+        "Add a line for it there."
+    cp "$1/instructions.updated" "$instructions_file"
+    git -C "$repository" diff --stat -- "$instructions_file" >&2
+}
