@@ -1,7 +1,7 @@
 // ovelin_instructions RUNS
 //
-// Does each of a fixed list of works so often, under callgrind, which then writes how many instructions
-// they took under the work's name. instructions.txt tells what each work is.
+// Does each of a fixed list of works so often, under callgrind, which then writes how many
+// instructions they took under the work's name. instructions.txt tells what each work is.
 
 #include "support/canvas.h"
 #include "support/renderers.h"
@@ -61,10 +61,14 @@ Work reregistration()
     return [scene = std::make_shared<Scene>(usualResourceCount, false)] { scene->registerLast(); };
 }
 
-Work message()
+Work messages()
 {
     constexpr int fewResources = 4;
-    return [scene = std::make_shared<Scene>(fewResources, true)] { scene->registerLast(); };
+    constexpr int messageCount = 10;
+    return [scene = std::make_shared<Scene>(fewResources, true)] {
+        for (int i = 0; i < messageCount; ++i)
+            scene->registerLast();
+    };
 }
 
 Work throbberFrame()
@@ -121,7 +125,7 @@ constexpr NamedWork works[] = {
     {"draw", draw},
     {"registration", registration},
     {"re-registration", reregistration},
-    {"message", message},
+    {"messages", messages},
     {"throbber-frame", throbberFrame},
     {"brush-made", brushMade},
     {"brush-fill", brushFill},

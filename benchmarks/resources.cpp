@@ -11,8 +11,9 @@ namespace ovelin::benchmarks {
 
 namespace {
 
-// So many resources are walked over in each measurement, whether in one tracker or in many small ones:
-// reading the clock then does not count, and the processor's caches hold the same share of the lists.
+// So many resources are walked over in each measurement, whether in one tracker or in many small
+// ones: reading the clock then does not count, and the processor's caches hold the same share of
+// the lists.
 constexpr int resourcesPerMeasurement = 16384;
 
 using Scenes = std::vector<std::unique_ptr<Scene>>;

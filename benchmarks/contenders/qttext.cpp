@@ -16,8 +16,8 @@ int staticTextWidth(const TextRenderer &renderer)
 {
     if (renderer.isTextElided())
         return renderer.textWidth();
-    const int fineWidth
-        = TextRenderer::fineTextWidth(renderer.text(), QFontMetricsF(renderer.textFont()));
+    const int fineWidth =
+        TextRenderer::fineTextWidth(renderer.text(), QFontMetricsF(renderer.textFont()));
     return std::min(renderer.textWidth(), fineWidth);
 }
 

@@ -27,8 +27,8 @@ private:
     QStaticText m_staticText;
 };
 
-// A text in a box as an application without a renderer has it: a QTextLayout that creates lines, and
-// another one for the elided last line.
+// A text in a box as an application without a renderer has it: a QTextLayout that creates lines,
+// and another one for the elided last line.
 class LineLoop
 {
 public:

@@ -21,8 +21,8 @@ constexpr Seconds shortestMeasurement{0.0005};
 // What each repetition takes at least.
 constexpr Seconds repetitionTime{0.1};
 
-// Time that this program had a processor: what others take of it is left out, and what Qt does in threads
-// of its own, such as large fills, counts as on a box with one processor.
+// Time that this program had a processor: what others take of it is left out, and what Qt does in
+// threads of its own, such as large fills, counts as on a box with one processor.
 Seconds processorTime()
 {
     timespec time;
@@ -103,10 +103,12 @@ void run(const Comparison &comparison, benchmark::State &state)
     for (const Contender &contender : comparison.contenders)
         measurements.emplace_back(contender.run);
 
-    for ([[maybe_unused]] const auto &round : state) {
+    for ([[maybe_unused]] const auto &repetition : state) {
         Seconds total{};
-        for (Measurement &measurement : measurements)
-            total += measurement.runRound();
+        while (total < repetitionTime) {
+            for (Measurement &measurement : measurements)
+                total += measurement.runRound();
+        }
         state.SetIterationTime(total.count());
     }
 
@@ -116,23 +118,28 @@ void run(const Comparison &comparison, benchmark::State &state)
         state.counters[comparison.contenders[i].name] = work.ratioTo(measurements[i + 1]);
 }
 
+template<typename Function>
+void registerBenchmark(const std::string &name, Function function)
+{
+    benchmark::RegisterBenchmark(name, std::move(function))->UseManualTime()->Iterations(1);
+}
+
 } // namespace
 
 void compare(const std::string &name, std::function<Comparison()> makeComparison)
 {
-    benchmark::RegisterBenchmark(name, [makeComparison](benchmark::State &state) {
+    registerBenchmark(name, [makeComparison = std::move(makeComparison)](benchmark::State &state) {
         run(makeComparison(), state);
-    })->UseManualTime()->MinTime(repetitionTime.count());
+    });
 }
 
-void countShaping(const std::string &name,
-                  std::function<std::function<void()>()> makeAction)
+void countShaping(const std::string &name, std::function<std::function<void()>()> makeAction)
 {
-    benchmark::RegisterBenchmark(name, [makeAction](benchmark::State &state) {
+    registerBenchmark(name, [makeAction = std::move(makeAction)](benchmark::State &state) {
         const auto action = makeAction();
         run({.work = action}, state);
         state.counters[shaperCallsCounter] = countShaperCalls(action);
-    })->UseManualTime()->MinTime(repetitionTime.count());
+    });
 }
 
 } // namespace ovelin::benchmarks

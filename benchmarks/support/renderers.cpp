@@ -27,7 +27,8 @@ std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase)
     return renderer;
 }
 
-// Setting the width of a text that takes several lines makes its layout out of date, even if it stays.
+// Setting the width of a text that takes several lines makes its layout out of date, even if it
+// stays.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
 {
     renderer->setTextWidth(boxWidth);

@@ -12,9 +12,10 @@ using Shape = int(void *font, void *buffer, const void *features, unsigned featu
 } // namespace
 
 // Qt Gui finds this function before HarfBuzz's own, as programs come before libraries.
-extern "C" __attribute__((visibility("default"))) int
-hb_shape_full(void *font, void *buffer, const void *features, unsigned featureCount,
-              const char *const *shapers)
+extern "C" __attribute__((visibility("default"))) int hb_shape_full(void *font, void *buffer,
+                                                                    const void *features,
+                                                                    unsigned featureCount,
+                                                                    const char *const *shapers)
 {
     static auto *const shape = reinterpret_cast<Shape *>(dlsym(RTLD_NEXT, "hb_shape_full"));
     ++shaperCalls;

@@ -5,8 +5,8 @@
 
 namespace ovelin::benchmarks {
 
-// Returns how often Qt has a text shaped during an action. Always 0 with a Qt that contains the shaper,
-// HarfBuzz, instead of using the system's.
+// Returns how often Qt has a text shaped during an action. Always 0 with a Qt that contains the
+// shaper, HarfBuzz, instead of using the system's.
 int countShaperCalls(const std::function<void()> &action);
 
 } // namespace ovelin::benchmarks

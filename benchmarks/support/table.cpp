@@ -91,20 +91,32 @@ void Table::ReportRuns(const std::vector<Run> &runs)
     if (median == runs.end())
         return;
 
-    std::ostream &out = GetOutputStream();
-    const std::string work = median->run_name.function_name;
-    const std::string time = timeText(median->counters.at(workCounter));
+    const double seconds = median->counters.at(workCounter);
     for (const auto &[against, ratio] : median->counters) {
-        if (against == workCounter)
-            continue;
-        out << "| " << work << " | " << time << " | " << against << " | " << numberText(ratio)
-            << " | ";
-        if (const Target *target = findTarget(work, against))
-            out << targetText(*target) << " | " << verdict(*target, ratio) << " |\n";
-        else
-            out << "| |\n";
+        if (against != workCounter)
+            printRow(median->run_name.function_name, seconds, against, ratio);
     }
-    out << std::flush;
+}
+
+void Table::printRow(const std::string &work, double seconds, const std::string &against,
+                     double ratio)
+{
+    std::ostream &out = GetOutputStream();
+    out << "| " << work << " | " << timeText(seconds) << " | " << against << " | "
+        << numberText(ratio) << " | ";
+    if (const Target *target = findTarget(work, against)) {
+        ++m_targets;
+        m_targetsMet += ratio <= target->ratio;
+        out << targetText(*target) << " | " << verdict(*target, ratio) << " |" << std::endl;
+    } else {
+        out << "| |" << std::endl;
+    }
+}
+
+void Table::Finalize()
+{
+    if (m_targets > 0)
+        GetOutputStream() << "\n" << m_targetsMet << " of " << m_targets << " targets are met.\n";
 }
 
 } // namespace ovelin::benchmarks

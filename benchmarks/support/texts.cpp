@@ -11,19 +11,19 @@ namespace {
 constexpr int fontPixelSize = 24;
 
 // Sixty words each, at least.
-const QString russian
-    = u"Документальный фильм рассказывает об экипаже атомного ледокола, который каждую зиму "
-      "прокладывает караванам безопасную дорогу через замёрзшие проливы и полярную ночь. "
-      "Капитан вспоминает свой первый поход, молодой механик впервые видит северное сияние, а "
-      "радист тридцать лет записывает голоса станций, которых давно нет на карте. Съёмочная "
-      "группа провела на борту четыре месяца и вернулась с удивительными кадрами о людях, для "
-      "которых лёд стал домом, работой и судьбой."_s;
-const QString latin
-    = u"This documentary accompanies the crew of a nuclear icebreaker that opens a safe passage "
-      "for convoys every winter, through frozen straits and the long polar night. The captain "
-      "remembers his earliest voyage, a young mechanic discovers northern lights, while the "
-      "radio operator has been recording distant voices of abandoned stations for thirty years. "
-      "Four months aboard gave us extraordinary pictures."_s;
+const QString russian =
+    u"Документальный фильм рассказывает об экипаже атомного ледокола, который каждую зиму "
+    "прокладывает караванам безопасную дорогу через замёрзшие проливы и полярную ночь. "
+    "Капитан вспоминает свой первый поход, молодой механик впервые видит северное сияние, а "
+    "радист тридцать лет записывает голоса станций, которых давно нет на карте. Съёмочная "
+    "группа провела на борту четыре месяца и вернулась с удивительными кадрами о людях, для "
+    "которых лёд стал домом, работой и судьбой."_s;
+const QString latin =
+    u"This documentary accompanies the crew of a nuclear icebreaker that opens a safe passage "
+    "for convoys every winter, through frozen straits and the long polar night. The captain "
+    "remembers his earliest voyage, a young mechanic discovers northern lights, while the "
+    "radio operator has been recording distant voices of abandoned stations for thirty years. "
+    "Four months aboard gave us extraordinary pictures."_s;
 
 QStringList words(const QString &text)
 {

@@ -7,7 +7,7 @@ readonly instructions_environment=(
     QT_QPA_PLATFORM=offscreen
     QT_HASH_SEED=0
     "QT_NO_CPU_FEATURE=sse3 ssse3 sse4.1 sse4.2 avx avx2 bmi bmi2 f16c fma popcnt aes rdrnd"
-    GLIBC_TUNABLES=glibc.cpu.hwcaps=-SSSE3,-SSE4_1,-SSE4_2,-AVX,-AVX2,-BMI1,-BMI2,-ERMS,-FSRM
+    "GLIBC_TUNABLES=glibc.cpu.hwcaps=-SSSE3,-SSE4_1,-SSE4_2,-AVX,-AVX2,-BMI1,-BMI2,-ERMS,-FSRM,-AVX_Fast_Unaligned_Load"
 )
 
 readonly instructions_runs=5
