@@ -103,11 +103,17 @@ void run(const Comparison &comparison, benchmark::State &state)
     for (const Contender &contender : comparison.contenders)
         measurements.emplace_back(contender.run);
 
+    std::vector<Measurement *> order;
+    for (Measurement &measurement : measurements)
+        order.push_back(&measurement);
+
     for ([[maybe_unused]] const auto &repetition : state) {
         Seconds total{};
         while (total < repetitionTime) {
-            for (Measurement &measurement : measurements)
-                total += measurement.runRound();
+            for (Measurement *measurement : order)
+                total += measurement->runRound();
+            // Whoever comes first is not always the same.
+            std::reverse(order.begin(), order.end());
         }
         state.SetIterationTime(total.count());
     }
