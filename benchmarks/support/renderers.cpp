@@ -4,7 +4,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QFontMetricsF>
 #include <QStringList>
 
 #include <vector>
@@ -42,20 +41,15 @@ std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
 
 std::function<void()> hyphenationOf(const QString &text)
 {
-    struct Word
-    {
-        QString text; // with its separator
-        double room;
-    };
-    const QFontMetricsF metrics(pixelFont());
-    std::vector<Word> words;
-    const QStringList texts = text.split(u' ');
-    for (const QString &word : texts)
-        words.push_back({word + u' ', metrics.horizontalAdvance(word) / 2});
+    QStringList words;
+    for (const QString &word : text.split(u' '))
+        words.append(word + u' ');
 
-    return [words = std::move(words), metrics] {
-        for (const auto &[word, room] : words)
-            benchmark::DoNotOptimize(hyphenationPoint(word, word, 0, room, metrics));
+    return [words] {
+        for (const QString &word : words) {
+            const auto isFirstHalf = [&word](qsizetype kept) { return kept <= word.size() / 2; };
+            benchmark::DoNotOptimize(hyphenationPoint(word, isFirstHalf));
+        }
     };
 }
 
