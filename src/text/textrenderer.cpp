@@ -152,7 +152,7 @@ void TextRendererPrivate::updateAlignedTextTopLeft()
     if (textWidth < 1 || textWidth < width)
         return;
     if (alignment & Qt::AlignHCenter) {
-        const int offset = toInt(std::ceil((textWidth - width) * 0.5));
+        const int offset = toInt(std::ceil((double(textWidth) - width) * 0.5));
         alignedTextTopLeft.setX(toInt(double(textTopLeft.x()) + offset));
     } else if (alignment & Qt::AlignRight) {
         alignedTextTopLeft.setX(toInt(double(textWidth) - width + textTopLeft.x()));

@@ -175,6 +175,7 @@ private Q_SLOTS:
     void extremeValuesAreSafe_data();
     void extremeValuesAreSafe();
     void extremePositionsAreSafe();
+    void extremeLetterSpacingIsSafe();
 };
 
 void tst_TextRenderer::initTestCase()
@@ -1678,6 +1679,30 @@ void tst_TextRenderer::extremePositionsAreSafe()
     prepare(margins, QStringLiteral("слово"));
     margins.boundingSize(QMargins(most, most, most, most));
     margins.boundingSize(QMargins(least, least, least, least));
+}
+
+// A text can be so tight that it ends far left of its beginning, and its width is below zero.
+void tst_TextRenderer::extremeLetterSpacingIsSafe()
+{
+    QFont font = pixelFont();
+    font.setLetterSpacing(QFont::AbsoluteSpacing, -1e6);
+    const QString text = QStringLiteral("слово");
+    const double width = fineWidth(text, font);
+    QVERIFY(width < 0);
+
+    TextRenderer renderer;
+    renderer.setTextFont(font);
+    renderer.setText(text);
+    renderer.setTextWidth(most);
+
+    renderer.setTextAlignment(Qt::AlignHCenter);
+    renderer.relayout();
+    QCOMPARE(renderer.alignedTextTopLeft(),
+             QPoint(static_cast<int>(std::ceil((most - width) / 2)), 0));
+
+    renderer.setTextAlignment(Qt::AlignRight);
+    renderer.relayout();
+    QCOMPARE(renderer.alignedTextTopLeft(), QPoint(most, 0));
 }
 
 QTEST_MAIN(tst_TextRenderer)
