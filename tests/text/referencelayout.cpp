@@ -263,4 +263,11 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
     return result;
 }
 
+ReferenceLayout countableReferenceLayout(ReferenceInput input, int roundBudget)
+{
+    if (input.maxLineCount > mostCountableLines)
+        input.maxLineCount = mostCountableLines + input.maxLineCount % restPeriod;
+    return referenceLayout(input, roundBudget);
+}
+
 } // namespace ovelin::tests

@@ -34,6 +34,13 @@ struct ReferenceLayout
 // candidates.
 ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget);
 
+// The same where the limit is too high to be counted up to. A round counts one or a few lines, so that
+// a lower limit which leaves the same rest by every number of up to six ends in the same place. For
+// texts that need fewer lines than these.
+constexpr int restPeriod = 60;
+constexpr int mostCountableLines = 20 * restPeriod;
+ReferenceLayout countableReferenceLayout(ReferenceInput input, int roundBudget);
+
 // Where a word may be divided with a hyphen, in the same plain form.
 int referenceHyphenationPoint(const QString &line, const QString &word, int wordOffset,
                               double maxWidth, const QFont &font);

@@ -1,0 +1,233 @@
+#include "fuzzing.h"
+
+#include "text/layoutinvariants.h"
+#include "text/referencelayout.h"
+
+#include <ovelin/textrenderer.h>
+
+#include <QFontMetricsF>
+#include <QImage>
+#include <QPainter>
+#include <QPen>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <vector>
+
+// Any sequence of calls on a few text renderers. After each layout the rules that hold for every text
+// are checked, and short texts are compared with the plain formulation.
+
+using namespace ovelin;
+using namespace ovelin::tests;
+
+namespace {
+
+constexpr qsizetype longestText = 2000;
+constexpr qsizetype longestComparedText = 60;
+constexpr int comparedRounds = 3000;
+constexpr std::size_t mostRenderers = 4;
+constexpr int mostCalls = 60;
+constexpr int canvasSize = 64;
+
+// A text is a string of bytes in a code page of its own: ASCII, from 0x80 on whatever a layout might
+// stumble over, from 0xc0 on the Russian letters as in Windows-1251.
+constexpr std::array<std::u16string_view, 0x40> oddities = {
+    // 0x80: breaks and spaces
+    u"\u2028", u"\u2029", u"\u0085", u"\r\n", u"\u00a0", u"\u2009", u"\u3000", u"\u200b",
+    // 0x88: joiners, soft hyphen, other hyphens and dashes
+    u"\u00ad", u"\u200d", u"\u200c", u"\u2060", u"\u2010", u"\u2011", u"\u2014", u"\ufeff",
+    // 0x90: combining marks
+    u"\u0301", u"\u0300", u"\u0306", u"\u20dd", u"\u0483", u"\u05b7", u"\u0e33", u"\ufe0f",
+    // 0x98: surrogates, alone and in pairs
+    u"\xd83d", u"\xde00", u"\xdbff", u"\xdc00", u"\xd83d\xde00", u"\xd83c\xdff4", u"\xd835\xdc9c",
+    u"\xd83d\xdc68\u200d\xd83d\xdc67",
+    // 0xa0: right to left, and what turns the direction
+    u"\u05e9", u"\u05dc", u"\u0644", u"\u0627", u"\u0661", u"\u202e", u"\u202c", u"\u2067",
+    // 0xa8: letters whose case changes their length, ligatures, other scripts
+    u"ё", u"Ё", u"İ", u"ß", u"ﬁ", u"日", u"テ", u"ก",
+    // 0xb0: characters that Qt treats in its own way
+    u"\ufffc", u"\ufffd", u"\ufffe", u"\uffff", u"\u2026", u"\u001f", u"\u007f", u"\ufdd0",
+    // 0xb8: words
+    u"программа ", u"сообщение ", u"подъезд-", u"телеканала\n", u"eggs ", u"<b>", u"&shy;", u"1-2",
+};
+constexpr uchar firstOddity = 0x80;
+constexpr uchar firstRussianLetter = 0xc0;
+
+QString decoded(const std::string &bytes)
+{
+    QString text;
+    for (const char byte : bytes) {
+        const auto code = static_cast<uchar>(byte);
+        if (code >= firstRussianLetter)
+            text += QChar(u'А' + (code - firstRussianLetter));
+        else if (code >= firstOddity)
+            text += oddities[code - firstOddity];
+        else
+            text += QLatin1Char(byte);
+    }
+    return text;
+}
+
+QString anyText(FuzzedDataProvider &data)
+{
+    const QString text = decoded(data.ConsumeRandomLengthString()).left(longestText);
+    if (text.isEmpty() || data.ConsumeIntegralInRange(0, 7) > 0)
+        return text;
+    const auto length = data.ConsumeIntegralInRange<qsizetype>(1, longestText);
+    return text.repeated(length / text.size() + 1).left(length);
+}
+
+QFont anyFont(FuzzedDataProvider &data)
+{
+    QFont font(QStringLiteral("DejaVu Sans"));
+    // Each other font stays in Qt's cache for the whole run: they are few.
+    if (data.ConsumeIntegralInRange(0, 15) > 0)
+        font.setPixelSize(data.PickValueInArray({1, 2, 11, 20, 27, 40, 200, 1000}));
+    if (data.ConsumeIntegralInRange(0, 3) == 0) {
+        const auto type = data.PickValueInArray({QFont::AbsoluteSpacing, QFont::PercentageSpacing});
+        font.setLetterSpacing(type, data.ConsumeBool() ? data.ConsumeIntegralInRange(-20, 200)
+                                                       : data.ConsumeFloatingPoint<double>());
+    }
+    if (data.ConsumeIntegralInRange(0, 7) == 0)
+        font.setWordSpacing(data.ConsumeIntegralInRange(-20, 200));
+    font.setStrikeOut(data.ConsumeIntegralInRange(0, 7) == 0);
+    font.setItalic(data.ConsumeBool());
+    return font;
+}
+
+QPoint anyPoint(FuzzedDataProvider &data)
+{
+    return {anyInt(data), anyInt(data)};
+}
+
+// A renderer with what cannot be asked of it.
+class Subject
+{
+public:
+    Subject() = default;
+    Subject(const Subject &other) = default;
+
+    void call(FuzzedDataProvider &data);
+
+private:
+    void set(FuzzedDataProvider &data);
+    void layOut();
+    void compare() const;
+    void paint(FuzzedDataProvider &data) const;
+
+    TextRenderer m_renderer;
+    int m_availableHeight = 0;
+};
+
+void Subject::call(FuzzedDataProvider &data)
+{
+    switch (data.ConsumeIntegralInRange(0, 5)) {
+    case 0:
+        m_renderer.move(anyPoint(data));
+        break;
+    case 1:
+        paint(data);
+        break;
+    case 2:
+        layOut();
+        break;
+    default:
+        set(data);
+    }
+}
+
+void Subject::set(FuzzedDataProvider &data)
+{
+    switch (data.ConsumeIntegralInRange(0, 10)) {
+    case 0:
+        m_renderer.setTextFont(anyFont(data));
+        break;
+    case 1:
+        m_renderer.setTextFormat(data.PickValueInArray(
+            {Qt::PlainText, Qt::RichText, Qt::AutoText, Qt::MarkdownText}));
+        break;
+    case 2:
+        m_renderer.setTextAlignment(Qt::Alignment::fromInt(anyInt(data)));
+        break;
+    case 3:
+        m_renderer.setTextWidth(anyInt(data));
+        break;
+    case 4:
+        m_renderer.setMaxTextWidth(anyInt(data));
+        break;
+    case 5:
+        m_availableHeight = anyInt(data);
+        m_renderer.setAvailableHeight(m_availableHeight);
+        break;
+    case 6:
+        m_renderer.setMaxLineCount(anyInt(data));
+        break;
+    case 7:
+        m_renderer.setHyphenationEnabled(data.ConsumeBool());
+        break;
+    case 8:
+        m_renderer.setTextTopLeft(anyPoint(data));
+        break;
+    default:
+        m_renderer.setText(anyText(data));
+    }
+}
+
+void Subject::layOut()
+{
+    const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
+    m_renderer.relayout();
+    if (!laysOut)
+        return;
+    compare();
+    requireNone(layoutViolation(m_renderer, m_availableHeight));
+}
+
+void Subject::compare() const
+{
+    if (m_renderer.text().size() > longestComparedText)
+        return;
+    ReferenceInput input;
+    input.text = m_renderer.text();
+    input.font = m_renderer.textFont();
+    input.maxLineCount = m_renderer.maxLineCount();
+    input.textWidth = m_renderer.textWidth();
+    input.maxTextWidth = m_renderer.maxTextWidth();
+    input.hyphenationEnabled = m_renderer.hyphenationEnabled();
+    input.format = m_renderer.textFormat();
+    const ReferenceLayout expected = countableReferenceLayout(input, comparedRounds);
+    if (expected.ended)
+        requireNone(referenceViolation(m_renderer, expected));
+}
+
+void Subject::paint(FuzzedDataProvider &data) const
+{
+    QImage canvas(canvasSize, canvasSize, QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    QPainter painter(&canvas);
+    if (data.ConsumeBool())
+        m_renderer.draw(painter);
+    else
+        drawTextRenderer(painter, m_renderer, QPen(Qt::white, data.ConsumeIntegralInRange(0, 9)));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
+{
+    FuzzedDataProvider data(bytes, size);
+    std::vector<std::unique_ptr<Subject>> subjects;
+    subjects.push_back(std::make_unique<Subject>());
+
+    for (int calls = 0; calls < mostCalls && data.remaining_bytes() > 0; ++calls) {
+        const auto chosen = data.ConsumeIntegralInRange<std::size_t>(0, subjects.size());
+        if (chosen < subjects.size())
+            subjects[chosen]->call(data);
+        else if (subjects.size() < mostRenderers)
+            subjects.push_back(std::make_unique<Subject>(*subjects.back()));
+        else
+            subjects.erase(subjects.begin());
+    }
+    return 0;
+}

@@ -1,0 +1,41 @@
+#include "fuzzing.h"
+
+#include <QGuiApplication>
+
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+int anyInt(FuzzedDataProvider &data)
+{
+    constexpr int lowest = std::numeric_limits<int>::min();
+    constexpr int highest = std::numeric_limits<int>::max();
+    constexpr int edges[] = {lowest, lowest + 1, -1, 0, 1, 2, highest - 1, highest};
+    if (data.ConsumeBool())
+        return data.PickValueInArray(edges);
+    return data.ConsumeIntegralInRange<qint16>(-100, 2000);
+}
+
+void requireNone(const QString &violation)
+{
+    if (violation.isEmpty())
+        return;
+    std::fprintf(stderr, "Violation: %s\n", qPrintable(violation));
+    std::abort();
+}
+
+// The application lives until the process ends, as the fuzzer leaves by exit().
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Qt warns of what it refuses, and much here is to be refused.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    static QGuiApplication application(*argc, *argv);
+    return 0;
+}
+
+// What Fontconfig keeps at the end is not ours.
+extern "C" const char *__lsan_default_suppressions()
+{
+    return "leak:libfontconfig\n";
+}

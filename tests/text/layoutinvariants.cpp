@@ -1,0 +1,254 @@
+#include "layoutinvariants.h"
+
+#include "referencelayout.h"
+#include "textsupport.h"
+
+#include <cmath>
+#include <limits>
+#include <set>
+#include <utility>
+
+namespace ovelin::tests {
+
+namespace {
+
+constexpr char16_t newline = u'\n';
+constexpr char16_t hyphen = u'-';
+
+int widthLimit(const TextRenderer &renderer)
+{
+    return renderer.textWidth() >= 1 ? renderer.textWidth() : renderer.maxTextWidth();
+}
+
+bool isBrokenByTheLibrary(const TextRenderer &renderer)
+{
+    return widthLimit(renderer) >= 1 && renderer.textFormat() != Qt::RichText;
+}
+
+bool isTrimmedBeforeEllipsis(QChar c)
+{
+    return c.isSpace() || c.isPunct();
+}
+
+QString quoted(const QString &text)
+{
+    QString result;
+    for (const QChar c : text) {
+        if (c.unicode() > 0x20 && c.unicode() < 0x7f)
+            result += c;
+        else
+            result += QStringLiteral("\\u%1").arg(int(c.unicode()), 4, 16, QChar(u'0'));
+    }
+    return u'"' + result + u'"';
+}
+
+QString comparison(const char *what, const QString &shown, const QString &expected)
+{
+    return QString::fromLatin1(what)
+        + QStringLiteral("\n   shown    %1\n   expected %2").arg(quoted(shown), quoted(expected));
+}
+
+// All that a caller can see of a layout.
+struct Appearance
+{
+    explicit Appearance(const TextRenderer &renderer)
+        : text(renderer.text())
+        , displayText(renderer.displayText())
+        , boundingSize(renderer.boundingSize())
+        , boundingRect(renderer.boundingRect())
+        , geometry(renderer.geometry())
+        , alignedTextTopLeft(renderer.alignedTextTopLeft())
+        , needRelayout(renderer.isNeedRelayout())
+    {
+    }
+
+    QString difference(const char *what, const Appearance &expected) const
+    {
+        if (text != expected.text)
+            return comparison(what, text, expected.text);
+        if (displayText != expected.displayText)
+            return comparison(what, displayText, expected.displayText);
+        if (needRelayout != expected.needRelayout)
+            return QString::fromLatin1(what) + QStringLiteral(": needs a relayout");
+        if (boundingSize != expected.boundingSize || boundingRect != expected.boundingRect
+            || geometry != expected.geometry || alignedTextTopLeft != expected.alignedTextTopLeft)
+            return QString::fromLatin1(what)
+                + QStringLiteral(": %1, expected %2").arg(described(), expected.described());
+        return {};
+    }
+
+    QString described() const
+    {
+        return QStringLiteral("size %1x%2, at %3, %4, box at %5, %6, %7x%8")
+            .arg(boundingSize.width())
+            .arg(boundingSize.height())
+            .arg(alignedTextTopLeft.x())
+            .arg(alignedTextTopLeft.y())
+            .arg(geometry.x())
+            .arg(geometry.y())
+            .arg(geometry.width())
+            .arg(geometry.height());
+    }
+
+    QString text;
+    QString displayText;
+    QSize boundingSize;
+    QRect boundingRect;
+    QRect geometry;
+    QPoint alignedTextTopLeft;
+    bool needRelayout;
+};
+
+// The alignment starts at the corner, from where an earlier alignment may have moved it.
+void resetAlignment(TextRenderer &renderer)
+{
+    const QPoint topLeft = renderer.textTopLeft();
+    renderer.setTextTopLeft(topLeft.isNull() ? QPoint(1, 1) : QPoint());
+    renderer.setTextTopLeft(topLeft);
+}
+
+} // namespace
+
+// A hyphen before a break stands in the source or was put in: both ways are followed.
+bool isSourceWithBreaks(const QString &shown, const QString &source, Extent extent)
+{
+    std::set<qsizetype> places{0};   // how much of the source is shown so far, one for each way
+    std::set<qsizetype> atPutInBreak; // the same where a hyphen was put in and its break comes next
+
+    for (qsizetype i = 0; i < shown.size(); ++i) {
+        const QChar c = shown.at(i);
+        const bool breakFollows = i + 1 < shown.size() && shown.at(i + 1) == newline;
+        std::set<qsizetype> next = std::exchange(atPutInBreak, {});
+        for (const qsizetype place : places) {
+            if (place < source.size() && source.at(place) == c)
+                next.insert(place + 1);
+            else if (c == newline)
+                next.insert(place);
+            if (c == hyphen && breakFollows)
+                atPutInBreak.insert(place);
+        }
+        places = std::move(next);
+    }
+    return extent == Extent::All ? places.contains(source.size()) : !places.empty();
+}
+
+QString sourceViolation(const TextRenderer &renderer)
+{
+    const QString shown = renderer.displayText();
+    const QString source = QString(renderer.text()).replace(lineSeparator, newline);
+    if (!isBrokenByTheLibrary(renderer))
+        return shown == source ? QString() : comparison("not the source", shown, source);
+
+    if (!renderer.isTextElided()) {
+        return isSourceWithBreaks(shown, source, Extent::All)
+            ? QString()
+            : comparison("not the source with breaks", shown, source);
+    }
+    if (shown.isEmpty())
+        return {};
+    if (!shown.endsWith(ellipsis))
+        return comparison("elided without an ellipsis", shown, source);
+    const QString beginning = shown.chopped(1);
+    if (!beginning.isEmpty() && isTrimmedBeforeEllipsis(beginning.back()))
+        return comparison("not trimmed before the ellipsis", shown, source);
+    return isSourceWithBreaks(beginning, source, Extent::Beginning)
+        ? QString()
+        : comparison("not the beginning of the source with breaks", shown, source);
+}
+
+// Newlines stay in a text that is to have one line. Behind half a character, which a word may be split
+// in, no line ends any more.
+QString lineLimitViolation(const TextRenderer &renderer)
+{
+    const int limit = renderer.maxLineCount();
+    if (limit < 1 || !isBrokenByTheLibrary(renderer) || renderer.text().contains(newline))
+        return {};
+    const QString shown = renderer.displayText();
+    if (shown.count(newline) < limit || (!renderer.isTextElided() && !shown.isValidUtf16()))
+        return {};
+    return QStringLiteral("more than %1 lines: %2").arg(QString::number(limit), quoted(shown));
+}
+
+QString repetitionViolation(TextRenderer &renderer)
+{
+    const Appearance before(renderer);
+    const bool wasElided = renderer.isTextElided();
+    renderer.relayout();
+    const QString untouched = Appearance(renderer).difference("without a change", before);
+    if (!untouched.isEmpty())
+        return untouched;
+
+    layOutAgain(renderer);
+    if (renderer.isTextElided() != wasElided)
+        return QStringLiteral("elided only once");
+    return Appearance(renderer).difference("laid out again", before);
+}
+
+QString copyViolation(const TextRenderer &renderer)
+{
+    const Appearance original(renderer);
+    TextRenderer copy(renderer);
+    const QString copied = Appearance(copy).difference("copied", original);
+    if (!copied.isEmpty())
+        return copied;
+
+    layOutAgain(copy);
+    // Other layouts leave the answer as it was, which a copy does not take over.
+    if (isBrokenByTheLibrary(renderer) && copy.isTextElided() != renderer.isTextElided())
+        return QStringLiteral("elided in one of original and copy");
+    return Appearance(copy).difference("copied and laid out", original);
+}
+
+QString geometryViolation(TextRenderer &renderer, int availableHeight)
+{
+    resetAlignment(renderer);
+    renderer.relayout();
+
+    TextRenderer fresh;
+    fresh.setTextFont(renderer.textFont());
+    fresh.setTextFormat(renderer.textFormat());
+    fresh.setTextAlignment(renderer.textAlignment());
+    fresh.setMaxLineCount(renderer.maxLineCount());
+    fresh.setHyphenationEnabled(renderer.hyphenationEnabled());
+    fresh.setMaxTextWidth(renderer.maxTextWidth());
+    fresh.setTextWidth(renderer.textWidth());
+    fresh.setAvailableHeight(availableHeight);
+    fresh.setTextTopLeft(renderer.textTopLeft());
+    fresh.setText(renderer.text());
+    fresh.relayout();
+    return Appearance(renderer).difference("against a new renderer", Appearance(fresh));
+}
+
+QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &expected)
+{
+    if (renderer.displayText() != expected.displayText)
+        return comparison("not the plain layout", renderer.displayText(), expected.displayText);
+    // Sizes that no int holds become the nearest one.
+    const QSizeF size(std::ceil(expected.size.width()), std::ceil(expected.size.height()));
+    constexpr double highest = std::numeric_limits<int>::max();
+    const QSizeF bounded = size.boundedTo({highest, highest});
+    if (QSizeF(renderer.boundingSize()) != bounded)
+        return QStringLiteral("not the size of the plain layout");
+    return {};
+}
+
+QString layoutViolation(TextRenderer &renderer, int availableHeight)
+{
+    for (const QString &violation : {sourceViolation(renderer), lineLimitViolation(renderer),
+                                     copyViolation(renderer), repetitionViolation(renderer),
+                                     geometryViolation(renderer, availableHeight)}) {
+        if (!violation.isEmpty())
+            return violation;
+    }
+    return {};
+}
+
+void layOutAgain(TextRenderer &renderer)
+{
+    const bool enabled = renderer.hyphenationEnabled();
+    renderer.setHyphenationEnabled(!enabled);
+    renderer.setHyphenationEnabled(enabled);
+    renderer.relayout();
+}
+
+} // namespace ovelin::tests

@@ -1,0 +1,84 @@
+# fuzz [TARGET] [SECONDS|FILE]
+# Try the library with random input: one target for so many seconds, or each for a minute.
+#
+# Targets are text, tracker and xmltv. Each begins with what is stored in tests/fuzz/corpus and what
+# earlier runs found, which is kept in build/fuzz; so are inputs that fail. FILE replays one of those:
+#
+#   ./dev fuzz text build/fuzz/text/crash-0123abcd
+
+readonly fuzzer_sources=$repository/tests/fuzz
+readonly fuzzer_results=$repository/build/fuzz
+readonly usual_seconds=60
+# An input that takes longer is taken for a hang.
+readonly most_seconds_per_input=30
+readonly longest_input=4096
+
+fuzzer_names()
+{
+    local file
+    for file in "$fuzzer_sources"/fuzz_*.cpp; do
+        file=${file##*/fuzz_}
+        echo "${file%.cpp}"
+    done
+}
+
+is_number()
+{
+    [[ $1 =~ ^[0-9]+$ ]]
+}
+
+fuzzer_run()
+{
+    UBSAN_OPTIONS=print_stacktrace=1 inside "$tree/tests/fuzz/fuzz_$1" "${@:2}"
+}
+
+fuzzer_log_value()
+{
+    sed -n "s/^.*$1 *\([0-9]*\).*/\1/p" "$2" | tail --lines=1
+}
+
+# fuzz TARGET SECONDS
+fuzz()
+{
+    local target=$1 seconds=$2 results=$fuzzer_results/$1 log=$fuzzer_results/$1.log
+    local corpus=$fuzzer_sources/corpus/$target
+    mkdir --parents "$results/corpus"
+    say "Fuzzing $target for $seconds seconds; its log is $(short_path "$log")"
+    fuzzer_run "$target" "$results/corpus" "$corpus" "-dict=$fuzzer_sources/$target.dict" \
+        "-artifact_prefix=$results/" "-max_total_time=$seconds" "-timeout=$most_seconds_per_input" \
+        "-max_len=$longest_input" -print_final_stats=1 >"$log" 2>&1 \
+        || fuzzing_failed "$target" "$log"
+    say "$target: $(fuzzer_log_value stat::number_of_executed_units: "$log") executions," \
+        "coverage $(fuzzer_log_value cov: "$log"), features $(fuzzer_log_value ft: "$log"), nothing found"
+}
+
+# fuzzing_failed TARGET LOG
+fuzzing_failed()
+{
+    local input
+    input=$(sed -n 's/.*Test unit written to //p' "$2" | tail --lines=1)
+    grep --max-count=1 --after-context=12 --text \
+        --regexp='^Violation' --regexp='runtime error' --regexp='^==[0-9]*== *ERROR' "$2" >&2 || tail "$2" >&2
+    [[ -n $input ]] || fail "The fuzzer of $1 did not run; its message is above."
+    fail "The fuzzer of $1 found a fault, which is told above and in $(short_path "$2")." \
+        "Again: ./dev fuzz $1 $(short_path "$input")"
+}
+
+targets=()
+if (($#)) && ! is_number "$1"; then
+    [[ -f $fuzzer_sources/fuzz_$1.cpp ]] || fail "There is no target \"$1\"." "Targets:" "$(fuzzer_names)"
+    targets=("$1")
+    shift
+else
+    mapfile -t targets < <(fuzzer_names)
+fi
+
+use_workshop
+build_tree fuzz "${targets[@]/#/fuzz_}"
+if (($#)) && ! is_number "$1"; then
+    fuzzer_run "${targets[0]}" "$@" || fail "The input still fails; what was found is above."
+    exit
+fi
+for target in "${targets[@]}"; do
+    fuzz "$target" "${1:-$usual_seconds}"
+done
