@@ -134,11 +134,12 @@ void AbstractResourceOwner::unregisterResource(int id)
     if (!tracker || !ownerState)
         return;
 
+    const StatePointer before = knownState(tracker, this);
     tracker->unregisterResource(this, id);
     // A slot may have dropped the state already, or registered the item anew with another one.
     if (ownerState && ownerState->resourceCount == 0) {
-        const auto known = knownState(tracker, this);
-        ownerState = known == ownerState ? StatePointer() : known;
+        const StatePointer known = knownState(tracker, this);
+        ownerState = known == before ? StatePointer() : known;
     }
 }
 

@@ -67,6 +67,7 @@ private Q_SLOTS:
     void unregisteringDropsTheStateAtTheLast();
     void unregisteringUnknownKeepsTheState();
     void unregisteringUnknownDropsAnEmptyState();
+    void unregisteringDropsAnEmptyStateThoughTheTrackerHasAnother();
     void unregisteringAllDropsTheState();
     void unregisteringWithoutStateDoesNothing();
     void unregisteringWithoutTrackerKeepsTheState();
@@ -329,6 +330,22 @@ void tst_AbstractResourceOwner::unregisteringUnknownDropsAnEmptyState()
 
     QVERIFY(item.state().isNull());
     QCOMPARE(ids(tracker), QList<int>{1});
+}
+
+void tst_AbstractResourceOwner::unregisteringDropsAnEmptyStateThoughTheTrackerHasAnother()
+{
+    InstalledTracker tracker;
+    Item item;
+    item.registerImage(1, poster);
+    tracker.unregisterResource(&item, 1);
+    tracker.registerResource(&item, image(2));
+    QVERIFY(item.state());
+
+    item.unregisterResource(9);
+
+    QVERIFY(item.state().isNull());
+    QVERIFY(item.isResourcesAllowed());
+    QCOMPARE(ids(tracker), QList<int>{2});
 }
 
 void tst_AbstractResourceOwner::unregisteringAllDropsTheState()
