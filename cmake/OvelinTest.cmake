@@ -19,3 +19,12 @@ function(ovelin_add_test name)
     add_test(NAME ${target} COMMAND ${target})
     set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
+
+# ovelin_add_property_test(<name> [SOURCES file...] [LIBRARIES library...])
+#
+# The same for a test of properties, where there is RapidCheck.
+function(ovelin_add_property_test name)
+    if(rapidcheck_FOUND)
+        ovelin_add_test(${name} ${ARGN} LIBRARIES rapidcheck)
+    endif()
+endfunction()

@@ -1,7 +1,8 @@
 #ifndef OVELIN_TESTS_TEXT_TEXTSUPPORT_H
 #define OVELIN_TESTS_TEXT_TEXTSUPPORT_H
 
-#include <QByteArray>
+#include "support/reducedrun.h"
+
 #include <QFont>
 #include <QFontInfo>
 #include <QFontMetricsF>
@@ -30,14 +31,6 @@ inline bool isTestFontInstalled()
 inline double advance(const QString &text, const QFont &font = pixelFont())
 {
     return QFontMetricsF(font).horizontalAdvance(text);
-}
-
-// Whether there should be fewer and smaller cases: a run under valgrind takes some fifty times as
-// long. OVELIN_TEXT_CASES asks for it under any other slow tool.
-inline bool isRunReduced()
-{
-    return qEnvironmentVariableIsSet("OVELIN_TEXT_CASES")
-           || qgetenv("LD_PRELOAD").contains("vgpreload");
 }
 
 // The advance in whole pixels with the two pixels of margin.
