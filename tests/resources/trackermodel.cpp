@@ -373,6 +373,10 @@ void TrackerSubject::create(int place)
     m_itemNumbers[at] = m_itemCount++;
     items[at] = std::make_unique<Item>();
     items[at]->setObjectName(itemName(m_itemNumbers[at]));
+    items[at]->onAllow = items[at]->onRelease = [this] {
+        if (onDecision)
+            onDecision();
+    };
 }
 
 void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
@@ -442,10 +446,12 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
     case TrackerStep::SetInstalled:
         setSceneResourceTracker(step.flag ? &tracker : nullptr);
         break;
-    case TrackerStep::Destroy:
-        items[std::size_t(step.place)].reset();
+    case TrackerStep::Destroy: {
+        // Slots find the next item at the place already.
+        const std::unique_ptr<Item> dying = std::move(items[std::size_t(step.place)]);
         create(step.place);
         break;
+    }
     }
     noteStates();
 }

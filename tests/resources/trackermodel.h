@@ -50,6 +50,7 @@ struct TrackerStep
     ResourceInfo info() const;
     ResourceOwnerState::Status status() const;
     QRect geometry() const;
+    bool isOfTheItem() const { return kind >= RegisterImage && kind <= UnregisterAll; }
     QString described() const;
 };
 
@@ -133,6 +134,7 @@ public:
     InstalledTracker tracker;
     SignalRecorder recorder{tracker};
     std::array<std::unique_ptr<Item>, placeCount> items;
+    std::function<void()> onDecision; // called by an item that is told to allow or release
 
 private:
     void create(int place);
