@@ -20,16 +20,22 @@ using namespace Qt::StringLiterals;
 constexpr qsizetype maxTextLength = 4000;
 
 constexpr qsizetype maxQuotedLength = 40;
+constexpr qsizetype maxErrorLength = 160;
 
-// A piece of the file for a message: short, on one line and without control characters.
-QString quoted(QStringView text)
+// Text from the file for a message: short, on one line and without control characters.
+QString printable(QStringView text, qsizetype maxLength)
 {
     QString shown;
-    for (const QChar c : text.left(maxQuotedLength))
+    for (const QChar c : text.left(maxLength))
         shown += c.isPrint() ? c : QChar(u'?');
-    if (text.size() > maxQuotedLength)
+    if (text.size() > maxLength)
         shown += u'…';
-    return u'"' + shown + u'"';
+    return shown;
+}
+
+QString quoted(QStringView text)
+{
+    return u'"' + printable(text, maxQuotedLength) + u'"';
 }
 
 // Keeps the best of the texts offered to it, which differ in their language.
@@ -121,7 +127,8 @@ XmltvResult XmltvReader::read()
 {
     readDocument();
     if (m_xml.hasError())
-        report(place(), u"the file is broken here: "_s + m_xml.errorString());
+        report(place(),
+               u"the file is broken here: "_s + printable(m_xml.errorString(), maxErrorLength));
 
     for (std::size_t i = 0; i < m_channels.size(); ++i) {
         if (m_channels[i].number.isEmpty())

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void skipsFaultyEntries_data();
     void skipsFaultyEntries();
     void quotesSafely();
+    void quotesTheFaultOfAFileSafely();
     void keepsWhatStoodBeforeAFault_data();
     void keepsWhatStoodBeforeAFault();
     void refusesOtherDocuments_data();
@@ -282,6 +283,20 @@ void tst_XmltvReader::quotesSafely()
     QVERIFY(reading.problems[0].size() < 120);
     for (const QChar c : reading.problems[0])
         QVERIFY(c.isPrint());
+}
+
+// Qt quotes the file in its message, as it stands there.
+void tst_XmltvReader::quotesTheFaultOfAFileSafely()
+{
+    for (const QByteArray &name : {QByteArray("a\x1b"), QByteArray(1000, 'a')}) {
+        const Reading reading
+            = readBytes("<?xml version='1.0' " + name + QByteArray("\0='1'?>\n<tv/>\n", 14));
+        QCOMPARE(reading.problems.size(), 1);
+        QVERIFY(reading.problems[0].contains(u": a"_s));
+        QVERIFY(reading.problems[0].size() < 300);
+        for (const QChar c : reading.problems[0])
+            QVERIFY(c.isPrint());
+    }
 }
 
 void tst_XmltvReader::keepsWhatStoodBeforeAFault_data()
