@@ -23,8 +23,8 @@ using namespace ovelin::tests;
 
 namespace {
 
-constexpr qsizetype longestText = 2000;
-constexpr qsizetype longestComparedText = 60;
+constexpr qsizetype longestText = 100'000;
+constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
 constexpr std::size_t mostRenderers = 4;
 constexpr int mostCalls = 60;
