@@ -1,0 +1,61 @@
+#include <ovelin/brushes.h>
+
+#include <QTest>
+
+#include <algorithm>
+#include <vector>
+
+// Every length that a screen could have, and more, against the definition.
+
+using ovelin::chooseGradientLength;
+
+namespace {
+
+constexpr int shortestTexture = 8;
+constexpr int longestLength = 100'000;
+
+// What the texture's length is to be for every length up to the longest: the shortest of those that
+// cover it three to ten times without a rest; where there is none, a tenth, rounded up, within the
+// length and no shorter than the shortest texture.
+std::vector<int> definedLengths()
+{
+    std::vector<int> lengths(longestLength + 1, 0);
+    for (int times = 3; times <= 10; ++times) {
+        for (int texture = shortestTexture; texture * times <= longestLength; ++texture)
+            lengths[std::size_t(texture * times)] = texture;
+    }
+    for (int length = 0; length <= longestLength; ++length) {
+        const int tenth = length / 10 + (length % 10 > 0);
+        int &texture = lengths[std::size_t(length)];
+        if (texture == 0)
+            texture = std::max(shortestTexture, std::min(length, tenth));
+    }
+    return lengths;
+}
+
+} // namespace
+
+class tst_GradientLength : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyLengthIsAsDefined();
+};
+
+void tst_GradientLength::everyLengthIsAsDefined()
+{
+    const std::vector<int> defined = definedLengths();
+    for (int length = 0; length <= longestLength; ++length) {
+        if (chooseGradientLength(length) != defined[std::size_t(length)]) {
+            QFAIL(qPrintable(QStringLiteral("%1 for %2, not %3")
+                                 .arg(chooseGradientLength(length))
+                                 .arg(length)
+                                 .arg(defined[std::size_t(length)])));
+        }
+    }
+}
+
+QTEST_MAIN(tst_GradientLength)
+
+#include "tst_gradientlength.moc"
