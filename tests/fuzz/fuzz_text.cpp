@@ -1,17 +1,15 @@
 #include "fuzzing.h"
 
 #include "text/layoutinvariants.h"
+#include "text/oddtext.h"
 #include "text/referencelayout.h"
 
 #include <ovelin/textrenderer.h>
 
-#include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
 #include <QPen>
 
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <vector>
 
@@ -30,48 +28,9 @@ constexpr std::size_t mostRenderers = 4;
 constexpr int mostCalls = 60;
 constexpr int canvasSize = 64;
 
-// A text is a string of bytes in a code page of its own: ASCII, from 0x80 on whatever a layout might
-// stumble over, from 0xc0 on the Russian letters as in Windows-1251.
-constexpr std::array<std::u16string_view, 0x40> oddities = {
-    // 0x80: breaks and spaces
-    u"\u2028", u"\u2029", u"\u0085", u"\r\n", u"\u00a0", u"\u2009", u"\u3000", u"\u200b",
-    // 0x88: joiners, soft hyphen, other hyphens and dashes
-    u"\u00ad", u"\u200d", u"\u200c", u"\u2060", u"\u2010", u"\u2011", u"\u2014", u"\ufeff",
-    // 0x90: combining marks
-    u"\u0301", u"\u0300", u"\u0306", u"\u20dd", u"\u0483", u"\u05b7", u"\u0e33", u"\ufe0f",
-    // 0x98: surrogates, alone and in pairs
-    u"\xd83d", u"\xde00", u"\xdbff", u"\xdc00", u"\xd83d\xde00", u"\xd83c\xdff4", u"\xd835\xdc9c",
-    u"\xd83d\xdc68\u200d\xd83d\xdc67",
-    // 0xa0: right to left, and what turns the direction
-    u"\u05e9", u"\u05dc", u"\u0644", u"\u0627", u"\u0661", u"\u202e", u"\u202c", u"\u2067",
-    // 0xa8: letters whose case changes their length, ligatures, other scripts
-    u"ё", u"Ё", u"İ", u"ß", u"ﬁ", u"日", u"テ", u"ก",
-    // 0xb0: characters that Qt treats in its own way
-    u"\ufffc", u"\ufffd", u"\ufffe", u"\uffff", u"\u2026", u"\u001f", u"\u007f", u"\ufdd0",
-    // 0xb8: words
-    u"программа ", u"сообщение ", u"подъезд-", u"телеканала\n", u"eggs ", u"<b>", u"&shy;", u"1-2",
-};
-constexpr uchar firstOddity = 0x80;
-constexpr uchar firstRussianLetter = 0xc0;
-
-QString decoded(const std::string &bytes)
-{
-    QString text;
-    for (const char byte : bytes) {
-        const auto code = static_cast<uchar>(byte);
-        if (code >= firstRussianLetter)
-            text += QChar(u'А' + (code - firstRussianLetter));
-        else if (code >= firstOddity)
-            text += oddities[code - firstOddity];
-        else
-            text += QLatin1Char(byte);
-    }
-    return text;
-}
-
 QString anyText(FuzzedDataProvider &data)
 {
-    const QString text = decoded(data.ConsumeRandomLengthString()).left(longestText);
+    const QString text = oddText(data.ConsumeRandomLengthString()).left(longestText);
     if (text.isEmpty() || data.ConsumeIntegralInRange(0, 7) > 0)
         return text;
     const auto length = data.ConsumeIntegralInRange<qsizetype>(1, longestText);

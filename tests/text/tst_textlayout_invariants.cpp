@@ -1,0 +1,213 @@
+#include "layoutinvariants.h"
+#include "oddtext.h"
+#include "referencelayout.h"
+#include "textsupport.h"
+
+#include "support/properties.h"
+
+#include <ovelin/textrenderer.h>
+
+#include <limits>
+
+using namespace ovelin;
+using namespace ovelin::tests;
+
+// What holds for every text, each rule for texts and renderers of any kind.
+
+namespace {
+
+constexpr int most = std::numeric_limits<int>::max();
+
+// All that a renderer is set up with.
+struct Setup
+{
+    std::string bytes;
+    int pixelSize;
+    int letterSpacing;
+    int maxLineCount;
+    int width;
+    bool widthIsMaximal;
+    bool hyphenationEnabled;
+    Qt::TextFormat format;
+    Qt::Alignment alignment;
+    int availableHeight;
+    QPoint topLeft;
+};
+
+std::ostream &operator<<(std::ostream &stream, const Setup &setup)
+{
+    return stream << rc::toString(setup.bytes) << " in " << setup.pixelSize << " pixels with "
+                  << setup.letterSpacing << ", " << setup.maxLineCount << " lines, "
+                  << (setup.widthIsMaximal ? "maximal width " : "width ") << setup.width
+                  << ", hyphenation " << setup.hyphenationEnabled << ", format " << setup.format
+                  << ", alignment " << setup.alignment.toInt() << ", height "
+                  << setup.availableHeight << ", at " << setup.topLeft.x() << ", "
+                  << setup.topLeft.y();
+}
+
+// ASCII letters and the oddities alike; RapidCheck's own strings are of ASCII mostly.
+rc::Gen<std::string> anyBytes()
+{
+    return rc::gen::container<std::string>(rc::gen::weightedOneOf<char>({
+        {3, rc::gen::element(' ', ' ', '-', '\n', 'g', 's', 'x', 'w', 'i', ',', '1')},
+        {3, rc::gen::map(rc::gen::inRange(0xc0, 0x100), [](int c) { return char(c); })},
+        {2, rc::gen::map(rc::gen::inRange(0x80, 0xc0), [](int c) { return char(c); })},
+        {1, rc::gen::arbitrary<char>()},
+    }));
+}
+
+rc::Gen<int> anySize(int usualEnd)
+{
+    return rc::gen::weightedOneOf<int>({{8, rc::gen::inRange(-1, usualEnd)},
+                                        {1, rc::gen::arbitrary<int>()},
+                                        {1, rc::gen::element(-most - 1, most)}});
+}
+
+rc::Gen<Setup> anySetup()
+{
+    return rc::gen::build<Setup>(
+        rc::gen::set(&Setup::bytes, anyBytes()),
+        rc::gen::set(&Setup::pixelSize, rc::gen::element(20, 1, 11, 27, 40)),
+        rc::gen::set(&Setup::letterSpacing, rc::gen::weightedElement<int>(
+                                                {{8, 0}, {1, -3}, {1, 5}, {1, 30}, {1, -30}})),
+        rc::gen::set(&Setup::maxLineCount, anySize(6)),
+        rc::gen::set(&Setup::width, anySize(300)),
+        rc::gen::set(&Setup::widthIsMaximal),
+        rc::gen::set(&Setup::hyphenationEnabled),
+        rc::gen::set(&Setup::format,
+                     rc::gen::weightedElement<Qt::TextFormat>({{8, Qt::PlainText},
+                                                               {2, Qt::AutoText},
+                                                               {1, Qt::MarkdownText},
+                                                               {1, Qt::RichText}})),
+        rc::gen::set(&Setup::alignment, rc::gen::element<Qt::Alignment>(
+                                            Qt::AlignLeft, Qt::AlignCenter,
+                                            Qt::AlignRight | Qt::AlignBottom)),
+        rc::gen::set(&Setup::availableHeight, anySize(200)),
+        rc::gen::set(&Setup::topLeft, rc::gen::construct<QPoint>(anySize(100), anySize(100))));
+}
+
+// Checks a rule for any setup of which there is a layout.
+template<typename Rule>
+void checkRule(int caseCount, const Rule &rule)
+{
+    checkProperty(caseCount, [&rule] {
+        const Setup setup = *anySetup();
+        QFont font = pixelFont(setup.pixelSize);
+        font.setLetterSpacing(QFont::AbsoluteSpacing, setup.letterSpacing);
+
+        TextRenderer renderer;
+        renderer.setTextFont(font);
+        renderer.setTextFormat(setup.format);
+        renderer.setTextAlignment(setup.alignment);
+        renderer.setMaxLineCount(setup.maxLineCount);
+        renderer.setHyphenationEnabled(setup.hyphenationEnabled);
+        renderer.setAvailableHeight(setup.availableHeight);
+        renderer.setTextTopLeft(setup.topLeft);
+        if (setup.widthIsMaximal)
+            renderer.setMaxTextWidth(setup.width);
+        else
+            renderer.setTextWidth(setup.width);
+        renderer.setText(oddText(setup.bytes));
+        RC_PRE(renderer.isValid());
+        renderer.relayout();
+
+        const QString violation = rule(renderer, setup);
+        if (!violation.isEmpty())
+            RC_FAIL(violation.toStdString());
+    });
+}
+
+} // namespace
+
+class tst_TextLayoutInvariants : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void theSourceIsRecognised_data();
+    void theSourceIsRecognised();
+
+    void showsTheSource();
+    void keepsTheLineLimit();
+    void staysTheSameLaidOutAgain();
+    void copyShowsTheSame();
+    void geometryIsThatOfANewRenderer();
+};
+
+void tst_TextLayoutInvariants::initTestCase()
+{
+    QVERIFY(isTestFontInstalled());
+}
+
+void tst_TextLayoutInvariants::theSourceIsRecognised_data()
+{
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<bool>("whole");
+    QTest::addColumn<bool>("beginning");
+
+    const auto row = [](const char *shown, const char *source, bool whole, bool beginning) {
+        QTest::addRow("\"%s\" for \"%s\"", QByteArray(shown).replace('\n', '|').constData(),
+                      QByteArray(source).replace('\n', '|').constData())
+            << QString::fromLatin1(shown) << QString::fromLatin1(source) << whole << beginning;
+    };
+    row("", "", true, true);
+    row("ab", "ab", true, true);
+    row("a", "ab", false, true);
+    row("ab", "a", false, false);
+    row("ba", "ab", false, false);
+    row("a\nb", "ab", true, true);
+    row("a-\nb", "ab", true, true);
+    row("a-b", "ab", false, false);
+    row("a-", "ab", false, false);
+    row("-\na", "-a", true, true);
+    row("-\n-a", "-a", true, true);
+    row("\n-a", "-a", true, true);
+    row("-\n-\n-a", "-a", true, true);
+    row("a\n\nb", "a\nb", true, true);
+    row("a-\n\nb", "a\nb", true, true);
+    row("a-\nb", "a\nb", false, false);
+    row("a b", "a\nb", false, false);
+}
+
+void tst_TextLayoutInvariants::theSourceIsRecognised()
+{
+    QFETCH(QString, shown);
+    QFETCH(QString, source);
+
+    QTEST(isSourceWithBreaks(shown, source, Extent::All), "whole");
+    QTEST(isSourceWithBreaks(shown, source, Extent::Beginning), "beginning");
+}
+
+void tst_TextLayoutInvariants::showsTheSource()
+{
+    checkRule(1000, [](const TextRenderer &r, const Setup &) { return sourceViolation(r); });
+}
+
+void tst_TextLayoutInvariants::keepsTheLineLimit()
+{
+    checkRule(1000, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
+}
+
+void tst_TextLayoutInvariants::staysTheSameLaidOutAgain()
+{
+    checkRule(1000, [](TextRenderer &r, const Setup &) { return repetitionViolation(r); });
+}
+
+void tst_TextLayoutInvariants::copyShowsTheSame()
+{
+    checkRule(1000, [](const TextRenderer &r, const Setup &) { return copyViolation(r); });
+}
+
+void tst_TextLayoutInvariants::geometryIsThatOfANewRenderer()
+{
+    checkRule(1000, [](TextRenderer &r, const Setup &setup) {
+        return geometryViolation(r, setup.availableHeight);
+    });
+}
+
+QTEST_MAIN(tst_TextLayoutInvariants)
+
+#include "tst_textlayout_invariants.moc"
