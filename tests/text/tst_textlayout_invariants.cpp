@@ -86,30 +86,35 @@ rc::Gen<Setup> anySetup()
         rc::gen::set(&Setup::topLeft, rc::gen::construct<QPoint>(anySize(100), anySize(100))));
 }
 
-// Checks a rule for any setup of which there is a layout.
+void apply(TextRenderer &renderer, const Setup &setup)
+{
+    QFont font = pixelFont(setup.pixelSize);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, setup.letterSpacing);
+    renderer.setTextFont(font);
+    renderer.setTextFormat(setup.format);
+    renderer.setTextAlignment(setup.alignment);
+    renderer.setMaxLineCount(setup.maxLineCount);
+    renderer.setHyphenationEnabled(setup.hyphenationEnabled);
+    renderer.setAvailableHeight(setup.availableHeight);
+    renderer.setTextTopLeft(setup.topLeft);
+    renderer.setMaxTextWidth(setup.widthIsMaximal ? setup.width : 0);
+    renderer.setTextWidth(setup.widthIsMaximal ? 0 : setup.width);
+    renderer.setText(oddText(setup.bytes));
+    // Some widths keep the layout that there is.
+    layOutAgain(renderer);
+}
+
+// Checks a rule for any setup of which there is a layout, in a renderer that was used before.
 template<typename Rule>
 void checkRule(int caseCount, const Rule &rule)
 {
     checkProperty(caseCount, [&rule] {
+        const Setup before = *anySetup();
         const Setup setup = *anySetup();
-        QFont font = pixelFont(setup.pixelSize);
-        font.setLetterSpacing(QFont::AbsoluteSpacing, setup.letterSpacing);
-
         TextRenderer renderer;
-        renderer.setTextFont(font);
-        renderer.setTextFormat(setup.format);
-        renderer.setTextAlignment(setup.alignment);
-        renderer.setMaxLineCount(setup.maxLineCount);
-        renderer.setHyphenationEnabled(setup.hyphenationEnabled);
-        renderer.setAvailableHeight(setup.availableHeight);
-        renderer.setTextTopLeft(setup.topLeft);
-        if (setup.widthIsMaximal)
-            renderer.setMaxTextWidth(setup.width);
-        else
-            renderer.setTextWidth(setup.width);
-        renderer.setText(oddText(setup.bytes));
+        apply(renderer, before);
+        apply(renderer, setup);
         RC_PRE(renderer.isValid());
-        renderer.relayout();
 
         const QString violation = rule(renderer, setup);
         if (!violation.isEmpty())
@@ -183,27 +188,27 @@ void tst_TextLayoutInvariants::theSourceIsRecognised()
 
 void tst_TextLayoutInvariants::showsTheSource()
 {
-    checkRule(1000, [](const TextRenderer &r, const Setup &) { return sourceViolation(r); });
+    checkRule(400, [](const TextRenderer &r, const Setup &) { return sourceViolation(r); });
 }
 
 void tst_TextLayoutInvariants::keepsTheLineLimit()
 {
-    checkRule(1000, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
+    checkRule(400, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
 }
 
 void tst_TextLayoutInvariants::staysTheSameLaidOutAgain()
 {
-    checkRule(1000, [](TextRenderer &r, const Setup &) { return repetitionViolation(r); });
+    checkRule(400, [](TextRenderer &r, const Setup &) { return repetitionViolation(r); });
 }
 
 void tst_TextLayoutInvariants::copyShowsTheSame()
 {
-    checkRule(1000, [](const TextRenderer &r, const Setup &) { return copyViolation(r); });
+    checkRule(400, [](const TextRenderer &r, const Setup &) { return copyViolation(r); });
 }
 
 void tst_TextLayoutInvariants::geometryIsThatOfANewRenderer()
 {
-    checkRule(1000, [](TextRenderer &r, const Setup &setup) {
+    checkRule(400, [](TextRenderer &r, const Setup &setup) {
         return geometryViolation(r, setup.availableHeight);
     });
 }
