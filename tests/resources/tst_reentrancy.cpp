@@ -533,10 +533,11 @@ void tst_Reentrancy::everyReactionToADecision()
 
 void tst_Reentrancy::sameEntryFromItsOwnMessage()
 {
+    // Also while the message of the call within would be emitted. It outlives the scene, whose end
+    // emits too.
+    int depth = 0;
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
-    // Also while the message of the call within would be emitted.
-    int depth = 0;
     connect(&scene.tracker, &SceneResourceTracker::messagesAdded, this, [&] {
         if (++depth < manyCalls)
             scene.tracker.unregisterResource(scene.b.get(), 4);
@@ -555,9 +556,9 @@ void tst_Reentrancy::sameEntryFromItsOwnMessage()
 
 void tst_Reentrancy::sameOwnerFromItsOwnMessage()
 {
+    int calls = 0;
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
-    int calls = 0;
     connect(&scene.tracker, &SceneResourceTracker::messagesAdded, this, [&] {
         if (++calls < manyCalls)
             scene.tracker.unregisterResources(scene.a.get());
