@@ -20,6 +20,7 @@ set(allowed
     "ld\\.so\\.1"
     # a build with sanitizers
     "lib(asan|ubsan|lsan|tsan)\\.so\\.[0-9]+"
+    "libclang_rt\\.asan-.*\\.so"
 )
 
 execute_process(
