@@ -18,8 +18,7 @@ constexpr seconds eveningTime = hours(20) + minutes(10);
 
 void arrange(std::vector<Programme> &programmes)
 {
-    std::stable_sort(programmes.begin(), programmes.end(),
-                     [](const Programme &a, const Programme &b) { return a.start < b.start; });
+    std::ranges::stable_sort(programmes, {}, &Programme::start);
 
     for (std::size_t i = 0; i + 1 < programmes.size(); ++i)
         programmes[i].stop = std::min(programmes[i].stop, programmes[i + 1].start);
@@ -34,9 +33,7 @@ void arrange(std::vector<Programme> &programmes)
 
 std::size_t Channel::firstEndingAfter(Instant instant) const
 {
-    const auto found =
-        std::upper_bound(programmes.begin(), programmes.end(), instant,
-                         [](Instant t, const Programme &programme) { return t < programme.stop; });
+    const auto found = std::ranges::upper_bound(programmes, instant, {}, &Programme::stop);
     return static_cast<std::size_t>(found - programmes.begin());
 }
 
@@ -64,9 +61,8 @@ std::size_t Guide::programmeCount() const
 
 bool Guide::covers(Instant instant) const
 {
-    return std::any_of(m_channels.begin(), m_channels.end(), [instant](const Channel &channel) {
-        return channel.hasProgrammeAt(instant);
-    });
+    return std::ranges::any_of(
+        m_channels, [instant](const Channel &channel) { return channel.hasProgrammeAt(instant); });
 }
 
 Instant Guide::suggestedTime() const
@@ -74,10 +70,8 @@ Instant Guide::suggestedTime() const
     if (isEmpty())
         return {};
 
-    const auto earliest = std::min_element(
-        m_channels.begin(), m_channels.end(), [](const Channel &a, const Channel &b) {
-            return a.programmes.front().start < b.programmes.front().start;
-        });
+    const auto earliest = std::ranges::min_element(
+        m_channels, {}, [](const Channel &channel) { return channel.programmes.front().start; });
     const Instant first = earliest->programmes.front().start;
 
     const seconds offset = m_clock.utcOffset();

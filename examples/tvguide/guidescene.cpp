@@ -138,7 +138,7 @@ void GuideScene::arrange()
 
 void GuideScene::scrollToFocus()
 {
-    const std::size_t rows = static_cast<std::size_t>(m_layout.rowCount);
+    const auto rows = static_cast<std::size_t>(m_layout.rowCount);
     m_firstChannel = std::min(m_firstChannel, m_focus.channel);
     if (m_focus.channel >= m_firstChannel + rows)
         m_firstChannel = m_focus.channel + 1 - rows;
@@ -408,12 +408,12 @@ std::vector<PosterItem *> GuideScene::pictures() const
         items.push_back(entry.badge.get());
 
     std::vector<PosterItem *> posters;
+    posters.reserve(m_cards.size());
     for (const auto &[index, card] : m_cards)
         posters.push_back(card.poster.get());
     const QPoint focus = m_cards.at(m_focus).rect.center();
-    std::stable_sort(posters.begin(), posters.end(), [focus](PosterItem *a, PosterItem *b) {
-        return (a->geometry().center() - focus).manhattanLength()
-               < (b->geometry().center() - focus).manhattanLength();
+    std::ranges::stable_sort(posters, {}, [focus](const PosterItem *poster) {
+        return (poster->geometry().center() - focus).manhattanLength();
     });
     items.insert(items.end(), posters.begin(), posters.end());
     return items;
@@ -421,9 +421,7 @@ std::vector<PosterItem *> GuideScene::pictures() const
 
 bool GuideScene::hasWantedPictures() const
 {
-    const auto items = pictures();
-    return std::any_of(items.begin(), items.end(),
-                       [](const PosterItem *item) { return item->isWanted(); });
+    return std::ranges::any_of(pictures(), &PosterItem::isWanted);
 }
 
 bool GuideScene::createPictures(int limit)

@@ -115,6 +115,7 @@ int run(const Options &options, const XmltvResult &read)
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape) what nobody foresees may end the program
 int main(int argc, char *argv[])
 {
     QStringList arguments;

@@ -21,17 +21,17 @@ public:
     explicit Variation(const QString &text)
     {
         for (const QChar c : text)
-            m_state = (m_state ^ c.unicode()) * 16777619u;
+            m_state = (m_state ^ c.unicode()) * 16777619U;
     }
 
     int next(int bound)
     {
-        m_state = m_state * 1664525u + 1013904223u;
+        m_state = m_state * 1664525U + 1013904223U;
         return static_cast<int>((m_state >> 8) % static_cast<quint32>(bound));
     }
 
 private:
-    quint32 m_state = 2166136261u;
+    quint32 m_state = 2166136261U;
 };
 
 struct Scenery
@@ -211,8 +211,10 @@ void paintCity(Scenery &s)
         for (int window = 0; window < 6; ++window) {
             if (s.variation.next(3) == 0)
                 continue;
-            s.painter.drawRect(QRectF(s.x((i + 0.2 + 0.36 * (window % 2)) * width),
-                                      s.y(1 - height + 0.07 + 0.11 * (window / 2)),
+            const int column = window % 2;
+            const int row = window / 2;
+            s.painter.drawRect(QRectF(s.x((i + 0.2 + 0.36 * column) * width),
+                                      s.y(1 - height + 0.07 + 0.11 * row),
                                       s.rect.width() * width * 0.2, s.rect.height() * 0.05));
         }
     }

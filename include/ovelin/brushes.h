@@ -16,8 +16,7 @@ namespace ovelin {
 [[nodiscard]] OVELIN_EXPORT QPixmap createBrushImage(const QBrush &brush, const QSize &size);
 [[nodiscard]] OVELIN_EXPORT QBrush createTexturedBrush(const QSize &size,
                                                        const QLinearGradient &gradient);
-[[nodiscard]] OVELIN_EXPORT QBrush createTexturedBrush(int length,
-                                                       const QLinearGradient &gradient);
+[[nodiscard]] OVELIN_EXPORT QBrush createTexturedBrush(int length, const QLinearGradient &gradient);
 
 } // namespace ovelin
 

@@ -1,8 +1,8 @@
 #ifndef OVELIN_OVELINGLOBAL_H
 #define OVELIN_OVELINGLOBAL_H
 
-#include <QtCore/qtconfigmacros.h>
 #include <QtCore/qcompilerdetection.h>
+#include <QtCore/qtconfigmacros.h>
 
 #if defined(OVELIN_STATIC)
 #  define OVELIN_EXPORT

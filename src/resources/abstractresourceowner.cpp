@@ -165,7 +165,7 @@ void AbstractResourceOwner::unregisterResources()
 bool AbstractResourceOwner::isResourcesAllowed() const
 {
     return !ownerState || ownerState->status == ResourceOwnerState::CreationAllowed
-        || ownerState->status == ResourceOwnerState::Ignored;
+           || ownerState->status == ResourceOwnerState::Ignored;
 }
 
 } // namespace ovelin

@@ -64,7 +64,7 @@ ResourceWalk::Entry ResourceWalk::current() const
 bool ResourceWalk::removes(Entry entry) const
 {
     return m_purpose == Purpose::Remove && m_index >= 0 && m_index < m_entries.size()
-        && current() == entry;
+           && current() == entry;
 }
 
 // Looks from the current entry on, which it is as a rule: a walk over all entries stays linear.
@@ -77,7 +77,7 @@ void ResourceWalk::forget(Entry entry)
 
 void ResourceWalk::forgetAll()
 {
-    std::fill(m_entries.begin(), m_entries.end(), m_gone);
+    std::ranges::fill(m_entries, m_gone);
 }
 
 SceneResourceTrackerPrivate *SceneResourceTrackerPrivate::s_newest = nullptr;
@@ -129,6 +129,7 @@ void SceneResourceTrackerPrivate::update(Resources::iterator entry, const Resour
 {
     entry->type = info.type;
     entry->name = info.name;
+    // cppcheck-suppress duplicateConditionalAssign ; an equal URL keeps the data that it shares
     if (entry->url != info.url)
         entry->url = info.url;
     addMessage(SceneResourceTracker::Message::Updated, *entry);
@@ -367,8 +368,8 @@ void SceneResourceTracker::setRegistrationBlocked(bool blocked)
     Emits, in this order: messagesAdded() if the log is enabled, resourceOwnerAdded() for a new owner,
     resourcesChanged().
 */
-QSharedPointer<ResourceOwnerState>
-SceneResourceTracker::registerResource(IResourceOwner *owner, const ResourceInfo &info)
+QSharedPointer<ResourceOwnerState> SceneResourceTracker::registerResource(IResourceOwner *owner,
+                                                                          const ResourceInfo &info)
 {
     Q_D(SceneResourceTracker);
     QSharedPointer<ResourceOwnerState> state;

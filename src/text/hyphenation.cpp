@@ -31,12 +31,14 @@ struct Rule
 
 // In the order in which they apply: a hyphen that an earlier rule set keeps the later ones from
 // matching across it.
+// clang-format off: one a line
 constexpr Rule hyphenationRules[] = {
     {"xgg"_L1, "x-gg"_L1},     {"xgs"_L1, "x-gs"_L1},       {"xsg"_L1, "x-sg"_L1},
     {"xss"_L1, "x-ss"_L1},     {"ggg"_L1, "g-gg"_L1},       {"ggs"_L1, "g-gs"_L1},
     {"ggx"_L1, "g-gx"_L1},     {"gssg"_L1, "gs-sg"_L1},     {"sgsg"_L1, "sg-sg"_L1},
     {"gsssg"_L1, "gs-ssg"_L1}, {"gssssg"_L1, "gss-ssg"_L1},
 };
+// clang-format on
 
 // What a word gains in hyphens before its class string has to grow.
 constexpr qsizetype usualHyphenCount = 4;

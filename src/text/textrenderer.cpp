@@ -356,7 +356,7 @@ void TextRenderer::setTextWidth(int width)
 {
     const auto fitsWhole = [this](int boxWidth) { return boxWidth >= *d->fineWidth; };
     const bool keepsLayout = !d->needRelayout && d->fineWidth && !d->textElided
-        && (width == 0 || (fitsWhole(d->textWidth) && fitsWhole(width)));
+                             && (width == 0 || (fitsWhole(d->textWidth) && fitsWhole(width)));
 
     d->textWidth = width;
     if (keepsLayout)
@@ -570,8 +570,7 @@ QSize TextRenderer::boundingSize(const QMargins &margins) const
 */
 QRect TextRenderer::boundingRect() const
 {
-    const QPoint origin
-        = d->alignedTextTopLeft.isNull() ? d->textTopLeft : d->alignedTextTopLeft;
+    const QPoint origin = d->alignedTextTopLeft.isNull() ? d->textTopLeft : d->alignedTextTopLeft;
     return boundedRect(origin, d->computeBoundingSize({}));
 }
 

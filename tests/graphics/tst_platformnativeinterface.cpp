@@ -435,6 +435,7 @@ int main(int argc, char **argv)
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     const PlatformNativeInterface early;
     PlatformNativeInterface::init();
+    // cppcheck-suppress danglingLifetime ; both last until the end of the program
     earlyInterface = &early;
     qInstallMessageHandler(nullptr);
 

@@ -10,7 +10,7 @@
 #include <type_traits>
 
 #ifdef Q_OS_LINUX
-#    include <sys/mman.h>
+#  include <sys/mman.h>
 #endif
 
 using namespace ovelin;

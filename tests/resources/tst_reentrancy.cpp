@@ -512,6 +512,7 @@ void tst_Reentrancy::everyReactionToADecision()
             reacting = true;
             ++reactions;
             callback->run(scene);
+            // cppcheck-suppress redundantAssignment ; what is called may come back here
             reacting = false;
         };
         scene.a->onAllow = react;

@@ -11,9 +11,9 @@
 #include <limits>
 
 #ifdef Q_OS_LINUX
-#    include <sys/resource.h>
+#  include <sys/resource.h>
 
-#    include <QFile>
+#  include <QFile>
 #endif
 
 using namespace ovelin;
@@ -293,7 +293,6 @@ void tst_TextLayout::limitReachedOnALaterLine()
     QVERIFY(width > advance(QStringLiteral("aaaa")));
     QVERIFY(width < advance(QStringLiteral("aaaa b")));
 
-    const QString separated = words;
     for (int lines = 1; lines <= 3; ++lines) {
         const Shown shown = layOut({words, width, lines});
         const QString before = words.left(5 * (lines - 1));

@@ -1053,8 +1053,7 @@ void tst_ThrobberRenderer::longUpdateIntervalIsNarrowedAsQTimerDoes()
                                 std::chrono::milliseconds((5LL << 32) + 1)}) {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 10, 0)
         // Later versions of QTimer clamp instead of narrowing, and say so each time.
-        const QRegularExpression clamped(
-            QStringLiteral("^QTimer::setInterval: interval exceeds"));
+        const QRegularExpression clamped(QStringLiteral("^QTimer::setInterval: interval exceeds"));
         QTest::ignoreMessage(QtWarningMsg, clamped);
         QTest::ignoreMessage(QtWarningMsg, clamped);
 #endif

@@ -68,6 +68,8 @@ private:
         return fileName;
     }
 
+    // cppcheck-suppress constParameterReference ; owners are looked up by a pointer that is not
+    // const
     static QSharedPointer<ResourceOwnerState> stateOf(PosterItem &item)
     {
         return ovelin::sceneResourceTracker()->owners().at(&item);

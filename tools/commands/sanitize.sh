@@ -4,24 +4,17 @@
 # An invalid access, a leak or undefined behaviour ends the test, also in a program of ours that the
 # test starts.
 
-# What the two compilers' sanitizers do not look for unless they are told to.
+# What the sanitizers do not look for unless they are told to.
 sanitizer_settings=(
     ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
     UBSAN_OPTIONS=print_stacktrace=1
 )
 
-# Clang's sanitizers are a library that its programs do not find by themselves.
-clang_runtime_folder()
-{
-    dirname "$(inside clang++ -print-file-name=libclang_rt.asan-x86_64.so)"
-}
-
 sanitize_with()
 {
-    local compiler=$1 entries=()
+    local compiler=$1
     shift
-    [[ $compiler != clang ]] || entries+=("-DCMAKE_BUILD_RPATH=$(clang_runtime_folder)")
-    build_tree_as "sanitize-$compiler" "sanitize-$compiler" "${entries[@]}" --
+    build_sanitized "$compiler"
     inside env "${sanitizer_settings[@]}" ctest --test-dir "$tree" --output-on-failure --no-tests=error \
         --timeout 600 --parallel "$(processors)" "$@" \
         || fail "Tests failed under $compiler's sanitizers; what they printed is above." \

@@ -1,0 +1,118 @@
+# lint [CHECK...]
+# Check the sources, the scripts and the binary interface; CHECK limits it to some of the checks.
+#
+# text      line ends, blanks and tabs          tidy      clang-tidy
+# format    clang-format                        clazy     clazy
+# scripts   shellcheck                          headers   each public header compiles alone
+# cppcheck  cppcheck                            abi       as ./dev abi
+#
+# What is suppressed stands with its reason in .clang-tidy, in tools/lint, in tools/.shellcheckrc or
+# beside the line that it is for. A file in which clang-tidy or clazy found nothing is not looked at
+# again before it, a header or the settings change.
+
+readonly lint_checks=(text format scripts cppcheck headers tidy clazy abi)
+readonly lint_marks=$cache/linted
+readonly our_headers='/(include/ovelin|src|examples|tests|benchmarks)/'
+
+# The files as they stand, also those that are not added yet.
+list_files()
+{
+    git ls-files --cached --others --exclude-standard -- "$@"
+}
+
+# As .editorconfig has it.
+check_text()
+{
+    local file faults=0
+    ! git grep --untracked --line-number -I '[[:blank:]]$' -- ':!*.md' >&2 || faults=1
+    ! git grep --untracked --line-number -I --perl-regexp '^ *\t' >&2 || faults=1
+    while IFS= read -r file; do
+        [[ -z $(tail --bytes=1 "$file") ]] || { echo "$file: no line end at the end" >&2 && faults=1; }
+    done < <(git grep --untracked --files-with-matches -I '')
+    return "$faults"
+}
+
+check_format()
+{
+    list_files '*.cpp' '*.h' | inside xargs clang-format --dry-run -Werror >&2
+}
+
+check_scripts()
+{
+    { list_files '*.sh' && git grep --untracked --files-with-matches '^#!.*bash$'; } \
+        | inside xargs shellcheck --external-sources >&2
+}
+
+check_cppcheck()
+{
+    list_files '*.cpp' | inside xargs cppcheck --quiet --error-exitcode=1 -j "$(processors)" \
+        --enable=warning,performance,portability,style --std=c++20 --library=qt -I include -I src \
+        --inline-suppr --suppressions-list=tools/lint/cppcheck.txt >&2
+}
+
+# Also makes what moc writes, which the files of the tests include.
+check_headers()
+{
+    build_sanitized clang all_verify_interface_header_sets autogen
+}
+
+# The tests are left to the other checks: see .clang-tidy.
+check_tidy()
+{
+    list_files 'src/*.cpp' 'examples/*.cpp' 'benchmarks/*.cpp' \
+        | check_each clang-tidy --quiet -p "$tree"
+}
+
+check_clazy()
+{
+    list_files 'src/*.cpp' 'examples/*.cpp' 'benchmarks/*.cpp' 'tests/*.cpp' \
+        | check_each clazy-standalone --checks="$(clazy_checks)" --header-filter="$our_headers" -p "$tree"
+}
+
+clazy_checks()
+{
+    sed 's/#.*//' tools/lint/clazy.txt | awk 'NF { print $1 }' | paste --serial --delimiters=,
+}
+
+check_abi()
+{
+    (abi_check)
+}
+
+# Runs a command on each file that standard input names, several at once.
+check_each()
+{
+    local settings file mark
+    mkdir --parents "$lint_marks"
+    settings=$(lint_settings "$@" | sha256sum)
+    while IFS= read -r file; do
+        mark=$lint_marks/$({ echo "$settings" && cat "$file"; } | sha256sum | cut -c 1-40)
+        [[ -e $mark ]] || printf '%s\n' "$mark" "$file"
+    done | inside xargs --no-run-if-empty --max-procs="$(processors)" --max-args=2 tools/lint/check-file "$@"
+}
+
+# What, besides a file itself, decides what is found in it.
+lint_settings()
+{
+    printf '%s\n' "$toolchain_identity" "${@//$repository/}"
+    list_files '*.h' '*.clang-tidy' | xargs cat
+    sed "s|$repository||g" "$tree/compile_commands.json"
+}
+
+for check; do
+    [[ " ${lint_checks[*]} " == *" $check "* ]] \
+        || fail "There is no check \"$check\"." "There are: ${lint_checks[*]}"
+done
+(($#)) || set -- "${lint_checks[@]}"
+
+use_workshop
+cd "$repository" || exit
+build_sanitized clang all_verify_interface_header_sets autogen
+find "$lint_marks" -mtime +30 -delete 2>/dev/null || true
+failed=()
+for check; do
+    say "Checking: $check"
+    "check_$check" || failed+=("$check")
+done
+((${#failed[@]} == 0)) || fail "Found something: ${failed[*]}; see above." \
+    "Those alone again: ./dev lint ${failed[*]}"
