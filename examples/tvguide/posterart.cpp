@@ -72,8 +72,12 @@ void paintGlobe(Scenery &s)
     }
     s.painter.setPen(Qt::NoPen);
     s.painter.setBrush(s.shade(210));
-    for (int i = 0; i < 5; ++i)
-        s.disc(0.5 + 0.1 * s.variation.next(5), 0.2 + 0.15 * s.variation.next(6), 0.025);
+    for (int i = 0; i < 5; ++i) {
+        // Not among the arguments: compilers compute those in different orders.
+        const double cy = 0.2 + 0.15 * s.variation.next(6);
+        const double cx = 0.5 + 0.1 * s.variation.next(5);
+        s.disc(cx, cy, 0.025);
+    }
 }
 
 void paintFilm(Scenery &s)
@@ -174,8 +178,11 @@ void paintOrbits(Scenery &s)
     s.painter.setBrush(s.shade(245));
     s.painter.drawEllipse(center, 0.1 * s.rect.height(), 0.1 * s.rect.height());
     s.painter.setBrush(s.shade(200));
-    for (int i = 0; i < 3; ++i)
-        s.disc(0.4 + 0.1 * s.variation.next(6), 0.25 + 0.1 * s.variation.next(6), 0.035);
+    for (int i = 0; i < 3; ++i) {
+        const double cy = 0.25 + 0.1 * s.variation.next(6);
+        const double cx = 0.4 + 0.1 * s.variation.next(6);
+        s.disc(cx, cy, 0.035);
+    }
 }
 
 void paintDishes(Scenery &s)
