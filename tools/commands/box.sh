@@ -7,6 +7,7 @@
 # With CTEST ARGS only the tests are run: ./dev box -R textrenderer
 
 source "$repository/tools/box/qt.sh"
+source "$repository/tools/box/rapidcheck.sh"
 source "$repository/tools/box/guide.sh"
 source "$repository/tools/box/cost.sh"
 
@@ -75,7 +76,8 @@ export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}
 
 use_workshop
 box_require_qt
-build_tree_as box box "-DOVELIN_BOX_QT=$box_qt" --
+box_require_rapidcheck
+build_tree_as box box "-DOVELIN_BOX_QT=$box_qt" "-Drapidcheck_DIR=$box_rapidcheck_cmake" --
 if (($#)); then
     box_run_tests "$@"
     exit
