@@ -65,7 +65,7 @@ QString sourceText(const ResourceInfo &info)
 void describeOwner(Message &message, IResourceOwner *owner)
 {
     const QObject *object = owner ? owner->resourceOwnerObject() : nullptr;
-    message.ownerAddress = addressText(reinterpret_cast<qintptr>(object));
+    message.ownerAddress = addressText(object);
     if (object) {
         message.className = QString::fromUtf8(object->metaObject()->className());
         message.objectName = object->objectName();

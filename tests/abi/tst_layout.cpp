@@ -270,7 +270,7 @@ void tst_Layout::addresses()
 {
     QFETCH(const quintptr, address);
     QFETCH(const QString, text);
-    QCOMPARE(addressText(static_cast<qintptr>(address)), text);
+    QCOMPARE(addressText(reinterpret_cast<const void *>(address)), text);
 }
 
 QTEST_GUILESS_MAIN(tst_Layout)
