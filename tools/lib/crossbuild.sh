@@ -4,9 +4,9 @@
 
 readonly crossbuild_toolchain_file=$repository/cmake/toolchains/mipsel-linux-gnu.cmake
 
-# Sets crossbuild_installed: the folder in which it is installed. The version is that of the
-# root's PACKAGE. FETCH is crossbuild_fetch_package or crossbuild_fetch_original; PLACE says where the
-# machine that builds keeps something.
+# Sets crossbuild_installed: the folder in which it is installed. The version is that of the root's
+# PACKAGE. FETCH is crossbuild_fetch_package or crossbuild_fetch_original; PLACE says where the machine
+# that builds keeps something.
 # crossbuild_require TITLE FETCH SOURCE_PACKAGE PACKAGE [-DPLACE=...]... -- [-DENTRY=VALUE]...
 crossbuild_require()
 {
