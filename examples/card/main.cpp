@@ -1,0 +1,88 @@
+// Draws a card for a programme into card.png.
+
+#include <ovelin/abstractresourceowner.h>
+#include <ovelin/brushes.h>
+#include <ovelin/sceneresourcetracker.h>
+#include <ovelin/textrenderer.h>
+#include <ovelin/throbberrenderer.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QLinearGradient>
+#include <QPainter>
+
+#include <cstdio>
+
+// An item on the screen: it files its picture and creates it when it is allowed to.
+class Poster : public QObject, public ovelin::AbstractResourceOwner
+{
+public:
+    Poster() { registerImage(1, QUrl("qrc:/poster.png")); }
+
+    QObject *resourceOwnerObject() override { return this; }
+    void allowResources() override
+    {
+        m_image = QImage(120, 180, QImage::Format_RGB32);
+        m_image.fill(QColor("#8c4a2f"));
+    }
+    void releaseResources() override { m_image = {}; }
+    const QImage &image() const { return m_image; }
+
+private:
+    QImage m_image;
+};
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed to paint into a file
+    const QGuiApplication application(argc, argv);
+
+    // Resources: the application decides which items may hold theirs.
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    Poster poster;
+    for (const auto &[owner, state] : tracker.owners()) {
+        tracker.setStatus(state, ovelin::ResourceOwnerState::CreationAllowed);
+        tracker.allowResources(state);
+    }
+
+    // Graphics: the gradient is rendered once, into a small texture.
+    QImage card(480, 220, QImage::Format_RGB32);
+    QPainter painter(&card);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient gradient(0, 0, 0, card.height());
+    gradient.setColorAt(0, QColor("#16324f"));
+    gradient.setColorAt(1, QColor("#0b1626"));
+    painter.fillRect(card.rect(), ovelin::createTexturedBrush({8, card.height()}, gradient));
+    painter.drawImage(20, 20, poster.image());
+
+    // Text: laid out once, painted as often as you like.
+    QFont font("DejaVu Sans");
+    font.setPixelSize(22);
+    ovelin::TextRenderer description;
+    description.setTextFont(font);
+    description.setTextWidth(300);
+    description.setMaxLineCount(4);
+    description.setText("Путешествие на воздушном шаре: четыре исследователя поднимаются над "
+                        "тайгой, чтобы увидеть месторождения, до которых нет дорог.");
+    description.setTextTopLeft({160, 16});
+    description.relayout();
+    painter.setPen(Qt::white);
+    description.draw(painter);
+
+    // Throbber: on a screen a timer turns it, and updated() says when to repaint.
+    ovelin::ThrobberRenderer throbber;
+    throbber.setPenWidth(6);
+    throbber.setRenderRect({410, 150, 50, 50});
+    throbber.addAngles(300, 120);
+    throbber.draw(painter);
+
+    painter.end();
+    if (!card.save("card.png"))
+        return 1;
+    std::printf("card.png: %zu resource, %s, %s\n", tracker.resources().size(),
+                poster.isResourcesAllowed() ? "allowed" : "not allowed",
+                description.isTextElided() ? "text elided" : "text complete");
+    poster.unregisterResources();
+    ovelin::setSceneResourceTracker(nullptr);
+}

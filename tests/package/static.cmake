@@ -1,0 +1,11 @@
+# Builds a static ovelin into FOLDER.
+
+include(${CMAKE_CURRENT_LIST_DIR}/consumer.cmake)
+
+# Not stripped when it is installed, a static library with debug information would name its sources.
+build_project(${OVELIN_SOURCE} ${FOLDER}
+    -D BUILD_SHARED_LIBS=OFF
+    -D CMAKE_BUILD_TYPE=Release
+    -D OVELIN_BUILD_EXAMPLES=OFF
+    -D OVELIN_BUILD_TESTS=OFF
+)
