@@ -36,7 +36,7 @@ Function platformFunction(const char *name)
     thread.
 
     \since Ovelin 1.0
-    \sa platformNativeInterface()
+    \sa {ovelin}{platformNativeInterface()}
 */
 
 /*!
@@ -101,9 +101,10 @@ void PlatformNativeInterface::setupPainterForTiledPixmap(const QPixmap &pixmap,
 }
 
 /*!
-    \relates PlatformNativeInterface
+    Returns the installed interface, or null while there is none, as at first.
 
-    Returns the installed interface, or null while there is none.
+    \since Ovelin 1.0
+    \sa setPlatformNativeInterface(), PlatformNativeInterface
 */
 PlatformNativeInterface *platformNativeInterface()
 {
@@ -111,9 +112,11 @@ PlatformNativeInterface *platformNativeInterface()
 }
 
 /*!
-    \relates PlatformNativeInterface
+    Installs \a interface for all; null uninstalls. The application keeps the ownership of both the old
+    and the new interface, and uninstalls one before it destroys it.
 
-    Installs \a interface for all; null uninstalls. The application keeps the ownership.
+    \since Ovelin 1.0
+    \sa platformNativeInterface(), PlatformNativeInterface
 */
 void setPlatformNativeInterface(PlatformNativeInterface *interface)
 {

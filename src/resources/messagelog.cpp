@@ -110,7 +110,7 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
     \brief One event in the life of a resource, told in ready-made texts.
 
     \since Ovelin 1.0
-    \sa SceneResourceTracker::messages()
+    \sa ovelin::SceneResourceTracker::messages()
 */
 
 /*!

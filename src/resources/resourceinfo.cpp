@@ -106,7 +106,7 @@ IResourceOwner::~IResourceOwner() = default;
     \brief One resource that an owner intends to create.
 
     \since Ovelin 1.0
-    \sa SceneResourceTracker::registerResource()
+    \sa ovelin::SceneResourceTracker::registerResource()
 */
 
 /*!

@@ -269,7 +269,7 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
     A slot must not destroy the tracker, nor an item that is executing one of its own operations.
 
     \since Ovelin 1.0
-    \sa sceneResourceTracker(), AbstractResourceOwner
+    \sa {ovelin}{sceneResourceTracker()}, AbstractResourceOwner
 */
 
 /*!
@@ -506,9 +506,10 @@ void SceneResourceTracker::clear()
 }
 
 /*!
-    \relates SceneResourceTracker
+    Returns the installed tracker, or null while there is none, as at first.
 
-    Returns the installed tracker, or null while there is none.
+    \since Ovelin 1.0
+    \sa setSceneResourceTracker(), SceneResourceTracker
 */
 SceneResourceTracker *sceneResourceTracker()
 {
@@ -516,10 +517,11 @@ SceneResourceTracker *sceneResourceTracker()
 }
 
 /*!
-    \relates SceneResourceTracker
-
     Installs \a tracker for all owners; null uninstalls. The application keeps the ownership of both
     the old and the new tracker, and uninstalls a tracker before it destroys it.
+
+    \since Ovelin 1.0
+    \sa sceneResourceTracker(), SceneResourceTracker
 */
 void setSceneResourceTracker(SceneResourceTracker *tracker)
 {

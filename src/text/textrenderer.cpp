@@ -615,7 +615,7 @@ void TextRenderer::draw(QPainter &painter) const
 }
 
 /*!
-    \relates TextRenderer
+    \relates ovelin::TextRenderer
 
     Paints the text of \a renderer with \a painter and \a pen so that its top left corner, as aligned,
     lies on the painter's origin.

@@ -55,11 +55,13 @@ struct NamedFunction
     QFunctionPointer function;
 };
 
+//! [functions]
 const NamedFunction tiledFunctions[] = {
     {"createTiledPixmap", reinterpret_cast<QFunctionPointer>(createTiledPixmap)},
     {"setupPainterForTiledPixmap", reinterpret_cast<QFunctionPointer>(setupPainterForTiledPixmap)},
     {"createTiledBuffer", reinterpret_cast<QFunctionPointer>(createTiledBuffer)},
 };
+//! [functions]
 
 TiledPlatform *thisPlatform()
 {

@@ -1,0 +1,44 @@
+"""Fails unless every link and every picture of the pages in a folder leads somewhere: checklinks.py FOLDER
+
+Links to other sites are not followed.
+"""
+
+import sys
+from html.parser import HTMLParser
+from pathlib import Path
+from urllib.parse import unquote, urlsplit
+
+
+class Page(HTMLParser):
+    def __init__(self, file):
+        super().__init__()
+        self.targets = set()
+        self.anchors = set()
+        self.feed(file.read_text(encoding="utf-8"))
+
+    def handle_starttag(self, tag, attributes):
+        for name, value in attributes:
+            if name in ("href", "src"):
+                self.targets.add(value)
+            elif name in ("id", "name"):
+                self.anchors.add(value)
+
+
+def broken_links(folder):
+    pages = {file.name: Page(file) for file in folder.glob("*.html")}
+    for name, page in sorted(pages.items()):
+        for target in sorted(page.targets):
+            parts = urlsplit(target)
+            if parts.scheme:
+                continue
+            file = unquote(parts.path) or name
+            if not (folder / file).is_file():
+                yield f"{name}: {target}: no such file"
+            elif parts.fragment and file in pages and unquote(parts.fragment) not in pages[file].anchors:
+                yield f"{name}: {target}: no such place in the page"
+    if not pages:
+        yield f"{folder}: no pages"
+
+
+faults = list(broken_links(Path(sys.argv[1])))
+sys.exit("\n".join(faults) if faults else 0)
