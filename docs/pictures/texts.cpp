@@ -58,8 +58,8 @@ void drawHyphenation(Canvas &canvas)
         ovelin::TextRenderer text = textInColumn(enabled ? 0 : 1, 3);
         text.setMaxLineCount(enough);
         text.setHyphenationEnabled(enabled);
-        drawLaidOut(canvas,
-                    QString("setHyphenationEnabled(%1)").arg(enabled ? "true" : "false"), text);
+        drawLaidOut(canvas, QString("setHyphenationEnabled(%1)").arg(enabled ? "true" : "false"),
+                    text);
     }
 }
 

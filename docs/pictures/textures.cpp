@@ -34,11 +34,9 @@ void drawTextures(Canvas &canvas)
     constexpr int high = 72;
     const int length = ovelin::chooseGradientLength(wide);
     const QBrush across = ovelin::createTexturedBrush(length, gradientTo({double(length), 0}));
-    const QBrush down
-        = ovelin::createTexturedBrush({narrow, high}, gradientTo({0, double(high)}));
+    const QBrush down = ovelin::createTexturedBrush({narrow, high}, gradientTo({0, double(high)}));
 
-    fillPanel(canvas, {20, 40, length, length}, across,
-              QString("%1 x %1 pixels").arg(length));
+    fillPanel(canvas, {20, 40, length, length}, across, QString("%1 x %1 pixels").arg(length));
     fillPanel(canvas, {180, 40, narrow, high}, down,
               QString("%1 x %2 pixels").arg(narrow).arg(high));
     fillPanel(canvas, {340, 40, 400, high}, down, "the second one fills a panel");

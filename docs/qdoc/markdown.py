@@ -85,7 +85,7 @@ class Page:
         language = self.lines.pop(0)[3:]
         self.out.append(r"\code" if language == "cpp" else r"\badcode")
         while not self.lines[0].startswith("```"):
-            self.out.append(escape(self.lines.pop(0)))
+            self.out.append(self.lines.pop(0))
         self.lines.pop(0)
         self.out.append(r"\endcode")
 

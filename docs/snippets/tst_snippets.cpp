@@ -89,7 +89,7 @@ private Q_SLOTS:
     void resources();
     void messageLog();
     void text();
-    void sharedLayout();
+    void lookingAtALayout();
     void throbber();
     void throbberByHand();
     void gradient();
@@ -172,7 +172,7 @@ void tst_Snippets::text()
     QVERIFY(description.displayText().contains('\n'));
 }
 
-void tst_Snippets::sharedLayout()
+void tst_Snippets::lookingAtALayout()
 {
     ovelin::TextRenderer description;
     description.setTextFont(sampleFont());
@@ -185,8 +185,8 @@ void tst_Snippets::sharedLayout()
     const QStringList lines = description.displayText().split('\n');
     for (const QString &line : lines)
         qInfo("|%s|", qPrintable(line));
-    qInfo("elided: %d, size: %dx%d", description.isTextElided(),
-          description.boundingSize().width(), description.boundingSize().height());
+    qInfo("elided: %d, size: %dx%d", description.isTextElided(), description.boundingSize().width(),
+          description.boundingSize().height());
     //! [inspect]
     QVERIFY(lines.size() > 1);
 }
@@ -211,7 +211,7 @@ void tst_Snippets::throbber()
 
     painter.end();
     QVERIFY(!isBlank(image));
-    QTRY_VERIFY(repaints > 0);
+    QVERIFY(QTest::qWaitFor([&repaints] { return repaints > 0; }));
 }
 
 void tst_Snippets::throbberByHand()
@@ -253,8 +253,9 @@ void tst_Snippets::gradient()
 void tst_Snippets::tiledPixmap()
 {
     const QSize size(64, 64);
-    const auto paintBackground
-        = [size](QPainter &painter) { painter.fillRect(QRect(QPoint(), size), Qt::darkBlue); };
+    const auto paintBackground = [size](QPainter &painter) {
+        painter.fillRect(QRect(QPoint(), size), Qt::darkBlue);
+    };
 
     //! [tiled]
     // Once, behind the QGuiApplication:

@@ -28,6 +28,7 @@ Function platformFunction(const char *name)
 /*!
     \class ovelin::PlatformNativeInterface
     \inmodule Ovelin
+    \inheaderfile ovelin/platformnativeinterface.h
     \brief Access to the tiled pixmaps that the box's Qt platform plug-in may offer.
 
     The functions are looked up once, by QGuiApplication::platformFunction(), when an object is

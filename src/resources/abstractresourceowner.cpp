@@ -64,6 +64,7 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
 /*!
     \class ovelin::AbstractResourceOwner
     \inmodule Ovelin
+    \inheaderfile ovelin/abstractresourceowner.h
     \brief The base class of items that file their resources with the installed tracker.
 
     It does the bookkeeping of IResourceOwner: it registers and unregisters resources with the tracker

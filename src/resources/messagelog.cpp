@@ -107,6 +107,7 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
 /*!
     \class ovelin::SceneResourceTracker::Message
     \inmodule Ovelin
+    \inheaderfile ovelin/sceneresourcetracker.h
     \brief One event in the life of a resource, told in ready-made texts.
 
     \since Ovelin 1.0

@@ -5,6 +5,7 @@ namespace ovelin {
 /*!
     \class ovelin::IResourceOwner
     \inmodule Ovelin
+    \inheaderfile ovelin/resourceinfo.h
     \brief The interface through which the tracker reaches the item that owns resources.
 
     Items on the screen implement it, as a rule by deriving from AbstractResourceOwner. The tracker
@@ -42,6 +43,7 @@ IResourceOwner::~IResourceOwner() = default;
 /*!
     \class ovelin::ResourceOwnerState
     \inmodule Ovelin
+    \inheaderfile ovelin/resourceinfo.h
     \brief What is known of one owner of resources: one record, shared by all who look at it.
 
     The tracker creates the record when an owner that it does not know registers its first resource.
@@ -103,6 +105,7 @@ IResourceOwner::~IResourceOwner() = default;
 /*!
     \class ovelin::ResourceInfo
     \inmodule Ovelin
+    \inheaderfile ovelin/resourceinfo.h
     \brief One resource that an owner intends to create.
 
     \since Ovelin 1.0

@@ -236,6 +236,7 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
 /*!
     \class ovelin::SceneResourceTracker
     \inmodule Ovelin
+    \inheaderfile ovelin/sceneresourcetracker.h
     \brief The registry in which the items on the screen file the graphic resources they create.
 
     The tracker keeps one list of all resources and one shared ResourceOwnerState per owner. It

@@ -173,6 +173,7 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
 /*!
     \class ovelin::TextRenderer
     \inmodule Ovelin
+    \inheaderfile ovelin/textrenderer.h
     \brief A piece of text that is laid out once in a box and then painted cheaply again and again.
 
     A renderer holds the text with its font, width, line limit, alignment and position. Setters record

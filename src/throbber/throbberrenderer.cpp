@@ -126,6 +126,7 @@ void ThrobberRendererPrivate::shrink(double step)
 /*!
     \class ovelin::ThrobberRenderer
     \inmodule Ovelin
+    \inheaderfile ovelin/throbberrenderer.h
     \brief An animated busy indicator: a faint circle with a bright arc that turns clockwise while it
     grows and shrinks.
 
