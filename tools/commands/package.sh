@@ -61,6 +61,7 @@ try_debian_packages()
     mkdir "$tryout"
     cp --recursive "$repository/tools/package/tryout.sh" "$repository/examples/card" "$tryout"
     cp "$packages"/libovelin{1,-dev,-doc}_*.deb "$tryout"
+    # shellcheck disable=SC2016 # mmdebstrap gives the hook its argument
     TMPDIR=$root_work_folder mmdebstrap --quiet --variant=apt --format=null \
         --dpkgopt=force-unsafe-io "${settings[@]}" \
         --include=cmake,fonts-dejavu-core,g++,ninja-build,pkgconf,qt6-base-dev \

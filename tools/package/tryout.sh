@@ -32,7 +32,7 @@ run_card()
 
 build_by_cmake()
 {
-    cmake -G Ninja -S card -B by-cmake >cmake.log && cmake --build by-cmake >>cmake.log \
+    { cmake -G Ninja -S card -B by-cmake && cmake --build by-cmake; } >cmake.log \
         || { cat cmake.log; exit 1; }
 }
 
