@@ -23,6 +23,24 @@ function(build_project source tree)
     execute(${CMAKE_COMMAND} --build ${tree} --config ${CMAKE_BUILD_TYPE})
 endfunction()
 
+# build_consumer(<source> <tree> <prefix>)
+#
+# Builds a project that is to find the ovelin in the prefix.
+function(build_consumer source tree prefix)
+    set(arguments "-DCMAKE_PREFIX_PATH=${prefix};${CMAKE_PREFIX_PATH}")
+    if(CMAKE_TOOLCHAIN_FILE)
+        # A tool chain has packages looked for in its own folders alone.
+        set(arguments "-DOvelin_DIR=${prefix}/${LIBRARY_FOLDER}/cmake/Ovelin")
+    endif()
+    build_project(${source} ${tree} "${arguments}")
+
+    file(STRINGS ${tree}/CMakeCache.txt found REGEX "^Ovelin_DIR:")
+    string(FIND "${found}" "${prefix}" place)
+    if(place EQUAL -1)
+        message(FATAL_ERROR "CMake found another ovelin: ${found}")
+    endif()
+endfunction()
+
 # run_card(<program>)
 #
 # Fails unless the example says and draws what it should.

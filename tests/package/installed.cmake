@@ -22,18 +22,7 @@ function(check_relocatable prefix)
 endfunction()
 
 function(consume_by_cmake prefix tree)
-    set(arguments "-DCMAKE_PREFIX_PATH=${prefix};${CMAKE_PREFIX_PATH}")
-    if(CMAKE_TOOLCHAIN_FILE)
-        # A tool chain has packages looked for in its own folders alone.
-        set(arguments "-DOvelin_DIR=${prefix}/${LIBRARY_FOLDER}/cmake/Ovelin")
-    endif()
-    build_project(${OVELIN_SOURCE}/examples/card ${tree} "${arguments}")
-
-    file(STRINGS ${tree}/CMakeCache.txt found REGEX "^Ovelin_DIR:")
-    string(FIND "${found}" "${prefix}" place)
-    if(place EQUAL -1)
-        message(FATAL_ERROR "CMake found another ovelin: ${found}")
-    endif()
+    build_consumer(${OVELIN_SOURCE}/examples/card ${tree} ${prefix})
     run_card(${tree}/card)
 endfunction()
 
