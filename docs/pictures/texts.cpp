@@ -55,7 +55,7 @@ void drawHyphenation(Canvas &canvas)
 {
     constexpr int enough = 9;
     for (const bool enabled : {true, false}) {
-        ovelin::TextRenderer text = textInColumn(enabled ? 0 : 1, 3);
+        ovelin::TextRenderer text = textInColumn(enabled ? 0 : 1, 2);
         text.setMaxLineCount(enough);
         text.setHyphenationEnabled(enabled);
         drawLaidOut(canvas, QString("setHyphenationEnabled(%1)").arg(enabled ? "true" : "false"),

@@ -1,7 +1,8 @@
 """Turns Markdown files of this repository into pages for QDoc: markdown.py FOLDER FILE...
 
-Knows what those files use: headings, paragraphs, lists, tables, fenced code, and in the text code, bold
-and links. A heading that it cannot place, or a link to another file, is an error.
+Knows what those files use: headings, paragraphs, lists, tables, fenced code, and in the text code, bold,
+emphasis and links. A file that begins without a heading is an error, and so is, to QDoc, a link to a file that is
+no page.
 """
 
 import re
@@ -22,7 +23,8 @@ def span(part):
     link = re.fullmatch(r"\[([^]]+)\]\(([^)]+)\)", part)
     if link:
         return r"\l {%s}{%s}" % (target(link[2]), escape(link[1]))
-    return re.sub(r"\*\*([^*]+)\*\*", r"\\b {\1}", escape(part))
+    part = re.sub(r"\*\*([^*]+)\*\*", r"\\b {\1}", escape(part))
+    return re.sub(r"\*([^*]+)\*", r"\\e {\1}", part)
 
 
 def target(address):
