@@ -1,4 +1,5 @@
-"""Fails unless every link and every picture of the pages in a folder leads somewhere: checklinks.py FOLDER
+"""Fails unless every link and every picture of the pages in a folder leads somewhere, and the help project
+beside them names all that they consist of: checklinks.py FOLDER
 
 Links to other sites are not followed.
 """
@@ -40,5 +41,14 @@ def broken_links(folder):
         yield f"{folder}: no pages"
 
 
-faults = list(broken_links(Path(sys.argv[1])))
-sys.exit("\n".join(faults) if faults else 0)
+def files_missing_in_help(folder):
+    project = (folder / "ovelin.qhp").read_text(encoding="utf-8")
+    for file in sorted(folder.rglob("*")):
+        name = file.relative_to(folder).as_posix()
+        if file.suffix in (".html", ".png", ".css") and f"<file>{name}</file>" not in project:
+            yield f"{name}: not in the help file"
+
+
+folder = Path(sys.argv[1])
+faults = [*broken_links(folder), *files_missing_in_help(folder)]
+sys.exit("\n".join(faults) or 0)
