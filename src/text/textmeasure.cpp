@@ -9,8 +9,8 @@ namespace {
 // No character is that wide, the longest ligatures of sentences included.
 constexpr int widestCharacterInEms = 16;
 
-// Letters of most scripts are about half as wide as high.
-constexpr double usualCharacterInEms = 0.5;
+// Letters of most scripts are a little over half as wide as high.
+constexpr double usualCharacterInEms = 0.55;
 
 // In a line of narrow letters stand that many times as many as in one of usual ones, and some more.
 constexpr double narrowLetters = 2;

@@ -126,10 +126,9 @@ BrokenText TextRendererPrivate::breakText(double limit) const
 {
     if (!textIsWellFormed)
         return {.text = text, .elided = false, .widerThanLimit = false};
-    return breakIntoLines(text, font,
-                          {.width = limit,
-                           .maxLineCount = maxLineCount,
-                           .hyphenationEnabled = hyphenationEnabled});
+    return breakIntoLines(
+        text, font,
+        {.width = limit, .maxLineCount = maxLineCount, .hyphenationEnabled = hyphenationEnabled});
 }
 
 // The text is aligned as a whole by moving it, not by Qt inside the static text.

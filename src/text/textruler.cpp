@@ -1,8 +1,5 @@
 #include "textruler_p.h"
 
-#include <QGlyphRun>
-#include <QTextLayout>
-
 #include <algorithm>
 #include <cmath>
 
@@ -30,50 +27,9 @@ bool isReadable(QChar c)
                        [c](CharacterRange range) { return c >= range.first && c <= range.last; });
 }
 
-// Where each character begins, and the last one ends.
-using Positions = std::vector<double>;
-
-// All at once. A character without a glyph is part of a ligature with the one before it. Nothing
-// where Qt does not say which glyph is whose, as Qt 6.8 does not where several fonts make up a
-// line.
-std::optional<Positions> positionsOfGlyphs(const QTextLine &line)
-{
-    constexpr double noGlyph = -1;
-    Positions positions(static_cast<size_t>(line.textLength()) + 1, noGlyph);
-    positions.back() = line.cursorToX(line.textLength());
-
-    qsizetype previous = -1;
-    for (const QGlyphRun &run : line.glyphRuns(
-             -1, -1, QTextLayout::RetrieveGlyphPositions | QTextLayout::RetrieveStringIndexes)) {
-        const QList<qsizetype> characters = run.stringIndexes();
-        const QList<QPointF> glyphs = run.positions();
-        for (qsizetype i = 0; i < characters.size(); ++i) {
-            if (characters.at(i) <= previous)
-                return std::nullopt;
-            previous = characters.at(i);
-            positions[static_cast<size_t>(previous)] = glyphs.at(i).x();
-        }
-    }
-
-    size_t known = 0;
-    for (size_t i = 1; i < positions.size(); ++i) {
-        if (positions[i] == noGlyph)
-            continue;
-        const double step = (positions[i] - positions[known]) / double(i - known);
-        while (++known < i)
-            positions[known] = positions[known - 1] + step;
-    }
-    return positions;
-}
-
-// One by one, which takes several times as long.
-Positions positionsOfCursors(const QTextLine &line)
-{
-    Positions positions;
-    for (int character = 0; character <= line.textLength(); ++character)
-        positions.push_back(line.cursorToX(character));
-    return positions;
-}
+// Kerning between letters takes a fifth of this, and less at spaces; most of a ligature that a range cuts
+// in two takes more.
+constexpr double tolerableEms = 0.5;
 
 } // namespace
 
@@ -84,7 +40,7 @@ TextRuler::TextRuler(const QFont &font)
 
 double TextRuler::tolerance() const
 {
-    return 0.5 * m_font.pixelSize() + std::abs(m_font.wordSpacing());
+    return tolerableEms * m_font.pixelSize() + std::abs(m_font.wordSpacing());
 }
 
 std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsizetype to,
@@ -98,12 +54,7 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
             from + std::max(stretchLength, to - from > stretchLength ? 2 * (to - from) : 0));
     if (to > m_end)
         return std::nullopt;
-    return x(to) - x(from);
-}
-
-double TextRuler::x(qsizetype position) const
-{
-    return m_positions[static_cast<size_t>(position - m_shift)];
+    return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();
 }
 
 void TextRuler::textInserted(qsizetype before, qsizetype size)
@@ -123,13 +74,8 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
     m_end = from + stretch.size();
     m_endsEarly = unreadable != wanted.end();
 
-    QTextLayout layout(stretch.toString(), m_font);
-    layout.beginLayout();
-    QTextLine line = layout.createLine();
-    line.setNumColumns(static_cast<int>(stretch.size()));
-    auto positions = positionsOfGlyphs(line);
-    m_positions = positions ? std::move(*positions) : positionsOfCursors(line);
-    layout.endLayout();
+    m_stretch.emplace(stretch.toString(), m_font);
+    m_stretch->itemize();
 }
 
 } // namespace ovelin

@@ -3,8 +3,9 @@
 
 #include <QtGui/qfont.h>
 
+#include <private/qtextengine_p.h>
+
 #include <optional>
-#include <vector>
 
 namespace ovelin {
 
@@ -33,14 +34,13 @@ public:
 
 private:
     void shapeStretch(QStringView text, qsizetype from, qsizetype to);
-    double x(qsizetype position) const;
 
     const QFont m_font;
-    std::vector<double> m_positions; // in the stretch
-    qsizetype m_shift = 0;           // where it began, moved as its end was by changes of the text
-    qsizetype m_begin = 0;           // where it still agrees with the text, from
-    qsizetype m_end = -1;            // and up to; before the first stretch, nowhere
-    bool m_endsEarly = false;        // before a character that the ruler cannot read
+    std::optional<QStackTextEngine> m_stretch;
+    qsizetype m_shift = 0;    // where it began, moved as its end was by changes of the text
+    qsizetype m_begin = 0;    // where it still agrees with the text, from
+    qsizetype m_end = -1;     // and up to; before the first stretch, nowhere
+    bool m_endsEarly = false; // before a character that the ruler cannot read
 };
 
 } // namespace ovelin

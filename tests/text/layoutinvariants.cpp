@@ -45,7 +45,8 @@ QString quoted(const QString &text)
 QString comparison(const char *what, const QString &shown, const QString &expected)
 {
     return QString::fromLatin1(what)
-        + QStringLiteral("\n   shown    %1\n   expected %2").arg(quoted(shown), quoted(expected));
+           + QStringLiteral("\n   shown    %1\n   expected %2")
+                 .arg(quoted(shown), quoted(expected));
 }
 
 // All that a caller can see of a layout.
@@ -73,7 +74,7 @@ struct Appearance
         if (boundingSize != expected.boundingSize || boundingRect != expected.boundingRect
             || geometry != expected.geometry || alignedTextTopLeft != expected.alignedTextTopLeft)
             return QString::fromLatin1(what)
-                + QStringLiteral(": %1, expected %2").arg(described(), expected.described());
+                   + QStringLiteral(": %1, expected %2").arg(described(), expected.described());
         return {};
     }
 
@@ -112,7 +113,7 @@ void resetAlignment(TextRenderer &renderer)
 // A hyphen before a break stands in the source or was put in: both ways are followed.
 bool isSourceWithBreaks(const QString &shown, const QString &source, Extent extent)
 {
-    std::set<qsizetype> places{0};   // how much of the source is shown so far, one for each way
+    std::set<qsizetype> places{0};    // how much of the source is shown so far, one for each way
     std::set<qsizetype> atPutInBreak; // the same where a hyphen was put in and its break comes next
 
     for (qsizetype i = 0; i < shown.size(); ++i) {
@@ -141,8 +142,8 @@ QString sourceViolation(const TextRenderer &renderer)
 
     if (!renderer.isTextElided()) {
         return isSourceWithBreaks(shown, source, Extent::All)
-            ? QString()
-            : comparison("not the source with breaks", shown, source);
+                   ? QString()
+                   : comparison("not the source with breaks", shown, source);
     }
     if (shown.isEmpty())
         return {};
@@ -152,8 +153,8 @@ QString sourceViolation(const TextRenderer &renderer)
     if (!beginning.isEmpty() && isTrimmedBeforeEllipsis(beginning.back()))
         return comparison("not trimmed before the ellipsis", shown, source);
     return isSourceWithBreaks(beginning, source, Extent::Beginning)
-        ? QString()
-        : comparison("not the beginning of the source with breaks", shown, source);
+               ? QString()
+               : comparison("not the beginning of the source with breaks", shown, source);
 }
 
 // Newlines stay in a text that is to have one line. Behind half a character, which a word may be split
@@ -234,9 +235,9 @@ QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &
 
 QString layoutViolation(TextRenderer &renderer, int availableHeight)
 {
-    for (const QString &violation : {sourceViolation(renderer), lineLimitViolation(renderer),
-                                     copyViolation(renderer), repetitionViolation(renderer),
-                                     geometryViolation(renderer, availableHeight)}) {
+    for (const QString &violation :
+         {sourceViolation(renderer), lineLimitViolation(renderer), copyViolation(renderer),
+          repetitionViolation(renderer), geometryViolation(renderer, availableHeight)}) {
         if (!violation.isEmpty())
             return violation;
     }

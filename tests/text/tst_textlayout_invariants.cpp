@@ -68,20 +68,17 @@ rc::Gen<Setup> anySetup()
     return rc::gen::build<Setup>(
         rc::gen::set(&Setup::bytes, anyBytes()),
         rc::gen::set(&Setup::pixelSize, rc::gen::element(20, 1, 11, 27, 40)),
-        rc::gen::set(&Setup::letterSpacing, rc::gen::weightedElement<int>(
-                                                {{8, 0}, {1, -3}, {1, 5}, {1, 30}, {1, -30}})),
-        rc::gen::set(&Setup::maxLineCount, anySize(6)),
-        rc::gen::set(&Setup::width, anySize(300)),
-        rc::gen::set(&Setup::widthIsMaximal),
-        rc::gen::set(&Setup::hyphenationEnabled),
-        rc::gen::set(&Setup::format,
-                     rc::gen::weightedElement<Qt::TextFormat>({{8, Qt::PlainText},
-                                                               {2, Qt::AutoText},
-                                                               {1, Qt::MarkdownText},
-                                                               {1, Qt::RichText}})),
-        rc::gen::set(&Setup::alignment, rc::gen::element<Qt::Alignment>(
-                                            Qt::AlignLeft, Qt::AlignCenter,
-                                            Qt::AlignRight | Qt::AlignBottom)),
+        rc::gen::set(&Setup::letterSpacing,
+                     rc::gen::weightedElement<int>({{8, 0}, {1, -3}, {1, 5}, {1, 30}, {1, -30}})),
+        rc::gen::set(&Setup::maxLineCount, anySize(6)), rc::gen::set(&Setup::width, anySize(300)),
+        rc::gen::set(&Setup::widthIsMaximal), rc::gen::set(&Setup::hyphenationEnabled),
+        rc::gen::set(
+            &Setup::format,
+            rc::gen::weightedElement<Qt::TextFormat>(
+                {{8, Qt::PlainText}, {2, Qt::AutoText}, {1, Qt::MarkdownText}, {1, Qt::RichText}})),
+        rc::gen::set(&Setup::alignment,
+                     rc::gen::element<Qt::Alignment>(Qt::AlignLeft, Qt::AlignCenter,
+                                                     Qt::AlignRight | Qt::AlignBottom)),
         rc::gen::set(&Setup::availableHeight, anySize(200)),
         rc::gen::set(&Setup::topLeft, rc::gen::construct<QPoint>(anySize(100), anySize(100))));
 }
