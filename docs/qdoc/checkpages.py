@@ -1,13 +1,19 @@
-"""Fails unless every link and every picture of the pages in a folder leads somewhere, and the help project
-beside them names all that they consist of: checklinks.py FOLDER
+"""Fails unless the pages that QDoc made are whole: checkpages.py FOLDER NM LIBRARY
 
-Links to other sites are not followed.
+Every link and every picture leads somewhere, links to other sites aside; the help project names every file;
+and every function that the shared library exports is documented, of which QDoc itself says nothing.
 """
 
+import re
+import subprocess
 import sys
+import xml.etree.ElementTree as xml
 from html.parser import HTMLParser
 from pathlib import Path
 from urllib.parse import unquote, urlsplit
+
+# What moc writes.
+GENERATED = {"metaObject", "qt_metacall", "qt_metacast"}
 
 
 class Page(HTMLParser):
@@ -49,6 +55,25 @@ def files_missing_in_help(folder):
             yield f"{name}: not in the help file"
 
 
+def undocumented_functions(folder, nm, library):
+    index = xml.parse(folder / "ovelin.index")
+    # A free function that is told of on the page of a class or a header has only its own name there.
+    documented = {element.get("fullname") or "ovelin::" + element.get("name")
+                  for element in index.iter("function")}
+    symbols = subprocess.run([nm, "--dynamic", "--defined-only", "--demangle", library],
+                             check=True, capture_output=True, text=True).stdout
+    exported = set(re.findall(r" T (ovelin::[\w:~]+)\(", symbols))
+    if not exported:
+        yield f"{library}: exports nothing"
+    for name in sorted(exported - documented):
+        if name.rpartition("::")[2] not in GENERATED:
+            yield f"{name}(): not documented"
+
+
 folder = Path(sys.argv[1])
-faults = [*broken_links(folder), *files_missing_in_help(folder)]
+faults = [
+    *broken_links(folder),
+    *files_missing_in_help(folder),
+    *undocumented_functions(folder, *sys.argv[2:]),
+]
 sys.exit("\n".join(faults) or 0)
