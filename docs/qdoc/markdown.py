@@ -21,6 +21,8 @@ def span(part):
     if part.startswith("`"):
         return r"\c {%s}" % escape(part[1:-1])
     link = re.fullmatch(r"\[([^]]+)\]\(([^)]+)\)", part)
+    if link and link[1].endswith(".md"):
+        return r"\l {%s}" % target(link[2])
     if link:
         return r"\l {%s}{%s}" % (target(link[2]), escape(link[1]))
     part = re.sub(r"\*\*([^*]+)\*\*", r"\\b {\1}", escape(part))
