@@ -48,6 +48,7 @@ require_mmdebstrap()
 {
     command -v mmdebstrap >/dev/null \
         || apt_install "trying the packages out" mmdebstrap debian-archive-keyring
+    is_administrator || root_require_user_ids
 }
 
 # What the packages themselves need is there before: what they leave behind is theirs alone.
