@@ -2,6 +2,8 @@
 
 #include <QTest>
 
+#include <algorithm>
+#include <climits>
 #include <memory>
 #include <type_traits>
 
@@ -59,6 +61,8 @@ private Q_SLOTS:
     void registeredImage();
     void registeredResource_data();
     void registeredResource();
+    void anyIdentifier_data();
+    void anyIdentifier();
     void registeringAgainUpdates();
     void registeringTakesTheStateReturned();
     void eachCallReadsTheInstalledTracker();
@@ -226,6 +230,33 @@ void tst_AbstractResourceOwner::registeredResource()
     QCOMPARE(entry.type, type);
     QCOMPARE(entry.ownerState, item.state());
     QCOMPARE(item.state()->resourceCount, 2);
+}
+
+void tst_AbstractResourceOwner::anyIdentifier_data()
+{
+    QTest::addColumn<int>("id");
+
+    for (const int id : {INT_MIN, -1, 0, INT_MAX})
+        QTest::addRow("%d", id) << id;
+}
+
+void tst_AbstractResourceOwner::anyIdentifier()
+{
+    QFETCH(const int, id);
+    const InstalledTracker tracker;
+    Item item;
+
+    QVERIFY(item.registerImage(7, poster));
+    QVERIFY(item.registerImage(id, poster));
+    QVERIFY(item.registerResource(id, u"row"_s, ResourceInfo::PaintedItem));
+    QCOMPARE(tracker.resources().size(), std::size_t(2));
+    const auto entry = std::ranges::find(tracker.resources(), id, &ResourceInfo::id);
+    QVERIFY(entry != tracker.resources().end());
+    QCOMPARE(entry->type, ResourceInfo::PaintedItem);
+
+    item.unregisterResource(id);
+    QCOMPARE(tracker.resources().size(), std::size_t(1));
+    QCOMPARE(tracker.resources().front().id, 7);
 }
 
 void tst_AbstractResourceOwner::registeringAgainUpdates()

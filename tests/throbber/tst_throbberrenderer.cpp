@@ -165,6 +165,8 @@ private Q_SLOTS:
     void tickStepsFollowTheInterval();
     void updateIntervalIsStored_data();
     void updateIntervalIsStored();
+    void runsWithAnyInterval_data();
+    void runsWithAnyInterval();
     void longUpdateIntervalIsNarrowedAsQTimerDoes();
     void updateIntervalChangesTheNextStep();
     void updateIntervalKeepsTheTimersState();
@@ -1033,7 +1035,8 @@ void tst_ThrobberRenderer::updateIntervalIsStored_data()
     QTest::newRow("greatest") << std::chrono::milliseconds(maxInt);
 #if QT_VERSION < QT_VERSION_CHECK(6, 10, 0)
     // Later versions of QTimer warn.
-    QTest::newRow("negative") << -5ms;
+    QTest::newRow("negative") << -1ms;
+    QTest::newRow("least") << std::chrono::milliseconds(minInt);
 #endif
 }
 
@@ -1044,6 +1047,28 @@ void tst_ThrobberRenderer::updateIntervalIsStored()
     ThrobberRenderer throbber(nullptr);
     throbber.setUpdateInterval(interval);
     QCOMPARE(throbber.updateInterval(), interval);
+    QVERIFY(!throbber.isRunning());
+}
+
+void tst_ThrobberRenderer::runsWithAnyInterval_data()
+{
+    updateIntervalIsStored_data();
+}
+
+void tst_ThrobberRenderer::runsWithAnyInterval()
+{
+    QFETCH(const std::chrono::milliseconds, interval);
+    if (interval < 0ms) {
+        const QRegularExpression refused(QStringLiteral("negative interval"));
+        QTest::ignoreMessage(QtWarningMsg, refused);
+    }
+
+    ThrobberRenderer throbber(nullptr);
+    throbber.setUpdateInterval(interval);
+    throbber.setRunning(true);
+    QCOMPARE(throbber.isRunning(), interval >= 0ms);
+    QCoreApplication::processEvents();
+    throbber.setRunning(false);
     QVERIFY(!throbber.isRunning());
 }
 
