@@ -1,0 +1,36 @@
+# mutate [SUBSYSTEM] [--every N]
+# Change the library at one place at a time and tell whether the tests notice.
+#
+# The subsystems are the folders of src; the tests of each are in the folder of tests of the same name.
+# With --every N only each N-th change is tried: all of them take an hour and more. Changes that no test
+# could notice are listed with their reasons in tools/mutate/equivalent.txt. Fails below 95 %.
+
+readonly least_caught=95
+
+mutate()
+{
+    inside nice --adjustment=19 python3 "$repository/tools/mutate/mutate.py" "$repository" \
+        "$repository/build/$toolchain/mutate" "$least_caught" --jobs "$(processors)" "$@"
+}
+
+subsystems=()
+if (($#)) && [[ $1 != --* ]]; then
+    [[ -d $repository/src/$1 ]] || fail "There is no subsystem \"$1\"." "The folders of src are the subsystems."
+    subsystems=("$1")
+    shift
+else
+    for folder in "$repository"/src/*/; do
+        subsystems+=("$(basename "$folder")")
+    done
+fi
+
+# The tests that try many texts try fewer.
+export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}
+
+use_workshop
+failed=()
+for subsystem in "${subsystems[@]}"; do
+    mutate "$subsystem" "$@" || failed+=("$subsystem")
+done
+((${#failed[@]} == 0)) || fail "Too many changes went unnoticed: ${failed[*]}; they are listed above." \
+    "Mend the tests, or list what is equivalent in tools/mutate/equivalent.txt."
