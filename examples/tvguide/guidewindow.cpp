@@ -104,7 +104,8 @@ void GuideWindow::paintLog(QPainter &painter) const
     const int messages = std::max(0, inside.height() / lineHeight - 1);
     painter.setClipRect(inside);
     int baseline = inside.top() + lineHeight;
-    for (const QString &line : m_log.table(static_cast<std::size_t>(messages))) {
+    const QStringList lines = m_log.table(static_cast<std::size_t>(messages));
+    for (const QString &line : lines) {
         painter.drawText(inside.left(), baseline, line);
         baseline += lineHeight;
     }
