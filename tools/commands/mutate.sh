@@ -9,7 +9,7 @@ readonly least_caught=95
 
 mutate()
 {
-    inside nice --adjustment=19 python3 "$repository/tools/mutate/mutate.py" "$repository" \
+    inside python3 "$repository/tools/mutate/mutate.py" "$repository" \
         "$repository/build/$toolchain/mutate" "$least_caught" --jobs "$(processors)" "$@"
 }
 

@@ -8,6 +8,7 @@ stands in equivalent.txt, with the reason, and is not tried.
 import argparse
 import concurrent.futures
 import json
+import os
 import pathlib
 import queue
 import re
@@ -197,6 +198,8 @@ def main():
         benches.put(Workbench(arguments.repository, arguments.folder / f"{arguments.subsystem}-{number}",
                               arguments.subsystem))
 
+    # It takes long, and nobody waits for it.
+    os.nice(19)
     counts = {file: {"caught": 0, "survived": 0, "not compiled": 0} for file in files}
 
     def attempt(mutant):

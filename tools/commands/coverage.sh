@@ -1,0 +1,31 @@
+# coverage [CTEST ARGS]
+# Count which lines and branches of the library the tests reach: build/coverage/index.html
+#
+# Fails below 99 % of the lines or 95 % of the branches that our code decides. The tables are also
+# written to build/coverage/lines.txt and branches.txt; why a few places are not reached is told in
+# tools/uncovered.txt.
+
+readonly coverage_results=$repository/build/coverage
+readonly least_lines=99
+readonly least_branches=95
+
+# Branches that only an exception takes, or that the compiler made for itself, are not ours.
+report_coverage()
+{
+    mkdir --parents "$coverage_results"
+    inside_repository gcovr --root . --filter src/ --filter include/ -j "$(processors)" \
+        --exclude-throw-branches --exclude-unreachable-branches \
+        --fail-under-line "$least_lines" --fail-under-branch "$least_branches" \
+        --html-details "$coverage_results/index.html" "$@" "$tree"
+}
+
+use_workshop
+# The example is no test of the library, and what counts is linked into it as no package has it.
+build_tree_as coverage coverage -DOVELIN_BUILD_EXAMPLES=OFF --
+find "$tree" -name '*.gcda' -delete
+inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 600 \
+    --exclude-regex "^package_" --parallel "$(processors)" "$@" \
+    || fail "Tests failed; what they printed is above."
+report_coverage --txt-metric branch --txt "$coverage_results/branches.txt" >/dev/null || true
+report_coverage --txt --print-summary | tee "$coverage_results/lines.txt" \
+    || fail "Too little is covered; build/coverage/index.html shows what is missing."
