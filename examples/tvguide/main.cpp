@@ -131,7 +131,7 @@ int main(int argc, char *argv[])
         return Success;
     }
 
-    const Options &options = std::get<Options>(commandLine);
+    const auto &options = std::get<Options>(commandLine);
     const QString guideFile =
         options.guideFile.isEmpty() ? QString(embeddedGuide) : options.guideFile;
     const XmltvResult read = readXmltv(guideFile, options.language, complain);

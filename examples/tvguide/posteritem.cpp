@@ -25,7 +25,7 @@ using ovelin::ResourceOwnerState;
 // too much memory or time even so is not read at all.
 constexpr QSize maxSourceSize(640, 360);
 constexpr qint64 maxSourcePixels = 40'000'000;
-constexpr qint64 maxFileSize = 16 * 1024 * 1024;
+constexpr qint64 maxFileSize = 16LL * 1024 * 1024;
 
 constexpr int bytesPerPixel = 4;
 

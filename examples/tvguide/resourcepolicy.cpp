@@ -86,13 +86,10 @@ std::vector<ResourcePolicy::Candidate> ResourcePolicy::candidates() const
                               .isVisible = m_screen.intersects(state->geometry),
                               .distance = (state->geometry.center() - m_focus).manhattanLength()});
     }
-    std::sort(candidates.begin(), candidates.end(), [](const Candidate &a, const Candidate &b) {
-        const auto key = [](const Candidate &c) {
-            const QRect &place = c.state->geometry;
-            return std::tuple(!c.isVisible, -importance(*c.state), c.distance, place.top(),
-                              place.left(), neededBytes(*c.state));
-        };
-        return key(a) < key(b);
+    std::ranges::sort(candidates, {}, [](const Candidate &c) {
+        const QRect &place = c.state->geometry;
+        return std::tuple(!c.isVisible, -importance(*c.state), c.distance, place.top(),
+                          place.left(), neededBytes(*c.state));
     });
     return candidates;
 }

@@ -172,8 +172,8 @@ void XmltvReader::readChannel()
             const QString language = m_xml.attributes().value("lang"_L1).toString();
             const QString text = readText();
             // Guides give the number of a channel as one more of its names.
-            const bool isNumber = std::all_of(text.begin(), text.end(),
-                                              [](QChar c) { return c >= u'0' && c <= u'9'; });
+            const bool isNumber =
+                std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
             if (isNumber && number.isEmpty())
                 number = text;
             else if (!isNumber)

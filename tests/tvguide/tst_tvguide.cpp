@@ -33,8 +33,8 @@ struct Run
 Run run(const QStringList &arguments,
         const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
 {
-    QStringList command = QString::fromLatin1(TVGUIDE_EMULATOR).split(u'|', Qt::SkipEmptyParts);
-    command += QString::fromLatin1(TVGUIDE_COMMAND);
+    QStringList command = QStringLiteral(TVGUIDE_EMULATOR).split(u'|', Qt::SkipEmptyParts);
+    command += QStringLiteral(TVGUIDE_COMMAND);
     command += arguments;
 
     QProcess process;
