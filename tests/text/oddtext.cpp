@@ -7,6 +7,7 @@ namespace ovelin::tests {
 
 namespace {
 
+// clang-format off: eight a row
 constexpr std::array<std::u16string_view, 0x40> oddities = {
     // 0x80: breaks and spaces
     u"\u2028",
@@ -81,6 +82,7 @@ constexpr std::array<std::u16string_view, 0x40> oddities = {
     u"&shy;",
     u"1-2",
 };
+// clang-format on
 constexpr uchar firstOddity = 0x80;
 constexpr uchar firstRussianLetter = 0xc0;
 
