@@ -7,7 +7,7 @@
 #include "support/texts.h"
 
 #ifdef OVELIN_BENCHMARK_PANGO
-#    include "contenders/pangotext.h"
+#  include "contenders/pangotext.h"
 #endif
 
 #include <ovelin/textrenderer.h>

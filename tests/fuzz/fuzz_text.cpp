@@ -103,8 +103,8 @@ void Subject::set(FuzzedDataProvider &data)
         m_renderer.setTextFont(anyFont(data));
         break;
     case 1:
-        m_renderer.setTextFormat(data.PickValueInArray(
-            {Qt::PlainText, Qt::RichText, Qt::AutoText, Qt::MarkdownText}));
+        m_renderer.setTextFormat(
+            data.PickValueInArray({Qt::PlainText, Qt::RichText, Qt::AutoText, Qt::MarkdownText}));
         break;
     case 2:
         m_renderer.setTextAlignment(Qt::Alignment::fromInt(anyInt(data)));

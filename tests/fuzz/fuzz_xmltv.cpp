@@ -62,9 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
     QByteArray file(reinterpret_cast<const char *>(bytes), qsizetype(size));
     QBuffer buffer(&file);
     buffer.open(QIODevice::ReadOnly);
-    const XmltvResult result
-        = readXmltv(buffer, u"guide.xml"_s, u"ru"_s,
-                    [](const QString &line) { requireNone(problemViolation(line)); });
+    const XmltvResult result = readXmltv(buffer, u"guide.xml"_s, u"ru"_s, [](const QString &line) {
+        requireNone(problemViolation(line));
+    });
     requireNone(guideViolation(result.guide));
     for (const Channel &channel : result.guide.channels()) {
         for (const Programme &programme : channel.programmes)

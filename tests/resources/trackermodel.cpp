@@ -73,12 +73,24 @@ QRect TrackerStep::geometry() const
 QString TrackerStep::described() const
 {
     static constexpr const char *names[kindCount] = {
-        "RegisterDirectly", "UnregisterDirectly", "UnregisterAllDirectly",
-        "RegisterImage",    "Register",           "Unregister",
-        "UnregisterAll",    "SetStatus",          "Allow",
-        "Release",          "SetGeometry",        "TakeOwnerOut",
-        "Clear",            "SetLogEnabled",      "ClearLog",
-        "SetBlocked",       "SetInstalled",       "Destroy",
+        "RegisterDirectly",
+        "UnregisterDirectly",
+        "UnregisterAllDirectly",
+        "RegisterImage",
+        "Register",
+        "Unregister",
+        "UnregisterAll",
+        "SetStatus",
+        "Allow",
+        "Release",
+        "SetGeometry",
+        "TakeOwnerOut",
+        "Clear",
+        "SetLogEnabled",
+        "ClearLog",
+        "SetBlocked",
+        "SetInstalled",
+        "Destroy",
     };
     return u"%1 place %2 id %3 number %4 flag %5"_s.arg(QLatin1StringView(names[kind]))
         .arg(place)
@@ -113,13 +125,13 @@ void TrackerModel::apply(const TrackerStep &step)
         break;
     case TrackerStep::RegisterImage:
         if (mayRegister)
-            item.heldState = registerResource(item.item, image(step.id, step.info().url.toString()));
+            item.heldState =
+                registerResource(item.item, image(step.id, step.info().url.toString()));
         break;
     case TrackerStep::Register:
         if (mayRegister) {
             const ResourceInfo info = step.info();
-            item.heldState
-                = registerResource(item.item, named(info.id, info.name, info.type));
+            item.heldState = registerResource(item.item, named(info.id, info.name, info.type));
         }
         break;
     case TrackerStep::Unregister:
@@ -183,9 +195,8 @@ std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
         return std::nullopt;
     const int state = step.number % int(states.size());
     const std::optional<int> owner = states[std::size_t(state)].owner;
-    const bool isThere = std::any_of(items.begin(), items.end(), [&](const ItemAtPlace &item) {
-        return owner == item.item;
-    });
+    const bool isThere = std::any_of(items.begin(), items.end(),
+                                     [&](const ItemAtPlace &item) { return owner == item.item; });
     return owner && !isThere ? std::nullopt : std::optional(state);
 }
 
@@ -229,9 +240,10 @@ int TrackerModel::registerResource(int item, const ResourceInfo &info)
 
 void TrackerModel::unregisterResource(int item, int id)
 {
-    const auto entry = std::find_if(resources.begin(), resources.end(), [&](const Entry &candidate) {
-        return belongsTo(candidate, item) && candidate.id == id;
-    });
+    const auto entry =
+        std::find_if(resources.begin(), resources.end(), [&](const Entry &candidate) {
+            return belongsTo(candidate, item) && candidate.id == id;
+        });
     if (entry == resources.end())
         return;
     addMessage(*entry, Message::Unregistered);
@@ -385,8 +397,8 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
     Item *const item = items[std::size_t(step.place)].get();
     const ResourceInfo info = step.info();
     const std::optional<int> usable = model.usableState(step);
-    const auto state
-        = usable ? m_states[std::size_t(*usable)] : QSharedPointer<ResourceOwnerState>();
+    const auto state =
+        usable ? m_states[std::size_t(*usable)] : QSharedPointer<ResourceOwnerState>();
 
     switch (step.kind) {
     case TrackerStep::RegisterDirectly:
@@ -491,8 +503,8 @@ TrackerModel TrackerSubject::model() const
     result.installed = sceneResourceTracker() == &tracker;
     result.messages = tracker.messages();
     for (const auto &state : m_states) {
-        result.states.push_back({state->status, itemNumber(state->owner), state->resourceCount,
-                                 state->geometry});
+        result.states.push_back(
+            {state->status, itemNumber(state->owner), state->resourceCount, state->geometry});
     }
     for (const ResourceInfo &info : tracker.resources()) {
         result.resources.push_back(
@@ -562,9 +574,8 @@ QString TrackerSubject::difference(const TrackerModel &expected) const
     }
 
     if (!std::equal(actual.messages.begin(), actual.messages.end(), expected.messages.begin(),
-                    expected.messages.end(), [](const Message &a, const Message &b) {
-                        return asTuple(a) == asTuple(b);
-                    }))
+                    expected.messages.end(),
+                    [](const Message &a, const Message &b) { return asTuple(a) == asTuple(b); }))
         return u"messages %1\n   expected %2"_s.arg(described(actual.messages),
                                                     described(expected.messages));
     for (const Message &message : actual.messages) {

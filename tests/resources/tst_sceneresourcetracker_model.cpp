@@ -50,10 +50,9 @@ rc::Gen<CommandPointer> anyCommand(const TrackerModel &)
                      [](int kind) { return static_cast<TrackerStep::Kind>(kind); }),
         rc::gen::inRange(0, placeCount), rc::gen::inRange(0, highestId + 1),
         rc::gen::inRange(0, highestNumber + 1), rc::gen::arbitrary<bool>());
-    return rc::gen::map(
-        step, [](const TrackerStep &made) -> CommandPointer {
-            return std::make_shared<StepCommand>(made);
-        });
+    return rc::gen::map(step, [](const TrackerStep &made) -> CommandPointer {
+        return std::make_shared<StepCommand>(made);
+    });
 }
 
 } // namespace

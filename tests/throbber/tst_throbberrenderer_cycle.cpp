@@ -35,8 +35,8 @@ private Q_SLOTS:
 
 void tst_ThrobberRendererCycle::anyStepsFollowTheRules()
 {
-    const auto anySteps
-        = rc::gen::container<std::vector<Step>>(rc::gen::pair(anyDegrees(), anyDegrees()));
+    const auto anySteps =
+        rc::gen::container<std::vector<Step>>(rc::gen::pair(anyDegrees(), anyDegrees()));
     checkProperty(400, [&] {
         const auto throbber = makeThrobber();
         Animation expected;

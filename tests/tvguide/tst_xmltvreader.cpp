@@ -289,8 +289,8 @@ void tst_XmltvReader::quotesSafely()
 void tst_XmltvReader::quotesTheFaultOfAFileSafely()
 {
     for (const QByteArray &name : {QByteArray("a\x1b"), QByteArray(1000, 'a')}) {
-        const Reading reading
-            = readBytes("<?xml version='1.0' " + name + QByteArray("\0='1'?>\n<tv/>\n", 14));
+        const Reading reading =
+            readBytes("<?xml version='1.0' " + name + QByteArray("\0='1'?>\n<tv/>\n", 14));
         QCOMPARE(reading.problems.size(), 1);
         QVERIFY(reading.problems[0].contains(u": a"_s));
         QVERIFY(reading.problems[0].size() < 300);
