@@ -12,6 +12,7 @@ readonly abi_entries=(
     -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=OFF
     -DCMAKE_CXX_FLAGS=-fdebug-prefix-map=/usr/include=/system
     "-DOVELIN_BUILD_"{TESTS,EXAMPLES,PROBES}"=OFF"
+    -DOVELIN_INSTALL=OFF
 )
 
 # Sets abi_library.

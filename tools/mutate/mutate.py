@@ -128,7 +128,7 @@ class Workbench:
                 shutil.copy2(original, copy)
         self.run("cmake", "-G", "Ninja", "-S", self.source, "-B", self.build, "-DCMAKE_BUILD_TYPE=None",
                  "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
-                 "-DOVELIN_BUILD_EXAMPLES=OFF")
+                 "-DOVELIN_BUILD_EXAMPLES=OFF", "-DOVELIN_INSTALL=OFF")
         self.compile()
         self.durations = {}
         for name in self.test_names():
