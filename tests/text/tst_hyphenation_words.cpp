@@ -1,0 +1,165 @@
+#include "text/hyphenation_p.h"
+#include "textsupport.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <array>
+#include <numeric>
+
+using namespace ovelin;
+using namespace ovelin::tests;
+using namespace Qt::StringLiterals;
+
+// Every word of a Russian dictionary is divided as the rules say, which are written down here once more:
+// letter by letter and as slowly as they can be read.
+
+namespace {
+
+constexpr auto dictionary = "/usr/share/hunspell/ru_RU.dic"_L1;
+constexpr int fewestWords = 100'000;
+constexpr int reducedStep = 100; // of so many words one is tried under a slow tool
+
+constexpr std::array lineWidths{10, 40, 70, 110, 1000};
+
+struct Rule
+{
+    QString before;
+    QString after;
+};
+
+const std::array rules{
+    Rule{u"xgg"_s, u"x-gg"_s},     Rule{u"xgs"_s, u"x-gs"_s},     Rule{u"xsg"_s, u"x-sg"_s},
+    Rule{u"xss"_s, u"x-ss"_s},     Rule{u"ggg"_s, u"g-gg"_s},     Rule{u"ggs"_s, u"g-gs"_s},
+    Rule{u"ggx"_s, u"g-gx"_s},     Rule{u"gssg"_s, u"gs-sg"_s},   Rule{u"sgsg"_s, u"sg-sg"_s},
+    Rule{u"gsssg"_s, u"gs-ssg"_s}, Rule{u"gssssg"_s, u"gss-ssg"_s},
+};
+
+QChar classOf(QChar letter)
+{
+    if (u"аеёиоуыэюя"_s.contains(letter))
+        return u'g';
+    if (u"бвгджзклмнпрстфхцчшщ"_s.contains(letter))
+        return u's';
+    if (u"йьъ"_s.contains(letter))
+        return u'x';
+    return letter;
+}
+
+QString appliedOnce(const Rule &rule, const QString &classes)
+{
+    QString result;
+    for (qsizetype place = 0; place < classes.size();) {
+        if (classes.mid(place, rule.before.size()) == rule.before) {
+            result += rule.after;
+            place += rule.before.size();
+        } else {
+            result += classes.at(place);
+            ++place;
+        }
+    }
+    return result;
+}
+
+// How many letters stand before each hyphen, the word's own ones not counted as letters either.
+QList<int> placesOf(const QString &word)
+{
+    QString classes;
+    for (const QChar letter : word)
+        classes += classOf(letter.toLower());
+    for (const Rule &rule : rules)
+        classes = appliedOnce(rule, appliedOnce(rule, classes));
+
+    QList<int> places;
+    int letters = 0;
+    for (const QChar c : std::as_const(classes)) {
+        if (c == hyphen)
+            places.append(letters);
+        else
+            ++letters;
+    }
+    return places;
+}
+
+// The last place before which everything fits; 0 if not even the first one does, -1 if there is none.
+int expectedPoint(const QList<int> &places, const std::function<bool(qsizetype)> &fits)
+{
+    if (places.isEmpty())
+        return -1;
+    int point = 0;
+    for (const int place : places) {
+        if (!fits(place))
+            break;
+        point = place;
+    }
+    return point;
+}
+
+QStringList dictionaryWords()
+{
+    QFile file(dictionary);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList words;
+    file.readLine(); // how many there are
+    while (!file.atEnd())
+        words.append(QString::fromUtf8(file.readLine()).section(u'/', 0, 0).trimmed());
+    return words;
+}
+
+} // namespace
+
+class tst_HyphenationWords : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void dividesEveryWordAsTheRulesSay();
+};
+
+void tst_HyphenationWords::initTestCase()
+{
+    if (!QFile::exists(dictionary))
+        QSKIP("The Russian dictionary of Hunspell is missing.");
+    QVERIFY(isTestFontInstalled());
+}
+
+void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
+{
+    const QStringList words = dictionaryWords();
+    QCOMPARE_GT(words.size(), fewestWords);
+
+    QHash<QChar, double> advances;
+    const QFontMetricsF metrics(pixelFont());
+    const auto advanceOf = [&](QChar letter) {
+        if (!advances.contains(letter))
+            advances.insert(letter, metrics.horizontalAdvance(letter));
+        return advances.value(letter);
+    };
+
+    qsizetype divided = 0;
+    const qsizetype step = isRunReduced() ? reducedStep : 1;
+    for (qsizetype i = 0; i < words.size(); i += step) {
+        const QString word = words.at(i) + u' ';
+        const QList<int> places = placesOf(word);
+        for (const int lineWidth : lineWidths) {
+            const auto fits = [&](qsizetype kept) {
+                const QString part = word.left(kept) + hyphen;
+                return std::accumulate(part.begin(), part.end(), 0.0, [&](double width, QChar c) {
+                           return width + advanceOf(c);
+                       }) < lineWidth;
+            };
+            const int point = hyphenationPoint(word, fits);
+            QVERIFY2(point == expectedPoint(places, fits), qPrintable(word));
+            divided += point > 0;
+        }
+    }
+    QCOMPARE_GT(divided, words.size() / step);
+    qInfo("%lld words at %d widths, divided %lld times", qlonglong((words.size() - 1) / step + 1),
+          int(lineWidths.size()), qlonglong(divided));
+}
+
+QTEST_MAIN(tst_HyphenationWords)
+
+#include "tst_hyphenation_words.moc"
