@@ -25,19 +25,21 @@ IResourceOwner::~IResourceOwner() = default;
     \fn QObject *ovelin::IResourceOwner::resourceOwnerObject()
 
     Returns the object that stands for the owner in the tracker's messages, which show its address,
-    class name and object name. Must not return null.
+    class name and object name. Must not return null, nor call the tracker.
 */
 
 /*!
     \fn void ovelin::IResourceOwner::allowResources()
 
-    Called by SceneResourceTracker::allowResources(): the owner may create its resources now.
+    Called by SceneResourceTracker::allowResources(): the owner may create its resources now. It may
+    call the tracker back, and may be destroyed from inside this call.
 */
 
 /*!
     \fn void ovelin::IResourceOwner::releaseResources()
 
-    Called by SceneResourceTracker::releaseResources(): the owner gives its resources up.
+    Called by SceneResourceTracker::releaseResources(): the owner gives its resources up. It may call
+    the tracker back, and may be destroyed from inside this call.
 */
 
 /*!

@@ -251,10 +251,12 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
     nor dereferences except to call them in allowResources() and releaseResources() and to describe
     them in messages. Finding an entry takes a walk over the list; owners are found by a hash.
 
-    \section1 Slots that call back
+    \section1 Slots and owners that call back
 
-    Signals are emitted from inside the operation that causes them. A slot that is connected directly
-    may call every function of the tracker and of any owner, and may destroy other items:
+    Signals are emitted from inside the operation that causes them, and a decision reaches its owner
+    from inside allowResources() and releaseResources(). A slot that is connected directly, and an owner
+    that is told of a decision, may call every function of the tracker and of any owner, and may destroy
+    other items:
 
     \list
     \li every entry is handled once: an entry whose removal is being announced is not removed, found
@@ -267,7 +269,9 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
         registration announces itself even when a slot has already removed what it filed.
     \endlist
 
-    A slot must not destroy the tracker, nor an item that is executing one of its own operations.
+    Neither may destroy the tracker, nor an item that is executing one of its own operations. An owner
+    that is told of a decision may destroy itself. IResourceOwner::resourceOwnerObject() must not call
+    back: it is asked while a message is being written.
 
     \since Ovelin 1.0
     \sa {ovelin}{sceneResourceTracker()}, AbstractResourceOwner
