@@ -144,7 +144,8 @@ void ThrobberRendererPrivate::shrink(double step)
 /*!
     \fn void ovelin::ThrobberRenderer::updated()
 
-    Emitted once at the end of each addAngles(), which the timer calls too: the picture has changed.
+    Emitted once at the end of each addAngles(), which the timer calls too: the picture has changed. A
+    slot may call every function of the throbber, and may destroy it.
 */
 
 /*!

@@ -177,6 +177,8 @@ private Q_SLOTS:
     void canBeStoppedFromItsSignal();
     void timerBelongsToNobodyElse();
     void canBeDestroyedWhileRunning();
+    void canBeDestroyedByASlot_data();
+    void canBeDestroyedByASlot();
 };
 
 void tst_ThrobberRenderer::init()
@@ -1262,6 +1264,29 @@ void tst_ThrobberRenderer::canBeDestroyedWhileRunning()
     other.setRunning(true);
     QVERIFY(QTest::qWaitFor([&] { return otherUpdated.size() >= 3; }));
     QCOMPARE(ticks, ticksOfALife);
+}
+
+void tst_ThrobberRenderer::canBeDestroyedByASlot_data()
+{
+    QTest::addColumn<bool>("byTheTimer");
+
+    QTest::newRow("of a step by hand") << false;
+    QTest::newRow("of a tick") << true;
+}
+
+void tst_ThrobberRenderer::canBeDestroyedByASlot()
+{
+    QFETCH(const bool, byTheTimer);
+
+    const QPointer<ThrobberRenderer> throbber = new ThrobberRenderer(nullptr);
+    connect(throbber, &ThrobberRenderer::updated, this, [throbber] { delete throbber; });
+
+    if (byTheTimer)
+        throbber->setRunning(true);
+    else
+        throbber->addAngles(3, 6);
+
+    QVERIFY(QTest::qWaitFor([&] { return throbber.isNull(); }));
 }
 
 QTEST_MAIN(tst_ThrobberRenderer)
