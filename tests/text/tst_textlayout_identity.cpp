@@ -286,6 +286,8 @@ private Q_SLOTS:
     void agreesInFontsThatAreHardToRead();
     void reachesWhatCountingReaches_data();
     void reachesWhatCountingReaches();
+    void agreesInExtremelySetFonts_data();
+    void agreesInExtremelySetFonts();
     void resultsAreRepeatable();
 
 private:
@@ -514,6 +516,37 @@ void tst_TextLayoutIdentity::reachesWhatCountingReaches()
         }
         if (reduced)
             return;
+    }
+}
+
+// Qt's positions overflow in such a font.
+void tst_TextLayoutIdentity::agreesInExtremelySetFonts_data()
+{
+    QTest::addColumn<double>("spacing");
+
+    for (const double spacing : {-1e9, -33554432.0, -2e5, 2e5, 33554432.0, 1e9})
+        QTest::addRow("%g", spacing) << spacing;
+}
+
+void tst_TextLayoutIdentity::agreesInExtremelySetFonts()
+{
+    QFETCH(double, spacing);
+
+    ReferenceInput input;
+    input.font = pixelFont(27);
+    input.font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    const QString text = QStringLiteral(" ~ сообщение на-экране");
+    for (const int repetitions : {1, 20}) {
+        input.text = text.repeated(repetitions);
+        for (const int lines : {0, 1, 2, 5, 300}) {
+            input.maxLineCount = lines;
+            for (const int width : {1, 20, 500, 1'000'000}) {
+                input.textWidth = width;
+                compare(input);
+                if (QTest::currentTestFailed())
+                    return;
+            }
+        }
     }
 }
 
