@@ -96,6 +96,7 @@ private:
     bool countLine();
     void startLine(qsizetype start);
     void insert(qsizetype position, const QString &characters);
+    qsizetype characterStart(qsizetype position) const;
     QString range(qsizetype from, qsizetype to) const;
 
     const LineLimits m_limits;
@@ -150,12 +151,6 @@ BrokenText LineBreaker::run()
 
 bool LineBreaker::nextCandidate()
 {
-    // A split inside a surrogate pair leaves a text in which the pattern finds nothing.
-    const bool beginsInsidePair =
-        m_wordStart < m_text.size() && m_text.at(m_wordStart).isLowSurrogate();
-    if (beginsInsidePair)
-        return false;
-
     qsizetype separator = -1;
     do {
         // The text is known to be well-formed.
@@ -228,7 +223,10 @@ bool LineBreaker::splitWord()
     // Lower-casing can lengthen a word, and put the point behind the end of the text.
     while (m_wordStart + kept >= m_text.size() && loadText()) {
     }
-    const qsizetype splitPoint = std::min(m_wordStart + kept, m_text.size() - 1);
+    const qsizetype splitPoint = characterStart(std::min(m_wordStart + kept, m_text.size() - 1));
+    if (splitPoint <= m_wordStart)
+        return false;
+
     const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
     insert(splitPoint, lineEnd);
     startLine(splitPoint + lineEnd.size());
@@ -319,7 +317,7 @@ void LineBreaker::elide()
     if (!shown.isEmpty()) {
         cut = m_lineStart + shown.size() - 1;
         if (metrics.horizontalAdvance(shown) > m_limits.width)
-            --cut;
+            cut = characterStart(cut - 1);
     }
     if (cut >= 0)
         m_text.replace(cut, 1, ellipsis);
@@ -410,6 +408,15 @@ void LineBreaker::insert(qsizetype position, const QString &characters)
     m_text.insert(position, characters);
     m_inserted += characters.size();
     m_measure.textInserted(position + characters.size(), characters.size());
+}
+
+// Of two positions inside a surrogate pair, the one in front of it.
+qsizetype LineBreaker::characterStart(qsizetype position) const
+{
+    const bool isInsidePair = position > 0 && position < m_text.size()
+                              && m_text.at(position).isLowSurrogate()
+                              && m_text.at(position - 1).isHighSurrogate();
+    return isInsidePair ? position - 1 : position;
 }
 
 // A range that ends before it begins is empty.

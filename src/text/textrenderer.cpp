@@ -29,6 +29,21 @@ QString withLineSeparators(QString text)
     return text.replace(newline, lineSeparator);
 }
 
+QString withWholeCharacters(QString text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!text.at(i).isSurrogate())
+            continue;
+        const bool isPair =
+            text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+        if (isPair)
+            ++i;
+        else
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 // Bounded like the positions that make it up: QRect keeps its right and bottom edge as ints.
 QRect boundedRect(const QPoint &topLeft, const QSize &size)
 {
@@ -121,13 +136,13 @@ void TextRendererPrivate::breakAtLimit()
     staticText.setText(broken.text);
 }
 
-// In a text with a surrogate alone the pattern for breaks finds none.
+// The pattern for breaks finds none in a text with a surrogate that stands alone: a broadcaster's broken
+// character would keep all of the text from being broken.
 BrokenText TextRendererPrivate::breakText(double limit) const
 {
-    if (!textIsWellFormed)
-        return {.text = text, .elided = false, .widerThanLimit = false};
+    const QString wellFormed = textIsWellFormed ? text : withWholeCharacters(text);
     return breakIntoLines(
-        text, font,
+        wellFormed, font,
         {.width = limit, .maxLineCount = maxLineCount, .hyphenationEnabled = hyphenationEnabled});
 }
 

@@ -71,6 +71,12 @@ QString withHyphens(QString classes)
     return classes;
 }
 
+bool splitsPair(const QString &text, qsizetype position)
+{
+    return position >= 1 && position < text.size() && text.at(position - 1).isHighSurrogate()
+           && text.at(position).isLowSurrogate();
+}
+
 } // namespace
 
 int referenceHyphenationPoint(const QString &line, const QString &word, int wordOffset,
@@ -133,7 +139,8 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
     const qsizetype mostSeparators = std::max<qsizetype>(leastSeparatorsBeforeHyphen, text.size());
     const QRegularExpression pattern(QStringLiteral("( |\u2028|-[^\\d])"));
 
-    QString workText = text + u' ';
+    // What stands alone of a surrogate pair is shown, and broken, as the replacement character.
+    QString workText = withWholeCharacters(text) + u' ';
     qint64 lineCount = 0;
     qsizetype lineStart = 0;
     qsizetype wordStart = 0;
@@ -181,6 +188,8 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
                     }
                 }
             }
+            if (splitsPair(workText, wordStart + k))
+                --k;
             if (k >= 1) {
                 workText.insert(wordStart + k, lineSeparator);
                 if (hyphenated)
@@ -245,6 +254,8 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
             if (!e.isEmpty()) {
                 const bool tooWide = metrics.horizontalAdvance(e) > W;
                 c = lineStart + e.size() - (tooWide ? 2 : 1);
+                if (tooWide && splitsPair(workText, c))
+                    --c;
             }
             workText.replace(c, 1, QChar(ellipsis));
             workText.truncate(c + 1);

@@ -6,6 +6,7 @@
 #include <QFont>
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QList>
 #include <QString>
 
 #include <cmath>
@@ -31,6 +32,16 @@ inline bool isTestFontInstalled()
 inline double advance(const QString &text, const QFont &font = pixelFont())
 {
     return QFontMetricsF(font).horizontalAdvance(text);
+}
+
+// What stands alone of a surrogate pair is shown as the replacement character.
+inline QString withWholeCharacters(const QString &text)
+{
+    QString result;
+    for (const char32_t c : text.toUcs4())
+        result +=
+            QChar::fromUcs4(QChar::isSurrogate(c) ? char32_t(QChar::ReplacementCharacter) : c);
+    return result;
 }
 
 // The advance in whole pixels with the two pixels of margin.

@@ -29,9 +29,9 @@ struct Rule
 };
 
 const std::array rules{
-    Rule{u"xgg"_s, u"x-gg"_s},     Rule{u"xgs"_s, u"x-gs"_s},     Rule{u"xsg"_s, u"x-sg"_s},
-    Rule{u"xss"_s, u"x-ss"_s},     Rule{u"ggg"_s, u"g-gg"_s},     Rule{u"ggs"_s, u"g-gs"_s},
-    Rule{u"ggx"_s, u"g-gx"_s},     Rule{u"gssg"_s, u"gs-sg"_s},   Rule{u"sgsg"_s, u"sg-sg"_s},
+    Rule{u"xgg"_s, u"x-gg"_s},     Rule{u"xgs"_s, u"x-gs"_s},       Rule{u"xsg"_s, u"x-sg"_s},
+    Rule{u"xss"_s, u"x-ss"_s},     Rule{u"ggg"_s, u"g-gg"_s},       Rule{u"ggs"_s, u"g-gs"_s},
+    Rule{u"ggx"_s, u"g-gx"_s},     Rule{u"gssg"_s, u"gs-sg"_s},     Rule{u"sgsg"_s, u"sg-sg"_s},
     Rule{u"gsssg"_s, u"gs-ssg"_s}, Rule{u"gssssg"_s, u"gss-ssg"_s},
 };
 
@@ -146,9 +146,9 @@ void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
         for (const int lineWidth : lineWidths) {
             const auto fits = [&](qsizetype kept) {
                 const QString part = word.left(kept) + hyphen;
-                return std::accumulate(part.begin(), part.end(), 0.0, [&](double width, QChar c) {
-                           return width + advanceOf(c);
-                       }) < lineWidth;
+                return std::accumulate(part.begin(), part.end(), 0.0,
+                                       [&](double width, QChar c) { return width + advanceOf(c); })
+                       < lineWidth;
             };
             const int point = hyphenationPoint(word, fits);
             QVERIFY2(point == expectedPoint(places, fits), qPrintable(word));

@@ -174,6 +174,8 @@ private Q_SLOTS:
     void endsAtAnyLineLimit();
     void boundsTheSeparatorsBeforeAHyphen_data();
     void boundsTheSeparatorsBeforeAHyphen();
+    void splitsNoSurrogatePair();
+    void breaksATextWithABrokenCharacter();
     void longTextsEnd_data();
     void longTextsEnd();
     void reservesNoMoreThanTheTextNeeds();
@@ -1302,6 +1304,37 @@ void tst_TextLayout::boundsTheSeparatorsBeforeAHyphen()
                                  + cut(QStringLiteral("-www "), width));
         QCOMPARE(shown.elided, true);
     }
+}
+
+void tst_TextLayout::splitsNoSurrogatePair()
+{
+    const QString faces = QStringLiteral("\U0001F600").repeated(10);
+    const QString text =
+        QStringLiteral("Хит %1 сегодня вечером на нашем канале и завтра").arg(faces);
+    for (int width = 20; width < 200; ++width) {
+        TextRenderer renderer;
+        renderer.setTextFont(pixelFont());
+        renderer.setMaxLineCount(2);
+        renderer.setTextWidth(width);
+        renderer.setText(text);
+        renderer.relayout();
+        QVERIFY(renderer.displayText().isValidUtf16());
+        QVERIFY(renderer.isTextElided());
+    }
+}
+
+void tst_TextLayout::breaksATextWithABrokenCharacter()
+{
+    const QString text = QStringLiteral("www ") + QChar(0xd83d) + QStringLiteral(" www www www");
+    TextRenderer renderer;
+    renderer.setTextFont(pixelFont());
+    renderer.setMaxLineCount(2);
+    renderer.setTextWidth(leastWidthThatFits(advance(QStringLiteral("www \uFFFD"))));
+    renderer.setText(text);
+    renderer.relayout();
+    QCOMPARE(renderer.text(), text);
+    QVERIFY(renderer.isTextElided());
+    QCOMPARE(renderer.displayText(), QStringLiteral("www \uFFFD www…"));
 }
 
 void tst_TextLayout::longTextsEnd_data()
