@@ -21,7 +21,7 @@ extern const QRegularExpression wordBreakPattern;
 
 // The characters that far behind a place decide whether a hyphen may stand there, and none further
 // on: each of the 22 replacements sees the five letters behind it at the most.
-constexpr qsizetype hyphenationReach = 22 * 5;
+constexpr qsizetype hyphenationReach = qsizetype{22} * 5;
 
 // Returns how many of the first characters of a word stay on the line when it is broken with a
 // hyphen: the most that fit. 0 when not even the first syllable fits, -1 when the word has no place

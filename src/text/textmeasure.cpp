@@ -55,6 +55,7 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     , m_lineWidth(lineWidth)
     , m_widestCharacter(widestCharacter(font))
     , m_advancesGrow(advancesGrow(font))
+    , m_tolerance(TextRuler::tolerance(font))
     , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
                     + fewestPerLine)
     , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
@@ -83,7 +84,7 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 // other neighbours in it.
 bool TextMeasure::isWiderThanLine() const
 {
-    return m_ruler && m_advancesGrow && m_widestRange > m_lineWidth + m_ruler->tolerance();
+    return m_ruler.has_value() && m_advancesGrow && m_widestRange > m_lineWidth + m_tolerance;
 }
 
 std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)
@@ -92,7 +93,7 @@ std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsi
         return std::nullopt;
     const auto reading = m_ruler->advance(text, from, to, m_stretchLength);
     if (reading)
-        m_widestRange = std::max(m_widestRange, *reading - m_ruler->tolerance());
+        m_widestRange = std::max(m_widestRange, *reading - m_tolerance);
     return reading;
 }
 
@@ -105,7 +106,7 @@ double TextMeasure::measure(const QString &text, qsizetype from, qsizetype to)
 
 void TextMeasure::compare(double reading, double advance)
 {
-    if (std::abs(advance - reading) > m_ruler->tolerance())
+    if (std::abs(advance - reading) > m_tolerance)
         m_rulerIsWrong = true;
 }
 

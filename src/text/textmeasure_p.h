@@ -50,6 +50,7 @@ private:
     const double m_lineWidth;
     const double m_widestCharacter;
     const bool m_advancesGrow; // with every character
+    const double m_tolerance;  // of the ruler
     const qsizetype m_mostPerLine;
     const qsizetype m_stretchLength;
 
@@ -70,9 +71,9 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, cons
     const qsizetype seen = m_advancesGrow ? std::min(to, from + m_mostPerLine) : to;
     const auto reading = read(text, from, seen);
     if (reading) {
-        if (!fits(*reading - m_ruler->tolerance()))
+        if (!fits(*reading - m_tolerance))
             return false;
-        if (seen == to && fits(*reading + m_ruler->tolerance()))
+        if (seen == to && fits(*reading + m_tolerance))
             return true;
     } else if (seen != to && !fits(measure(text, from, seen) - m_lineWidth)) {
         return false;

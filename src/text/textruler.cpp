@@ -38,9 +38,9 @@ TextRuler::TextRuler(const QFont &font)
 {
 }
 
-double TextRuler::tolerance() const
+double TextRuler::tolerance(const QFont &font)
 {
-    return tolerableEms * m_font.pixelSize() + std::abs(m_font.wordSpacing());
+    return tolerableEms * font.pixelSize() + std::abs(font.wordSpacing());
 }
 
 std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsizetype to,

@@ -21,7 +21,7 @@ public:
     explicit TextRuler(const QFont &font);
 
     // How far an advance may lie from that of the range by itself.
-    double tolerance() const;
+    static double tolerance(const QFont &font);
 
     // Returns the advance of the characters from `from` up to but not including `to`; nothing where
     // these are not of scripts that the ruler can read. A stretch of that many characters is shaped
