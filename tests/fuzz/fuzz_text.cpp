@@ -153,8 +153,8 @@ bool Subject::isTooMuchForQt() const
 {
     const QString text = m_renderer.text();
     const Qt::TextFormat format = m_renderer.textFormat();
-    const bool mayBeRich = format == Qt::AutoText ? Qt::mightBeRichText(text)
-                                                  : format != Qt::PlainText;
+    const bool mayBeRich =
+        format == Qt::AutoText ? Qt::mightBeRichText(text) : format != Qt::PlainText;
     return mayBeRich && text.size() > longestRichText;
 }
 
