@@ -127,8 +127,9 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::ownerAddress
-    \brief The address of the owner's object as "0x" and at least eight hexadecimal digits;
-    "0x00000000" for an owner that is gone.
+    \brief The address of the owner's object as "0x" and at least eight hexadecimal digits, in lower
+    case; of a 32-bit address with the top bit set, sixteen digits, the first eight f. "0x00000000"
+    for an owner that is gone.
 */
 
 /*!
@@ -160,7 +161,8 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::source
-    \brief What the resource is made from: its URL, its name, or both joined by " | ".
+    \brief What the resource is made from: its URL, its name, or both joined by " | "; empty where it
+    has neither.
 */
 
 /*!

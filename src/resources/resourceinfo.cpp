@@ -110,6 +110,8 @@ IResourceOwner::~IResourceOwner() = default;
     \inheaderfile ovelin/resourceinfo.h
     \brief One resource that an owner intends to create.
 
+    A new record is an image with the number 0, without URL, name and owner's record.
+
     \since Ovelin 1.0
     \sa ovelin::SceneResourceTracker::registerResource()
 */

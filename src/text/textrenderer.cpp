@@ -205,14 +205,15 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
 
     \section1 The lines
 
-    A text breaks at a space, at a line separator, and at a hyphen that no digit follows. With a
-    maxLineCount() of 2 or more, newlines in the text become line separators (U+2028), and stay so. A
-    word that does not fit at the end of a line is hyphenated, if hyphenationEnabled(), by rules made
-    for Russian; where these find no place and the word is long, it is split without a hyphen so that
-    at least five characters, the separator behind the word counted, go to the next line. On the last
-    line allowed the text is cut with an ellipsis, and spaces and punctuation before the ellipsis are
-    dropped. With a line limit of 0 or less nothing is split, and elided only where a hyphen would have
-    to begin ever more lines.
+    A text breaks at a space, at a line separator, and at a hyphen that no digit follows, which then
+    begins the new line. With a maxLineCount() of 2 or more, newlines in the text become line
+    separators (U+2028), and stay so. A word that does not fit at the end of a line is hyphenated, if
+    hyphenationEnabled(), by rules made for Russian. Where these find no place, a word of nine
+    characters or more, its separator counted, or one that fits on no line, is split without a hyphen
+    so that at least five characters, the separator counted, go to the next line. A word whose places
+    all leave too much on the line moves as a whole. On the last line allowed the text is cut with an
+    ellipsis, and spaces and punctuation before the ellipsis are dropped. With a line limit of 0 or
+    less nothing is split, and elided only where a hyphen would have to begin ever more lines.
 
     Every layout ends: a word that fits on no line and cannot be split is cut at the line limit,
     however large, or, where there is none, stands on its line as if it fitted.
@@ -311,10 +312,14 @@ Qt::TextFormat TextRenderer::textFormat() const
 }
 
 /*!
-    Sets the format of the text to \a format; does nothing when it is the same.
+    Sets the format of the text to \a format; does nothing when it is the same. Takes effect on what
+    is painted and measured at once, before the next relayout().
 
     Qt::RichText is left to Qt, which wraps it at the limit: it is neither elided nor hyphenated, and
     isTextElided() keeps what the last layout of another format found.
+
+    Any other format is broken as plain text, markup counted as characters, and Qt then reads the
+    result by its format. Set Qt::PlainText for texts from elsewhere.
 */
 void TextRenderer::setTextFormat(Qt::TextFormat format)
 {
@@ -333,11 +338,16 @@ Qt::Alignment TextRenderer::textAlignment() const
 }
 
 /*!
-    Sets the alignment of the text in its box to \a alignment; does nothing when it is the same.
+    Sets the alignment of the text in its box to \a alignment; does nothing when it is the same. Takes
+    effect on what is painted and measured at once, before the next relayout().
 
     Qt::AlignHCenter and Qt::AlignRight move the text as a whole inside textWidth(), Qt::AlignVCenter
     and Qt::AlignBottom inside the available height; other flags leave it where it is, also where an
     earlier alignment moved it: setTextTopLeft() with another position puts it back.
+
+    Without a textWidth() nothing moves across, also with a maxTextWidth(); a wrapped text counts as
+    wide as the box. Qt::AlignBottom moves only a text that is less high than the box. Where
+    alignments contradict each other, centring goes before both.
 */
 void TextRenderer::setTextAlignment(Qt::Alignment alignment)
 {
@@ -363,7 +373,7 @@ int TextRenderer::textWidth() const
     A layout that is up to date and not elided is kept when \a width is 0, and when the whole text,
     measured by fineTextWidth(), fits both the old and the new width: only the alignment is computed
     anew then. In every other case the renderer needs a relayout(), also when the width does not
-    change.
+    change. In a copy that was not laid out itself every width, 0 too, needs a relayout().
 
     \sa maxTextWidth(), isNeedRelayout()
 */
@@ -391,7 +401,8 @@ int TextRenderer::maxTextWidth() const
 
 /*!
     Sets the maximal width to \a width device pixels; does nothing when it is the same. 0 or less means
-    that no maximal width is set.
+    that no maximal width is set. Takes effect on what is painted and measured at once, before the next
+    relayout().
 */
 void TextRenderer::setMaxTextWidth(int width)
 {
@@ -604,7 +615,8 @@ QRect TextRenderer::geometry() const
     Paints the text as it was last laid out with \a painter and its pen, at alignedTextTopLeft().
 
     Leaves the text's font set. A font that strikes out gets a line through the middle of the text,
-    drawn with a pen that is left set too. Paints nothing when the renderer is not valid.
+    drawn with a pen that is left set too. Qt warns each time: the pen is given the font's size in
+    points, which is -1, and keeps its width. Paints nothing when the renderer is not valid.
 */
 void TextRenderer::draw(QPainter &painter) const
 {
@@ -637,6 +649,8 @@ void TextRenderer::draw(QPainter &painter) const
 
     The painter is neither saved nor restored: it keeps the pen, no brush, the font and the
     translation.
+
+    \since Ovelin 1.0
 */
 void drawTextRenderer(QPainter &painter, const TextRenderer &renderer, const QPen &pen)
 {

@@ -195,8 +195,8 @@ void ThrobberRenderer::setBackgroundColor(const QColor &color)
 }
 
 /*!
-    Sets the colour of the arc to \a color; initially white. Emits nothing. Callers are built against
-    this name, unusual as it is spelt.
+    Sets the colour of the arc, which has round ends, to \a color; initially white. Emits nothing.
+    Callers are built against this name, unusual as it is spelt.
 */
 void ThrobberRenderer::setForegcoundColor(const QColor &color)
 {
@@ -206,7 +206,7 @@ void ThrobberRenderer::setForegcoundColor(const QColor &color)
 /*!
     Sets the rectangle that the throbber fills to \a rect, in the coordinates of the painter that
     draw() gets. Circle and arc are drawn inside it, their outer edge on its border; with an odd pen
-    width, half a pixel beyond. Emits nothing.
+    width, half a pixel beyond. Before this is called the rectangle is empty. Emits nothing.
 */
 void ThrobberRenderer::setRenderRect(const QRect &rect)
 {
@@ -243,8 +243,8 @@ bool ThrobberRenderer::isRunning() const
 }
 
 /*!
-    Starts the animation if \a running is true, where it was stopped, and stops it otherwise. Starting
-    a running one begins a new interval.
+    Starts the animation if \a running is true, and stops it otherwise. The animation goes on from
+    where it stopped; nothing is reset. Starting a running one begins a new interval.
 */
 void ThrobberRenderer::setRunning(bool running)
 {
@@ -281,7 +281,7 @@ void ThrobberRenderer::addAngles(int rotationDegrees, int spanDegrees)
 
 /*!
     Draws the circle and the arc with \a painter, at the place of setRenderRect(). Leaves the arc's
-    pen set; brush, transform and render hints are the caller's.
+    pen set; brush, transform and render hints are the caller's. A brush that is set fills the circle.
 */
 void ThrobberRenderer::draw(QPainter &painter)
 {
