@@ -18,10 +18,10 @@ constexpr int highestNumber = 35;
 constexpr int mostCalls = 300;
 constexpr int deepestCall = 4;
 
-class Session
+class Script
 {
 public:
-    explicit Session(FuzzedDataProvider &data);
+    explicit Script(FuzzedDataProvider &data);
 
     void run();
 
@@ -42,7 +42,7 @@ private:
     bool m_calledBack = false;
 };
 
-Session::Session(FuzzedDataProvider &data)
+Script::Script(FuzzedDataProvider &data)
     : m_data(data)
     , m_callsBack(data.ConsumeBool())
 {
@@ -55,7 +55,7 @@ Session::Session(FuzzedDataProvider &data)
     m_subject.onDecision = [this] { callBack(); };
 }
 
-void Session::run()
+void Script::run()
 {
     while (m_data.remaining_bytes() > 0 && m_calls < mostCalls) {
         m_calledBack = false;
@@ -69,7 +69,7 @@ void Session::run()
 }
 
 // Destroying an item inside one of its own operations is not the library's to survive.
-void Session::call()
+void Script::call()
 {
     const TrackerStep step = anyStep();
     int &callsInside = m_callsInside[std::size_t(step.place)];
@@ -84,7 +84,7 @@ void Session::call()
         m_model.apply(step);
 }
 
-void Session::callBack()
+void Script::callBack()
 {
     if (!m_callsBack || m_depth == deepestCall)
         return;
@@ -96,7 +96,7 @@ void Session::callBack()
     --m_depth;
 }
 
-TrackerStep Session::anyStep()
+TrackerStep Script::anyStep()
 {
     TrackerStep step{};
     step.kind = static_cast<TrackerStep::Kind>(
@@ -113,6 +113,6 @@ TrackerStep Session::anyStep()
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     FuzzedDataProvider data(bytes, size);
-    Session(data).run();
+    Script(data).run();
     return 0;
 }
