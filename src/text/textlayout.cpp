@@ -7,6 +7,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <bit>
 
 namespace ovelin {
 
@@ -372,13 +373,21 @@ bool LineBreaker::mayForceSplit()
 
 qsizetype LineBreaker::forcedSplitPoint()
 {
-    const auto fitsWith = [this](qsizetype kept) {
-        return m_measure.decide(m_text, m_lineStart, m_wordStart + kept, [this](double advance) {
-            return fineWidth(advance) < m_limits.width;
+    const auto fitsWith = [this](qsizetype kept, double spare) {
+        return m_measure.decide(m_text, m_lineStart, m_wordStart + kept, [&](double advance) {
+            return fineWidth(advance + spare) < m_limits.width;
         });
     };
+    const qsizetype most = m_candidate.wordSize() - shortestRest;
     qsizetype kept = 0;
-    while (m_candidate.wordSize() - (kept + 1) >= shortestRest && fitsWith(kept + 1))
+    // Where a beginning fits with room to spare, each shorter one fits.
+    if (most > 0 && m_measure.advancesGrow()) {
+        for (auto step = qsizetype(std::bit_floor(size_t(most))); step > 0; step /= 2) {
+            if (kept + step <= most && fitsWith(kept + step, m_measure.tolerance()))
+                kept += step;
+        }
+    }
+    while (kept < most && fitsWith(kept + 1, 0))
         ++kept;
     return kept;
 }

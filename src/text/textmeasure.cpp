@@ -30,7 +30,7 @@ double widestCharacter(const QFont &font)
            + std::abs(font.wordSpacing());
 }
 
-bool advancesGrow(const QFont &font)
+bool growsWithEachCharacter(const QFont &font)
 {
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
@@ -54,7 +54,7 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     : m_metrics(font)
     , m_lineWidth(lineWidth)
     , m_widestCharacter(widestCharacter(font))
-    , m_advancesGrow(advancesGrow(font))
+    , m_advancesGrow(growsWithEachCharacter(font))
     , m_tolerance(TextRuler::tolerance(font))
     , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
                     + fewestPerLine)

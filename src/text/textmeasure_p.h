@@ -27,6 +27,11 @@ public:
     // More characters hardly ever stand on a line.
     qsizetype mostPerLine() const { return m_mostPerLine; }
 
+    // Whether a range is no narrower than one with fewer characters, but for what the letters at its
+    // ends do to their neighbours: that tolerance.
+    bool advancesGrow() const { return m_advancesGrow; }
+    double tolerance() const { return m_tolerance; }
+
     // Returns what `fits` says of the advance of the characters from `from` up to but not including
     // `to`; it says the same of every advance up to some limit.
     template<typename Fits>

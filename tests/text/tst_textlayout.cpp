@@ -1342,10 +1342,8 @@ void tst_TextLayout::longTextsEnd_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("width");
 
-    // The steps measure the rest of a word for every line of it, so that a long word in a narrow
-    // box costs the square of its length.
     const int length = isRunReduced() ? 1000 : 20'000;
-    const int shorter = length / 10;
+    const int shorter = length / 5; // of lines there are many
     const auto repeated = [](const QString &part, int count) {
         return part.repeated(count / part.size() + 1).left(count);
     };
@@ -1353,10 +1351,12 @@ void tst_TextLayout::longTextsEnd_data()
         QTest::addRow("%s", name) << repeated(part, length) << 600;
         QTest::addRow("%s in a narrow box", name) << repeated(part, shorter) << 45;
         QTest::addRow("%s one by one", name) << repeated(part, shorter) << 20;
+        QTest::addRow("%s in a wide box", name) << repeated(part, length) << 50'000;
     };
     add("one Latin word", QStringLiteral("b"));
     add("one Russian word", QStringLiteral("программа"));
     add("vowels", QStringLiteral("а"));
+    add("one word of joined letters", QStringLiteral("ب"));
     add("words", QStringLiteral("программа передач на сегодня "));
     add("wide words", QStringLiteral("wwwwww "));
     add("spaces", QStringLiteral(" "));
