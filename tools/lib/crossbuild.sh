@@ -23,21 +23,17 @@ crossbuild_require()
     local home
     home=$kind-$(crossbuild_digest "$version" "$@")
 
-    if ! crossbuild_is_finished; then
-        local lock
+    local lock use
+    until crossbuild_hold; do
         exec {lock}>"$kind.lock"
         take_lock "$lock" "is building $title for the box"
         crossbuild_is_finished || crossbuild_make "$@"
         exec {lock}>&-
-    fi
+    done
     crossbuild_installed=$home/installed
-    # Nobody removes it while this run uses it.
-    local use
-    exec {use}<"$home"
-    flock --shared "$use"
 }
 
-# The functions below find title, fetch, source_package, version, places, kind and home in the one above.
+# The functions below find title, fetch, source_package, version, places, kind, home and use in the one above.
 
 crossbuild_digest()
 {
@@ -48,12 +44,31 @@ crossbuild_digest()
     } | sha256sum | cut -c 1-12
 }
 
+# Nobody removes it while this run uses it. One that was removed while this run waited for the lock is
+# made again.
+crossbuild_hold()
+{
+    crossbuild_is_finished || return
+    { exec {use}<"$home"; } 2>/dev/null || return
+    flock --shared "$use"
+    crossbuild_is_finished
+}
+
+# A run that was ended while it tidied up leaves the build's folder.
 crossbuild_is_finished()
 {
-    [[ -f $home/finished ]]
+    [[ -f $home/finished && ! -d $home/build ]]
 }
 
 crossbuild_make()
+{
+    [[ -f $home/finished ]] || crossbuild_build "$@"
+    rm --recursive --force "$home"/{source,unpacked,apt}
+    rm --recursive --force "$home/build"
+    crossbuild_remove_others
+}
+
+crossbuild_build()
 {
     local started=$SECONDS
     say "Building $title $version for the box, once"
@@ -63,8 +78,6 @@ crossbuild_make()
     crossbuild_compile
     crossbuild_install
     touch "$home/finished"
-    rm --recursive --force "$home"/{build,source,unpacked,apt}
-    crossbuild_remove_others
     say "$title for the box is ready after $((SECONDS - started)) seconds."
 }
 
@@ -121,8 +134,10 @@ crossbuild_configure()
 {
     [[ ! -f $home/build/build.ninja ]] || return 0
     say "$title for the box: configuring"
+    # A copy: whoever builds with this later need not have the folder that it was built from.
+    cp "$crossbuild_toolchain_file" "$home/toolchain.cmake"
     root_run cmake -G Ninja -S "$home/source" -B "$home/build" -Wno-dev \
-        -DCMAKE_TOOLCHAIN_FILE="$crossbuild_toolchain_file" -DCMAKE_INSTALL_PREFIX="$home/installed" \
+        -DCMAKE_TOOLCHAIN_FILE="$home/toolchain.cmake" -DCMAKE_INSTALL_PREFIX="$home/installed" \
         "${places[@]}" "$@" >"$home/configure.log" 2>&1 \
         || crossbuild_failed "configured" configure.log
 }
@@ -169,7 +184,7 @@ crossbuild_remove_others()
         other=${other%/}
         [[ $other != "$home" && -d $other ]] || continue
         exec {lock}<"$other"
-        ! flock --nonblock "$lock" || rm --recursive --force "$other"
+        ! flock --nonblock "$lock" || { rm --force "$other/finished" && rm --recursive --force "$other"; }
         exec {lock}<&-
     done
 }
