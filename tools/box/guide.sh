@@ -24,7 +24,7 @@ box_compare_guide()
     local verdict
     verdict=$(inside "${box_emulator[@]}" "$box_tree/tools/box/probe/comparepictures" \
         "$host.png" "$box.png" "$box_most_different_pixels" "$box_largest_difference") \
-        || fail "The guide looks otherwise on the box: $verdict." "Compare $host.png with $box.png."
+        || fail "The guide looks otherwise on the box: ${verdict:-the pictures cannot be compared}." "Compare $host.png with $box.png."
     say "The guide's picture: $verdict."
 }
 

@@ -44,6 +44,7 @@ box_run_tests()
     pattern=$(box_excluded_pattern)
     [[ -z $pattern ]] || exclude=(--exclude-regex "$pattern")
     box_tell_excluded_tests
+    say "The tests of many texts try $OVELIN_TEXT_CASES each here."
     inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --parallel "$(processors)" \
         "${exclude[@]}" "$@"
 }
@@ -61,8 +62,10 @@ box_tell_skipped()
 # Whatever the host runs runs here as well: a test that the build for the box lacks is an error.
 box_check_no_test_is_missing()
 {
-    local missing
-    missing=$(comm -23 <(box_test_names "$1") <(box_test_names "$2"))
+    local host_tests missing
+    host_tests=$(box_test_names "$1")
+    [[ -n $host_tests ]] || fail "The build for the host has no tests to compare with."
+    missing=$(comm -23 <(echo "$host_tests") <(box_test_names "$2"))
     [[ -z $missing ]] || fail "The build for the box lacks these tests of the host:" "$missing"
 }
 
