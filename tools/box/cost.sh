@@ -32,12 +32,21 @@ box_measure_file()
     echo "size-file $(stat --format=%s "$library")"
     # In one table: the whole of each segment's kind, and the sections that matter by themselves.
     inside mipsel-linux-gnu-size --format=sysv "$library" | awk '
-        $1 == ".text" { text = $2 }
+        $1 ~ /^\.(text|init|fini|plt|MIPS\.stubs)$/ { text += $2 }
         $1 ~ /^\.(rodata|eh_frame|eh_frame_hdr|gcc_except_table)$/ { constant += $2 }
         $1 ~ /^\.(data|data\.rel\.ro|got|init_array|fini_array|sdata)$/ { data += $2 }
         $1 ~ /^\.s?bss$/ { bss += $2 }
-        END { print "size-text", text; print "size-rodata", constant + 0; print "size-data", data + 0; print "size-bss", bss + 0 }'
-    echo "relocations $(inside mipsel-linux-gnu-readelf --relocs --wide "$library" | grep --count '^[0-9a-f]\{8\} ')"
+        $1 ~ /^\.(dynamic|dynsym|dynstr|hash|gnu\.hash|MIPS\.xhash|gnu\.version(_[dr])?|rel\.(dyn|plt))$/ { loader += $2 }
+        END {
+            print "size-text", text
+            print "size-rodata", constant
+            print "size-data", data
+            print "size-bss", bss
+            print "size-loader", loader
+        }'
+    # The first record of each table is empty, by the ABI.
+    echo "relocations $(inside mipsel-linux-gnu-readelf --relocs --wide "$library" \
+        | awk '/^[0-9a-f]+ / && $3 != "R_MIPS_NONE"' | wc --lines)"
     echo "symbols $(inside mipsel-linux-gnu-nm --dynamic --defined-only "$library" | grep --count ' [TtVvWwDdBbRru] ')"
     echo "needed $(inside mipsel-linux-gnu-readelf --dynamic "$library" | grep --count '(NEEDED)')"
 }
@@ -63,16 +72,11 @@ box_run()
     inside "${box_emulator[@]}" "$@"
 }
 
-# Counts the instructions of the actions that a program marks. The emulator's log goes through a pipe:
-# it is large.
+# Counts the instructions of the actions that a program marks. The emulator's log goes through a pipe of
+# its own: it is large, and the program's messages are not to be lost in it.
 box_count()
 {
-    local log=$tree/cost-work/log counts=$tree/cost-work/counts
-    rm --force "$log"
-    mkfifo "$log"
-    inside mawk -f "$repository/tools/box/instructions.awk" "$log" >"$counts" &
-    local counter=$!
-    inside "${box_emulator[@]}" -d in_asm,exec,nochain,strace -D "$log" "$@" >"$tree/cost-work/output"
-    wait "$counter"
-    cat "$counts"
+    inside "${box_emulator[@]}" -d in_asm,exec,nochain,strace -D /dev/fd/3 "$@" \
+        3>&1 >"$tree/cost-work/output" \
+        | inside mawk -f "$repository/tools/box/instructions.awk"
 }

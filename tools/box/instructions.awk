@@ -1,18 +1,38 @@
 # Prints how many instructions the actions took that a program marked, in lines of "name count", from
 # the log of qemu-<guest> -d in_asm,exec,nochain,strace. Each block of instructions is listed when it
-# is translated and traced whenever it runs; a block is known by its address and state, $4.
+# is translated and traced whenever it runs. A block is known by its address: between the listing and
+# the trace of one there may be those of other threads.
 
+function plain(address)
+{
+    sub(/^(0x)?0*/, "", address)
+    sub(/:$/, "", address)
+    return address
+}
+
+# Trace 0: <address in the emulator> [<base>/<address>/<state>/<state>] <name>
 /^Trace/ {
-    if (listed) {
-        size[$4] = listed
-        listed = 0
+    split($4, part, "/")
+    address = plain(part[2])
+    if (!(address in size)) {
+        print "instructions.awk: a block runs that was not listed: " $0 >"/dev/stderr"
+        exit 1
     }
-    total += size[$4]
+    total += size[address]
+    next
+}
+
+/^IN:/ {
+    block = ""
     next
 }
 
 /^0x/ {
-    ++listed
+    if (!block) {
+        block = plain($1)
+        size[block] = 0
+    }
+    ++size[block]
     next
 }
 

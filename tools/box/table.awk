@@ -1,5 +1,5 @@
 # Makes the table of costs from the measured values ("name value") and the budgets. Exits with 1 when
-# a budget is exceeded, a value is missing, or one has no budget.
+# a budget is exceeded, a value is missing or 0, or one has no budget: nothing that is measured costs nothing.
 
 function trim(text)
 {
@@ -27,7 +27,7 @@ FNR == NR {
     budget = trim(field[2])
     budgeted[key] = 1
     note = ""
-    if (!(key in measured))
+    if (!(key in measured) || measured[key] !~ /^[0-9]+$/ || measured[key] == 0)
         note = " **not measured**"
     else if (measured[key] + 0 > budget + 0)
         note = " **too much**"
