@@ -384,7 +384,10 @@ void tst_TextLayoutIdentity::agreesWithThePlainFormulation()
 
     m_compared = m_elided = m_hyphenated = m_broken = m_counted = 0;
     CaseMaker maker(static_cast<CaseMaker::Kind>(kind), seed);
-    for (int i = 0; i < caseCount(); ++i) {
+    // The plain formulation measures a long line as often as it has words.
+    const bool isLong = kind == CaseMaker::LongWords || kind == CaseMaker::LongTexts;
+    const int cases = isLong ? caseCount() / 5 : caseCount();
+    for (int i = 0; i < cases; ++i) {
         const ReferenceInput input = maker.next();
         if (input.text.isEmpty())
             continue;
@@ -404,10 +407,10 @@ void tst_TextLayoutIdentity::agreesWithThePlainFormulation()
                                   .arg(m_broken)
                                   .arg(m_counted)
                                   .toUtf8();
-    QVERIFY2(m_compared > 4 * caseCount() / 5, counts.constData());
-    QVERIFY2(m_elided > caseCount() / 10, counts.constData());
-    QVERIFY2(m_broken > caseCount() / 20, counts.constData());
-    QVERIFY2(m_counted > caseCount() / 250, counts.constData());
+    QVERIFY2(m_compared > 4 * cases / 5, counts.constData());
+    QVERIFY2(m_elided > cases / 10, counts.constData());
+    QVERIFY2(m_broken > cases / 20, counts.constData());
+    QVERIFY2(m_counted > cases / 250, counts.constData());
     QVERIFY2(m_hyphenated > 0, counts.constData());
     qInfo("%s", counts.constData());
 }
