@@ -23,8 +23,9 @@ constexpr CharacterRange readableCharacters[] = {
 
 bool isReadable(QChar c)
 {
-    return std::any_of(std::begin(readableCharacters), std::end(readableCharacters),
-                       [c](CharacterRange range) { return c >= range.first && c <= range.last; });
+    return std::ranges::any_of(readableCharacters, [c](CharacterRange range) {
+        return c >= range.first && c <= range.last;
+    });
 }
 
 // Kerning between letters takes a fifth of this, and less at spaces; most of a ligature that a range cuts
@@ -52,7 +53,7 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
         shapeStretch(
             text, from,
             from + std::max(stretchLength, to - from > stretchLength ? 2 * (to - from) : 0));
-    if (to > m_end)
+    if (to > m_end || !m_stretch)
         return std::nullopt;
     return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();
 }
@@ -67,7 +68,7 @@ void TextRuler::textInserted(qsizetype before, qsizetype size)
 void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
 {
     const QStringView wanted = text.sliced(from, std::min(to, text.size()) - from);
-    const auto unreadable = std::find_if_not(wanted.begin(), wanted.end(), isReadable);
+    const auto unreadable = std::ranges::find_if_not(wanted, isReadable);
     const QStringView stretch(wanted.begin(), unreadable);
 
     m_shift = m_begin = from;
