@@ -33,7 +33,8 @@ struct Run
 Run run(const QStringList &arguments,
         const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
 {
-    QStringList command = QString(QLatin1StringView(TVGUIDE_EMULATOR)).split(u'|', Qt::SkipEmptyParts);
+    QStringList command =
+        QString(QLatin1StringView(TVGUIDE_EMULATOR)).split(u'|', Qt::SkipEmptyParts);
     command += QStringLiteral(TVGUIDE_COMMAND);
     command += arguments;
 
