@@ -49,10 +49,11 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
 {
     const bool shaped =
         from >= m_begin && from <= m_end && (to <= m_end || (m_endsEarly && from == m_begin));
-    if (!shaped)
-        shapeStretch(
-            text, from,
-            from + std::max(stretchLength, to - from > stretchLength ? 2 * (to - from) : 0));
+    if (!shaped) {
+        // Longer and longer ones for a long line, so that all of them together cost no more than twice it.
+        const qsizetype size = to - from;
+        shapeStretch(text, from, from + (size > stretchLength ? 2 * size : stretchLength));
+    }
     if (to > m_end || !m_stretch)
         return std::nullopt;
     return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();

@@ -34,7 +34,7 @@ instructions_check()
 {
     local verdict=0
     instructions_count "$1" >"$1/instructions.counted"
-    awk -f "$repository/tools/bench/compare.awk" "$1/instructions.counted" "$instructions_file" || verdict=$?
+    awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/bench/compare.awk" "$1/instructions.counted" "$instructions_file" || verdict=$?
     ((verdict == 0)) || fail "Some work takes more instructions than $(short_path "$instructions_file") says; see the table above." \
         "Make it cheaper, or, if the price is right, run: ./dev bench --update"
 }
@@ -43,7 +43,7 @@ instructions_check()
 instructions_update()
 {
     instructions_count "$1" >"$1/instructions.counted"
-    awk -f "$repository/tools/bench/update.awk" "$1/instructions.counted" "$instructions_file" \
+    awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/bench/update.awk" "$1/instructions.counted" "$instructions_file" \
         >"$1/instructions.updated" || fail "Not every work stands in $(short_path "$instructions_file"); see above." \
         "Add a line for it there."
     cp "$1/instructions.updated" "$instructions_file"

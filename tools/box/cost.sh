@@ -17,7 +17,7 @@ box_tell_cost()
     } >"$measured"
 
     local verdict=0
-    awk -f "$repository/tools/box/table.awk" "$measured" "$box_budgets" >"$table" || verdict=$?
+    awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/box/table.awk" "$measured" "$box_budgets" >"$table" || verdict=$?
     cat "$table"
     ((verdict == 0)) || fail "The library costs more than $(short_path "$box_budgets") allows; see the table above." \
         "Make it smaller, or change the budget and say why there."

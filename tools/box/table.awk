@@ -1,20 +1,9 @@
 # Makes the table of costs from the measured values ("name value") and the budgets. Exits with 1 when
 # a budget is exceeded, a value is missing or 0, or one has no budget: nothing that is measured costs nothing.
 
-function trim(text)
-{
-    gsub(/^[ \t]+|[ \t]+$/, "", text)
-    return text
-}
-
 BEGIN {
     print "| cost on the box | measured | budget | unit |"
     print "|---|---:|---:|---|"
-}
-
-FNR == NR {
-    measured[$1] = $2
-    next
 }
 
 /^[ \t]*(#|$)/ {

@@ -74,9 +74,7 @@ box_test_names()
     inside ctest --test-dir "$1" --show-only | sed -n 's/^ *Test *#[0-9]*: //p' | sort
 }
 
-# The emulator is slow: the tests that try many texts try fewer, as under valgrind.
-export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}
-
+try_fewer_texts
 use_workshop
 box_require_qt
 box_require_rapidcheck

@@ -19,11 +19,12 @@ report_coverage()
         --html-details "$coverage_results/index.html" "$@" "$tree"
 }
 
+try_fewer_texts
 use_workshop
 # The example is no test of the library, and what counts is linked into it as no package has it.
 build_tree_as coverage coverage -DOVELIN_BUILD_EXAMPLES=OFF --
 find "$tree" -name '*.gcda' -delete
-inside env "OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-100}" ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 600 \
+inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 600 \
     --exclude-regex "^package_" --parallel "$(processors)" "$@" \
     || fail "Tests failed; what they printed is above."
 report_coverage --txt-metric branch --txt "$coverage_results/branches.txt" >/dev/null || true

@@ -24,9 +24,7 @@ else
     done
 fi
 
-# The tests that try many texts try fewer.
-export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}
-
+try_fewer_texts
 use_workshop
 failed=()
 for subsystem in "${subsystems[@]}"; do

@@ -5,10 +5,8 @@
 # test starts. The tests of the package are left out: programs of others, which they build, have no
 # sanitizers and cannot load a library that has them.
 
-# What the sanitizers do not look for unless they are told to, and how much there is to look at.
+# What the sanitizers do not look for unless they are told to.
 sanitizer_settings=(
-    # Everything takes some times as long: the tests that try many texts try fewer.
-    "OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-100}"
     ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
     UBSAN_OPTIONS=print_stacktrace=1
 )
@@ -32,6 +30,7 @@ gcc | clang)
     ;;
 esac
 
+try_fewer_texts
 use_workshop
 for compiler in "${compilers[@]}"; do
     sanitize_with "$compiler" "$@"

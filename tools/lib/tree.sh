@@ -77,3 +77,10 @@ processors()
 {
     echo "${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}"
 }
+
+# For tools under which everything takes many times as long: the tests that try many texts try fewer,
+# unless the user has set how many.
+try_fewer_texts()
+{
+    export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}
+}
