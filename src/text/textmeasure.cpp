@@ -75,7 +75,7 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
     if (m_rulerIsChecked || from >= to)
         return;
     if (const auto reading = read(text, from, to)) {
-        compare(*reading, measure(text, from, to));
+        measureToo(text, from, to, reading);
         m_rulerIsChecked = true;
     }
 }
@@ -104,10 +104,14 @@ double TextMeasure::measure(const QString &text, qsizetype from, qsizetype to)
     return advance;
 }
 
-void TextMeasure::compare(double reading, double advance)
+// Measures what was read, if it could be, to see whether the ruler is right.
+double TextMeasure::measureToo(const QString &text, qsizetype from, qsizetype to,
+                               std::optional<double> reading)
 {
-    if (std::abs(advance - reading) > m_tolerance)
+    const double advance = measure(text, from, to);
+    if (reading && std::abs(advance - *reading) > m_ruler->tolerance(text, from, to))
         m_rulerIsWrong = true;
+    return advance;
 }
 
 } // namespace ovelin

@@ -49,7 +49,8 @@ public:
 private:
     std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
     double measure(const QString &text, qsizetype from, qsizetype to);
-    void compare(double reading, double advance);
+    double measureToo(const QString &text, qsizetype from, qsizetype to,
+                      std::optional<double> reading);
 
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
@@ -75,19 +76,19 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, cons
     // Of what is much longer than a line, as a word without an end, the beginning is enough.
     const qsizetype seen = m_advancesGrow ? std::min(to, from + m_mostPerLine) : to;
     const auto reading = read(text, from, seen);
-    if (reading) {
-        if (!fits(*reading - m_tolerance))
-            return false;
-        if (seen == to && fits(*reading + m_tolerance))
-            return true;
-    } else if (seen != to && !fits(measure(text, from, seen) - m_lineWidth)) {
-        return false;
+    if (seen < to) {
+        const double least =
+            reading ? *reading - m_tolerance : measure(text, from, seen) - m_lineWidth;
+        return fits(least) && fits(measure(text, from, to));
     }
 
-    const double advance = measure(text, from, to);
-    if (reading && seen == to)
-        compare(*reading, advance);
-    return fits(advance);
+    const auto decides = [&](double tolerance) {
+        return fits(*reading - tolerance) == fits(*reading + tolerance);
+    };
+    if (reading && (decides(m_tolerance) || decides(m_ruler->tolerance(text, from, to))))
+        return fits(*reading);
+
+    return fits(measureToo(text, from, to, reading));
 }
 
 } // namespace ovelin

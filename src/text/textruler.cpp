@@ -32,10 +32,20 @@ bool isReadable(QChar c)
 // in two takes more.
 constexpr double tolerableEms = 0.5;
 
+// Where neither end is kerned or joined to its neighbour, only what fonts hardly ever have can act on the
+// range: rules for letters that are farther apart.
+constexpr double tolerableEmsBetweenFreeEnds = 0.1;
+
+bool isSpaced(const QFont &font)
+{
+    return !qFuzzyIsNull(font.letterSpacing()) || !qFuzzyIsNull(font.wordSpacing());
+}
+
 } // namespace
 
 TextRuler::TextRuler(const QFont &font)
     : m_font(font)
+    , m_metrics(font)
 {
 }
 
@@ -56,7 +66,13 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
     }
     if (to > m_end || !m_stretch)
         return std::nullopt;
-    return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();
+    return advance(from, to);
+}
+
+double TextRuler::tolerance(QStringView text, qsizetype from, qsizetype to)
+{
+    const bool endsAreFree = from < to && isAsByItself(text, from) && isAsByItself(text, to - 1);
+    return endsAreFree ? tolerableEmsBetweenFreeEnds * m_font.pixelSize() : tolerance(m_font);
 }
 
 void TextRuler::textInserted(qsizetype before, qsizetype size)
@@ -78,6 +94,19 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
 
     m_stretch.emplace(stretch.toString(), m_font);
     m_stretch->itemize();
+}
+
+double TextRuler::advance(qsizetype from, qsizetype to)
+{
+    return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();
+}
+
+// Not known in a spaced font: there the characters by themselves would be without their spacing.
+bool TextRuler::isAsByItself(QStringView text, qsizetype position)
+{
+    return !isSpaced(m_font)
+           && qFuzzyCompare(advance(position, position + 1),
+                            m_metrics.horizontalAdvance(text.at(position)));
 }
 
 } // namespace ovelin

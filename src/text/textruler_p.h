@@ -1,7 +1,7 @@
 #ifndef OVELIN_TEXTRULER_P_H
 #define OVELIN_TEXTRULER_P_H
 
-#include <QtGui/qfont.h>
+#include <QtGui/qfontmetrics.h>
 
 #include <private/qtextengine_p.h>
 
@@ -20,7 +20,7 @@ class TextRuler
 public:
     explicit TextRuler(const QFont &font);
 
-    // How far an advance may lie from that of the range by itself.
+    // How far any advance that is read may lie from that of the range by itself.
     static double tolerance(const QFont &font);
 
     // Returns the advance of the characters from `from` up to but not including `to`; nothing where
@@ -29,13 +29,20 @@ public:
     std::optional<double> advance(QStringView text, qsizetype from, qsizetype to,
                                   qsizetype stretchLength);
 
+    // How far the advance of that range may lie from it, which is less where no neighbour has acted on its
+    // ends. It must have been the last one read.
+    double tolerance(QStringView text, qsizetype from, qsizetype to);
+
     // The text was changed in front of a position, which has moved by that many characters.
     void textInserted(qsizetype before, qsizetype size);
 
 private:
     void shapeStretch(QStringView text, qsizetype from, qsizetype to);
+    double advance(qsizetype from, qsizetype to);
+    bool isAsByItself(QStringView text, qsizetype position);
 
     const QFont m_font;
+    const QFontMetricsF m_metrics;
     std::optional<QStackTextEngine> m_stretch;
     qsizetype m_shift = 0;    // where it began, moved as its end was by changes of the text
     qsizetype m_begin = 0;    // where it still agrees with the text, from
