@@ -79,6 +79,24 @@ const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
 const QRegularExpression wordBreakPattern(
     u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
 
+qsizetype wordBreak(QStringView text, qsizetype from)
+{
+    const auto matchesAt = [text](qsizetype position) {
+        return wordBreakPattern
+            .matchView(text, position, QRegularExpression::NormalMatch,
+                       QRegularExpression::AnchorAtOffsetMatchOption
+                           | QRegularExpression::DontCheckSubjectStringMatchOption)
+            .hasMatch();
+    };
+    // What nearly every word ends with needs no pattern, which takes longer to start than to search.
+    for (qsizetype i = from; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (c == u' ' || c == lineSeparator || (c == hyphen && matchesAt(i)))
+            return i;
+    }
+    return -1;
+}
+
 int hyphenationPoint(const QString &word, const std::function<bool(qsizetype kept)> &fitsWithHyphen)
 {
     QString classes = classString(word);

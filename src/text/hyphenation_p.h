@@ -19,6 +19,9 @@ extern const QHash<QChar, QChar> hyphenationLetterClasses;
 // Matches where a word ends: at a space, at a line separator, or at a hyphen that no digit follows.
 extern const QRegularExpression wordBreakPattern;
 
+// Returns where that pattern matches first at or after a position of a well-formed text, or -1.
+qsizetype wordBreak(QStringView text, qsizetype from);
+
 // The characters that far behind a place decide whether a hyphen may stand there, and none further
 // on: each of the 22 replacements sees the five letters behind it at the most.
 constexpr qsizetype hyphenationReach = qsizetype{22} * 5;

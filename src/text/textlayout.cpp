@@ -154,11 +154,7 @@ bool LineBreaker::nextCandidate()
 {
     qsizetype separator = -1;
     do {
-        // The text is known to be well-formed.
-        separator = wordBreakPattern
-                        .matchView(m_text, m_wordStart, QRegularExpression::NormalMatch,
-                                   QRegularExpression::DontCheckSubjectStringMatchOption)
-                        .capturedStart();
+        separator = wordBreak(m_text, m_wordStart);
     } while (separator == -1 && loadText());
     if (separator == -1)
         return false;

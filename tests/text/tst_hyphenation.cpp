@@ -112,6 +112,8 @@ void tst_Hyphenation::wordsEndAtSpaceSeparatorAndHyphenWithoutDigit_data()
     QTest::newRow("range of numbers") << QStringLiteral("10-20 c") << 0 << 5;
     QTest::newRow("hyphen before an Arabic digit") << QStringLiteral("ab-\u0661") << 0 << 2;
     QTest::newRow("hyphen at the end") << QStringLiteral("ab-") << 0 << -1;
+    QTest::newRow("hyphen before a character of two units")
+        << QStringLiteral("ab-\U0001F600") << 0 << 2;
     QTest::newRow("no-break space") << QStringLiteral("ab\u00a0c") << 0 << -1;
     QTest::newRow("tab and newline") << QStringLiteral("a\tb\nc") << 0 << -1;
     QTest::newRow("from the separator on") << QStringLiteral("a b c") << 1 << 1;
@@ -125,6 +127,7 @@ void tst_Hyphenation::wordsEndAtSpaceSeparatorAndHyphenWithoutDigit()
     QFETCH(int, expected);
 
     QCOMPARE(int(text.indexOf(wordBreakPattern, from)), expected);
+    QCOMPARE(int(wordBreak(text, from)), expected);
 }
 
 void tst_Hyphenation::wordBreakPatternIsBuiltFromItsTemplate()
