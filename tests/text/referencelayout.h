@@ -38,7 +38,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget);
 // a lower limit which leaves the same rest by every number of up to six ends in the same place. For
 // texts that need fewer lines than these.
 constexpr int restPeriod = 60;
-constexpr int mostCountableLines = 20 * restPeriod;
+constexpr int mostCountableLines = 40 * restPeriod;
 ReferenceLayout countableReferenceLayout(ReferenceInput input, int roundBudget);
 
 // Where a word may be divided with a hyphen, in the same plain form.
