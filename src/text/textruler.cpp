@@ -28,8 +28,7 @@ bool isReadable(QChar c)
     });
 }
 
-// Kerning between letters takes a fifth of this, and less at spaces; most of a ligature that a range cuts
-// in two takes more.
+// Kerning between letters takes a fifth of this, and less at spaces.
 constexpr double tolerableEms = 0.5;
 
 // Where neither end is kerned or joined to its neighbour, only what fonts hardly ever have can act on the
@@ -64,7 +63,7 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
         const qsizetype size = to - from;
         shapeStretch(text, from, from + (size > stretchLength ? 2 * size : stretchLength));
     }
-    if (to > m_end || !m_stretch)
+    if (to > m_end || !m_stretch || cutsLigature(from) || cutsLigature(to))
         return std::nullopt;
     return advance(from, to);
 }
@@ -99,6 +98,12 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
 double TextRuler::advance(qsizetype from, qsizetype to)
 {
     return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();
+}
+
+// Of letters that are joined into one, the first has all the width.
+bool TextRuler::cutsLigature(qsizetype position)
+{
+    return position < m_end && qFuzzyIsNull(advance(position, position + 1));
 }
 
 // Not known in a spaced font: there the characters by themselves would be without their spacing.

@@ -13,8 +13,8 @@ namespace ovelin {
 //
 // A range in its stretch can be shaped a little otherwise than by itself: the characters at its two
 // ends have neighbours. Only stretches of scripts whose characters stand side by side from left to
-// right are shaped, where that means some kerning or a ligature at the most, and word spacing,
-// which Qt adds behind the last of several spaces.
+// right are shaped, where that means some kerning at the most, and word spacing, which Qt adds
+// behind the last of several spaces; a range that would cut a ligature is not read.
 class TextRuler
 {
 public:
@@ -24,7 +24,7 @@ public:
     static double tolerance(const QFont &font);
 
     // Returns the advance of the characters from `from` up to but not including `to`; nothing where
-    // these are not of scripts that the ruler can read. A stretch of that many characters is shaped
+    // the ruler cannot read these. A stretch of that many characters is shaped
     // if the last one does not hold the range.
     std::optional<double> advance(QStringView text, qsizetype from, qsizetype to,
                                   qsizetype stretchLength);
@@ -39,6 +39,7 @@ public:
 private:
     void shapeStretch(QStringView text, qsizetype from, qsizetype to);
     double advance(qsizetype from, qsizetype to);
+    bool cutsLigature(qsizetype position);
     bool isAsByItself(QStringView text, qsizetype position);
 
     const QFont m_font;

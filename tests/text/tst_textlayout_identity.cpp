@@ -284,6 +284,8 @@ private Q_SLOTS:
     void agreesWithThePlainFormulation();
     void agreesInFontsThatAreHardToRead_data();
     void agreesInFontsThatAreHardToRead();
+    void agreesWhereLinesCutLigatures_data();
+    void agreesWhereLinesCutLigatures();
     void reachesWhatCountingReaches_data();
     void reachesWhatCountingReaches();
     void agreesInExtremelySetFonts_data();
@@ -459,6 +461,41 @@ void tst_TextLayoutIdentity::agreesInFontsThatAreHardToRead()
             compare(maker.next());
             if (QTest::currentTestFailed())
                 return;
+        }
+    }
+}
+
+void tst_TextLayoutIdentity::agreesWhereLinesCutLigatures_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("at the beginning") << QStringLiteral("fficuffic");
+    QTest::newRow("at the end") << QStringLiteral("officoffi");
+    QTest::newRow("several") << QStringLiteral("fluffiest affiffi office");
+    QTest::newRow("before a paragraph") << QStringLiteral("office fi\n-стройка");
+}
+
+void tst_TextLayoutIdentity::agreesWhereLinesCutLigatures()
+{
+    QFETCH(QString, text);
+
+    ReferenceInput input;
+    input.text = text;
+    for (const int pixelSize : {16, 27}) {
+        input.font = pixelFont(pixelSize);
+        const double letters =
+            3 * advance(QStringLiteral("f"), input.font) + advance(QStringLiteral("i"), input.font);
+        const double joined = advance(QStringLiteral("fffi"), input.font);
+        QVERIFY2(joined != letters, "The font has no ligature.");
+
+        for (int width = 1; width < advance(text, input.font); ++width) {
+            input.textWidth = width;
+            for (const int lines : {1, 2, 3, most}) {
+                input.maxLineCount = lines;
+                compare(input);
+                if (QTest::currentTestFailed())
+                    return;
+            }
         }
     }
 }
