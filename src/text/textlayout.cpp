@@ -73,7 +73,7 @@ public:
                 TextMeasure::Method method);
 
     BrokenText run();
-    bool isMeasureWrong() const { return m_measure.isRulerWrong(); }
+    bool isRulerWrong() const { return m_measure.isRulerWrong(); }
 
 private:
     bool nextCandidate();
@@ -436,7 +436,7 @@ BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimi
 {
     LineBreaker breaker(text, font, limits, TextMeasure::Method::Ruler);
     const BrokenText broken = breaker.run();
-    if (!breaker.isMeasureWrong())
+    if (!breaker.isRulerWrong())
         return broken;
     return LineBreaker(text, font, limits, TextMeasure::Method::MeasureAll).run();
 }

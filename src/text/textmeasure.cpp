@@ -15,7 +15,7 @@ constexpr double usualCharacterInEms = 0.55;
 // In a line of narrow letters stand that many times as many as in one of usual ones, and some more.
 constexpr double narrowLetters = 2;
 constexpr qsizetype fewestPerLine = 64;
-constexpr double mostPerLine = 1 << 14;
+constexpr double longestLine = 1 << 14;
 
 // Shaping a longer stretch costs no less a character, and where the lines end sooner it is for
 // nothing.
@@ -37,7 +37,7 @@ bool growsWithEachCharacter(const QFont &font)
 
 double usualPerLine(const QFont &font, double lineWidth)
 {
-    return std::min(lineWidth / (usualCharacterInEms * font.pixelSize()), mostPerLine);
+    return std::min(lineWidth / (usualCharacterInEms * font.pixelSize()), longestLine);
 }
 
 qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
