@@ -1,5 +1,8 @@
 #include "hyphenation_p.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace ovelin {
 
 using namespace Qt::StringLiterals;
@@ -39,6 +42,11 @@ constexpr Rule hyphenationRules[] = {
     {"gsssg"_L1, "gs-ssg"_L1}, {"gssssg"_L1, "gss-ssg"_L1},
 };
 // clang-format on
+
+constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
+                                      return rule.before.size();
+                                  }).before.size();
+static_assert(hyphenationReach == qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1));
 
 // What a word gains in hyphens before its class string has to grow.
 constexpr qsizetype usualHyphenCount = 4;
@@ -81,18 +89,17 @@ const QRegularExpression wordBreakPattern(
 
 qsizetype wordBreak(QStringView text, qsizetype from)
 {
-    const auto matchesAt = [text](qsizetype position) {
-        return wordBreakPattern
-            .matchView(text, position, QRegularExpression::NormalMatch,
-                       QRegularExpression::AnchorAtOffsetMatchOption
-                           | QRegularExpression::DontCheckSubjectStringMatchOption)
-            .hasMatch();
-    };
-    // What nearly every word ends with needs no pattern, which takes longer to start than to search.
+    // Spaces and separators are looked for without the pattern: starting it costs more than this search.
     for (qsizetype i = from; i < text.size(); ++i) {
         const QChar c = text.at(i);
-        if (c == u' ' || c == lineSeparator || (c == hyphen && matchesAt(i)))
+        if (c == u' ' || c == lineSeparator)
             return i;
+        if (c == hyphen) {
+            return wordBreakPattern
+                .matchView(text, i, QRegularExpression::NormalMatch,
+                           QRegularExpression::DontCheckSubjectStringMatchOption)
+                .capturedStart();
+        }
     }
     return -1;
 }

@@ -22,9 +22,9 @@ extern const QRegularExpression wordBreakPattern;
 // Returns where that pattern matches first at or after a position of a well-formed text, or -1.
 qsizetype wordBreak(QStringView text, qsizetype from);
 
-// The characters that far behind a place decide whether a hyphen may stand there, and none further
-// on: each of the 22 replacements sees the five letters behind it at the most.
-constexpr qsizetype hyphenationReach = qsizetype{22} * 5;
+// How far behind a place stands the last character on which it depends whether a hyphen may be there:
+// each rule is applied twice, and sees that many letters more each time.
+constexpr qsizetype hyphenationReach = qsizetype{11} * 2 * 5;
 
 // Returns how many of the first characters of a word stay on the line when it is broken with a
 // hyphen: the most that fit. 0 when not even the first syllable fits, -1 when the word has no place
