@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace ovelin {
 
@@ -16,6 +17,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr char16_t ellipsis = u'\u2026';
+
+// What comes behind it is not measured: Qt takes it for a shorter form of the text.
+constexpr char16_t endOfMeasuredText = u'\u009c';
 
 // A word is split without a hyphen only if that many characters, its separator counted, go to the
 // next line.
@@ -78,6 +82,8 @@ public:
 private:
     bool nextCandidate();
     bool loadText();
+    void loadUpTo(qsizetype position);
+    bool isWiderThanLimit() const;
     bool fits();
     bool maySplit() const;
 
@@ -113,7 +119,8 @@ private:
     qsizetype m_previousWordStart = 0; // of the last word that fitted
 
     Candidate m_candidate = {};
-    qsizetype m_break = 0; // the separator behind which a new line may begin
+    qsizetype m_knownSeparator = -1; // of the rest of a word that was split
+    qsizetype m_break = 0;           // the separator behind which a new line may begin
     bool m_elided = false;
 
     QHash<WrapState, int> m_lineCountAtWrap;
@@ -128,7 +135,8 @@ LineBreaker::LineBreaker(const QString &text, const QFont &font, const LineLimit
     , m_source(text)
     , m_measure(font, limits.width, limits.maxLineCount, method)
 {
-    // A break inserts a separator and at most one hyphen.
+    // A break inserts a separator and at most one hyphen. Few texts are shown of which more than the first
+    // piece is looked at.
     const qsizetype shown = std::min(text.size(), shortestLoad) + 1;
     const qsizetype breaks = std::clamp<qsizetype>(limits.maxLineCount, 1, shown) - 1;
     m_text.reserve(shown + 2 * breaks);
@@ -147,17 +155,17 @@ BrokenText LineBreaker::run()
         trimBeforeEllipsis();
     else
         m_text.chop(1);
-    return {.text = m_text, .elided = m_elided, .widerThanLimit = m_measure.isWiderThanLine()};
+    return {.text = m_text, .elided = m_elided, .widerThanLimit = isWiderThanLimit()};
 }
 
 bool LineBreaker::nextCandidate()
 {
-    qsizetype separator = -1;
-    do {
+    qsizetype separator = std::exchange(m_knownSeparator, -1);
+    while (separator == -1) {
         separator = wordBreak(m_text, m_wordStart);
-    } while (separator == -1 && loadText());
-    if (separator == -1)
-        return false;
+        if (separator == -1 && !loadText())
+            return false;
+    }
 
     m_break = separator;
     m_candidate = {.lineStart = m_lineStart,
@@ -185,9 +193,22 @@ bool LineBreaker::loadText()
     return true;
 }
 
+// The text may end before that position, too.
+void LineBreaker::loadUpTo(qsizetype position)
+{
+    while (position >= m_text.size() && loadText()) {
+    }
+}
+
+bool LineBreaker::isWiderThanLimit() const
+{
+    const QStringView seen = QStringView(m_source).first(std::min(m_loaded, m_source.size()));
+    return m_measure.isWiderThanLine() && !seen.contains(endOfMeasuredText);
+}
+
 bool LineBreaker::fits()
 {
-    // Fonts that kern letters with spaces are those which a ruler reads wrong.
+    // Fonts that kern letters with spaces are mostly those which a ruler reads wrong.
     if (m_text.at(m_candidate.separator) == u' ')
         m_measure.checkOnce(m_text, m_lineStart, m_candidate.separator);
     return m_measure.decide(m_text, m_lineStart, m_candidate.separator,
@@ -218,14 +239,15 @@ bool LineBreaker::splitWord()
         return false;
 
     // Lower-casing can lengthen a word, and put the point behind the end of the text.
-    while (m_wordStart + kept >= m_text.size() && loadText()) {
-    }
+    loadUpTo(m_wordStart + kept);
     const qsizetype splitPoint = characterStart(std::min(m_wordStart + kept, m_text.size() - 1));
     if (splitPoint <= m_wordStart)
         return false;
 
     const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
     insert(splitPoint, lineEnd);
+    if (splitPoint <= m_candidate.separator)
+        m_knownSeparator = m_candidate.separator + lineEnd.size();
     startLine(splitPoint + lineEnd.size());
     ++m_lineCount;
     return true;
@@ -316,6 +338,8 @@ void LineBreaker::elide()
         if (metrics.horizontalAdvance(shown) > m_limits.width)
             cut = characterStart(cut - 1);
     }
+    // The line may begin behind the one whose length is taken here.
+    loadUpTo(cut);
     if (cut >= 0)
         m_text.replace(cut, 1, ellipsis);
     m_text.truncate(cut + 1);
@@ -341,6 +365,7 @@ int LineBreaker::hyphenationPoint()
     };
     const qsizetype mostKept = m_measure.mostPerLine();
     bool isRejected = false;
+    // Also notes whether a point was seen that does not fit.
     const auto fitsWithHyphen = [&](qsizetype kept) {
         const qsizetype end = std::min(m_wordStart + kept, m_candidate.end());
         const bool accepted = m_measure.decide(m_text, m_lineStart, end, fits);
@@ -377,9 +402,11 @@ qsizetype LineBreaker::forcedSplitPoint()
     const qsizetype most = m_candidate.wordSize() - shortestRest;
     qsizetype kept = 0;
     // Where a beginning fits with room to spare, each shorter one fits.
-    if (most > 0 && m_measure.advancesGrow()) {
-        for (auto step = qsizetype(std::bit_floor(size_t(most))); step > 0; step /= 2) {
-            if (kept + step <= most && fitsWith(kept + step, m_measure.tolerance()))
+    const qsizetype likely = std::min(most, m_measure.mostPerLine());
+    if (likely > 0
+        && m_measure.growsSteadily(QStringView(m_text).sliced(m_wordStart).first(likely))) {
+        for (auto step = qsizetype(std::bit_floor(size_t(likely))); step > 0; step /= 2) {
+            if (kept + step <= likely && fitsWith(kept + step, m_measure.tolerance()))
                 kept += step;
         }
     }

@@ -6,8 +6,10 @@ namespace ovelin {
 
 namespace {
 
-// No character is that wide, the longest ligatures of sentences included.
+// No character is wider, the longest ligatures of sentences included, but for a tab, which reaches up to
+// the next of Qt's stops.
 constexpr int widestCharacterInEms = 16;
+constexpr double tabStopDistance = 80;
 
 // Letters of most scripts are a little over half as wide as high.
 constexpr double usualCharacterInEms = 0.55;
@@ -24,9 +26,9 @@ constexpr qsizetype longestUsualStretch = 256;
 double widestCharacter(const QFont &font)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    const double spacing = std::abs(font.letterSpacing());
-    const double factor = std::max({1.0, font.stretch() / 100.0, percentage ? spacing / 100 : 0.0});
-    return widestCharacterInEms * font.pixelSize() * factor + (percentage ? 0 : spacing)
+    const double widest =
+        std::max<double>(widestCharacterInEms * font.pixelSize(), tabStopDistance);
+    return widest * horizontalScale(font) + (percentage ? 0 : std::abs(font.letterSpacing()))
            + std::abs(font.wordSpacing());
 }
 
@@ -60,8 +62,13 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
                     + fewestPerLine)
     , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
 {
-    if (method == Method::Ruler)
+    if (method == Method::Ruler && TextRuler::canRead(font))
         m_ruler.emplace(font);
+}
+
+bool TextMeasure::growsSteadily(QStringView text) const
+{
+    return m_advancesGrow && TextRuler::canRead(text);
 }
 
 void TextMeasure::textInserted(qsizetype before, qsizetype size)

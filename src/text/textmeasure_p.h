@@ -27,9 +27,8 @@ public:
     // More characters hardly ever stand on a line.
     qsizetype mostPerLine() const { return m_mostPerLine; }
 
-    // Whether a range is no narrower than one with fewer characters, but for what the letters at its
-    // ends do to their neighbours: that tolerance.
-    bool advancesGrow() const { return m_advancesGrow; }
+    // Whether a beginning of that text is never wider than a longer one by more than the tolerance.
+    bool growsSteadily(QStringView text) const;
     double tolerance() const { return m_tolerance; }
 
     // Returns what `fits` says of the advance of the characters from `from` up to but not including
@@ -73,15 +72,19 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, cons
     if (fits(double(to - from) * m_widestCharacter))
         return true;
 
-    // Of what is much longer than a line, as a word without an end, the beginning is enough.
-    const qsizetype seen = m_advancesGrow ? std::min(to, from + m_mostPerLine) : to;
-    const auto reading = read(text, from, seen);
-    if (seen < to) {
-        const double least =
-            reading ? *reading - m_tolerance : measure(text, from, seen) - m_lineWidth;
-        return fits(least) && fits(measure(text, from, to));
+    // Of what is much longer than a line, as a word without an end, the beginning is enough: what
+    // follows does not make it narrower, or, where letters join that cannot be read, by no whole line.
+    if (m_advancesGrow) {
+        for (qsizetype seen = m_mostPerLine; seen < to - from; seen *= 2) {
+            const auto reading = read(text, from, from + seen);
+            const double least =
+                reading ? *reading - m_tolerance : measure(text, from, from + seen) - m_lineWidth;
+            if (!fits(least))
+                return false;
+        }
     }
 
+    const auto reading = read(text, from, to);
     const auto decides = [&](double tolerance) {
         return fits(*reading - tolerance) == fits(*reading + tolerance);
     };

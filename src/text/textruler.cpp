@@ -31,9 +31,9 @@ bool isReadable(QChar c)
 // Kerning between letters takes a fifth of this, and less at spaces.
 constexpr double tolerableEms = 0.5;
 
-// Where neither end is kerned or joined to its neighbour, only what fonts hardly ever have can act on the
-// range: rules for letters that are farther apart.
-constexpr double tolerableEmsBetweenFreeEnds = 0.1;
+// How much of it is enough where neither end is kerned to its neighbour: only what fonts hardly ever
+// have can act on the range then, rules for letters that are farther apart.
+constexpr double freeEndsShare = 0.2;
 
 bool isSpaced(const QFont &font)
 {
@@ -42,15 +42,32 @@ bool isSpaced(const QFont &font)
 
 } // namespace
 
+double horizontalScale(const QFont &font)
+{
+    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
+    return std::max(1.0, font.stretch() / 100.0)
+           * std::max(1.0, percentage ? font.letterSpacing() / 100 : 0);
+}
+
 TextRuler::TextRuler(const QFont &font)
     : m_font(font)
     , m_metrics(font)
 {
 }
 
+bool TextRuler::canRead(const QFont &font)
+{
+    return font.capitalization() != QFont::Capitalize;
+}
+
+bool TextRuler::canRead(QStringView text)
+{
+    return std::ranges::all_of(text, isReadable);
+}
+
 double TextRuler::tolerance(const QFont &font)
 {
-    return tolerableEms * font.pixelSize() + std::abs(font.wordSpacing());
+    return tolerableEms * font.pixelSize() * horizontalScale(font) + std::abs(font.wordSpacing());
 }
 
 std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsizetype to,
@@ -59,9 +76,9 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
     const bool shaped =
         from >= m_begin && from <= m_end && (to <= m_end || (m_endsEarly && from == m_begin));
     if (!shaped) {
-        // Longer and longer ones for a long line, so that all of them together cost no more than twice it.
-        const qsizetype size = to - from;
-        shapeStretch(text, from, from + (size > stretchLength ? 2 * size : stretchLength));
+        // Longer and longer ones for a long line, so that all of them together cost no more than
+        // twice it; and the range has neighbours, or checking the ruler by it would tell nothing.
+        shapeStretch(text, from, from + std::max(stretchLength, 2 * (to - from)));
     }
     if (to > m_end || !m_stretch || cutsLigature(from) || cutsLigature(to))
         return std::nullopt;
@@ -71,7 +88,7 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
 double TextRuler::tolerance(QStringView text, qsizetype from, qsizetype to)
 {
     const bool endsAreFree = from < to && isAsByItself(text, from) && isAsByItself(text, to - 1);
-    return endsAreFree ? tolerableEmsBetweenFreeEnds * m_font.pixelSize() : tolerance(m_font);
+    return tolerance(m_font) * (endsAreFree ? freeEndsShare : 1);
 }
 
 void TextRuler::textInserted(qsizetype before, qsizetype size)

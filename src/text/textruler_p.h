@@ -9,6 +9,9 @@
 
 namespace ovelin {
 
+// How many times as wide as it was drawn a font is set, its letters and their kerning.
+double horizontalScale(const QFont &font);
+
 // Reads the advances of many ranges of a text from one shaping of a longer stretch of it.
 //
 // A range in its stretch can be shaped a little otherwise than by itself: the characters at its two
@@ -20,17 +23,23 @@ class TextRuler
 public:
     explicit TextRuler(const QFont &font);
 
+    // Not fonts in which a letter is another one where it begins a line.
+    static bool canRead(const QFont &font);
+
+    // Only characters that stand side by side from left to right, each in a place of its own.
+    static bool canRead(QStringView text);
+
     // How far any advance that is read may lie from that of the range by itself.
     static double tolerance(const QFont &font);
 
     // Returns the advance of the characters from `from` up to but not including `to`; nothing where
-    // the ruler cannot read these. A stretch of that many characters is shaped
-    // if the last one does not hold the range.
+    // the ruler cannot read these. A stretch of that many characters is shaped if the last one does
+    // not hold the range.
     std::optional<double> advance(QStringView text, qsizetype from, qsizetype to,
                                   qsizetype stretchLength);
 
-    // How far the advance of that range may lie from it, which is less where no neighbour has acted on its
-    // ends. It must have been the last one read.
+    // How far the advance of that range may lie from what was read, which is less where no neighbour
+    // has acted on its ends. It must have been the last one read.
     double tolerance(QStringView text, qsizetype from, qsizetype to);
 
     // The text was changed in front of a position, which has moved by that many characters.
