@@ -1,4 +1,4 @@
-# mutate [SUBSYSTEM] [--every N]
+# mutate [SUBSYSTEM[/FILE]...] [--every N]
 # Change the library at one place at a time and tell whether the tests notice.
 #
 # The subsystems are the folders of src; the tests of each are in the folder of tests of the same name.
@@ -13,22 +13,21 @@ mutate()
         "$repository/build/$toolchain/mutate" "$least_caught" --jobs "$(processors)" "$@"
 }
 
-subsystems=()
-if (($#)) && [[ $1 != --* ]]; then
-    [[ -d $repository/src/$1 ]] || fail "There is no subsystem \"$1\"." "The folders of src are the subsystems."
-    subsystems=("$1")
+parts=()
+while (($#)) && [[ $1 != --* ]]; do
+    [[ -e $repository/src/$1 ]] || fail "There is no \"$1\" in src." "The folders of src are the subsystems."
+    parts+=("${1%/}")
     shift
-else
-    for folder in "$repository"/src/*/; do
-        subsystems+=("$(basename "$folder")")
-    done
+done
+if ((${#parts[@]} == 0)); then
+    mapfile -t parts < <(find "$repository/src" -mindepth 1 -maxdepth 1 -type d -printf '%P\n' | sort)
 fi
 
 try_fewer_texts
 use_workshop
 failed=()
-for subsystem in "${subsystems[@]}"; do
-    mutate "$subsystem" "$@" || failed+=("$subsystem")
+for part in "${parts[@]}"; do
+    mutate "$part" "$@" || failed+=("$part")
 done
 ((${#failed[@]} == 0)) || fail "Too many changes went unnoticed: ${failed[*]}; they are listed above." \
     "Mend the tests, or list what is equivalent in tools/mutate/equivalent.txt."

@@ -12,7 +12,9 @@ import os
 import pathlib
 import queue
 import re
+import resource
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -51,6 +53,8 @@ COMMENT_OR_LITERAL = re.compile(r'//[^\n]*|/\*.*?\*/|u?"(?:\\.|[^"\\\n])*"|u?\'(
 # A test that takes this much longer than it did without a mutant hangs.
 TIMES_LONGER = 10
 SECONDS_LONGER = 5
+# One that wants more memory than this fails, and leaves the rest to others.
+MOST_MEMORY = 4 << 30
 
 
 def blank_out(match):
@@ -118,8 +122,9 @@ class Workbench:
         self.source = folder / "source"
         self.build = folder / "build"
         self.tests = self.build / "tests" / subsystem
-        shutil.rmtree(self.source, ignore_errors=True)
-        for part in ("CMakeLists.txt", "cmake", "include", "src", "tests"):
+        # What a run that was ended left there may be a mutant.
+        shutil.rmtree(folder, ignore_errors=True)
+        for part in ("CMakeLists.txt", "cmake", "docs", "include", "src", "tests"):
             original, copy = repository / part, self.source / part
             if original.is_dir():
                 shutil.copytree(original, copy)
@@ -129,8 +134,13 @@ class Workbench:
         self.run("cmake", "-G", "Ninja", "-S", self.source, "-B", self.build, "-DCMAKE_BUILD_TYPE=None",
                  "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
                  "-DOVELIN_BUILD_EXAMPLES=OFF", "-DOVELIN_INSTALL=OFF")
-        self.compile()
         self.durations = {}
+        self.check()
+
+    def check(self):
+        """Sees that everything works without any mutant, and how long it takes."""
+        if not self.compile():
+            sys.exit(f"Building fails without any mutant: ninja -C {self.build}")
         for name in self.test_names():
             started = time.monotonic()
             if not self.passes(name, 600):
@@ -142,8 +152,11 @@ class Workbench:
         subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
 
     def compile(self):
-        return subprocess.run(["ninja", "-C", self.build, f"tests/{self.tests.name}/all"],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+        ninja = subprocess.run(["ninja", "-C", self.build, f"tests/{self.tests.name}/all"],
+                               capture_output=True, text=True)
+        if ninja.returncode != 0 and ": error: " not in ninja.stdout:
+            sys.exit(f"Building failed, and not because of the code:\n{ninja.stdout}{ninja.stderr}")
+        return ninja.returncode == 0
 
     def test_names(self):
         shown = subprocess.run(["ctest", "--test-dir", self.tests, "--show-only=json-v1"],
@@ -151,9 +164,15 @@ class Workbench:
         return [test["name"] for test in json.loads(shown)["tests"]]
 
     def passes(self, name, seconds):
-        return subprocess.run(["ctest", "--test-dir", self.tests, "-R", f"^{re.escape(name)}$",
-                               "--no-tests=error", "--timeout", str(int(seconds) + 1)],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+        command = ["ctest", "--test-dir", self.tests, "-R", f"^{re.escape(name)}$", "--no-tests=error"]
+        test = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                start_new_session=True)
+        try:
+            return test.wait(seconds) == 0
+        except subprocess.TimeoutExpired:
+            os.killpg(test.pid, signal.SIGKILL)
+            test.wait()
+            return False
 
     def survives(self, mutant):
         """Whether all tests pass; None if the mutant is no program."""
@@ -176,12 +195,14 @@ def main():
     parser.add_argument("repository", type=pathlib.Path)
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("least", type=float)
-    parser.add_argument("subsystem")
+    parser.add_argument("part", help="a subsystem, or one file of it")
     parser.add_argument("--every", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1)
     arguments = parser.parse_args()
 
-    sources = sorted((arguments.repository / "src" / arguments.subsystem).glob("*.cpp"))
+    part = arguments.repository / "src" / arguments.part
+    subsystem = pathlib.PurePath(arguments.part).parts[0]
+    sources = sorted(part.glob("*.cpp")) if part.is_dir() else [part]
     files = [str(path.relative_to(arguments.repository)) for path in sources]
     mutants = [mutant for file in files for mutant in mutants_of(arguments.repository, file)]
     equivalents = read_equivalents(pathlib.Path(__file__).parent / "equivalent.txt")
@@ -189,17 +210,19 @@ def main():
     for stale in sorted(key for key in equivalents - known if key[0] in files):
         sys.exit(f"equivalent.txt names what is no mutant any more: {stale}")
     tried = [mutant for mutant in mutants if mutant.key not in equivalents][::arguments.every]
-    print(f"{arguments.subsystem}: {len(mutants)} mutants, "
+    print(f"{arguments.part}: {len(mutants)} mutants, "
           f"{len(mutants) - sum(mutant.key not in equivalents for mutant in mutants)} equivalent, "
           f"{len(tried)} to try", flush=True)
 
-    benches = queue.Queue()
-    for number in range(arguments.jobs):
-        benches.put(Workbench(arguments.repository, arguments.folder / f"{arguments.subsystem}-{number}",
-                              arguments.subsystem))
-
     # It takes long, and nobody waits for it.
     os.nice(19)
+    resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
+    # Where a mutant crashes does not matter.
+    os.environ["QTEST_DISABLE_STACK_DUMP"] = "1"
+    benches = queue.Queue()
+    for number in range(arguments.jobs):
+        benches.put(Workbench(arguments.repository, arguments.folder / f"{subsystem}-{number}", subsystem))
+
     counts = {file: {"caught": 0, "survived": 0, "not compiled": 0} for file in files}
 
     def attempt(mutant):
@@ -215,13 +238,15 @@ def main():
             counts[mutant.file][outcome] += 1
             if survives:
                 print(f"survived: {mutant}\n", flush=True)
+    while not benches.empty():
+        benches.get().check()
 
     for file, count in counts.items():
         print(f"{file}: " + ", ".join(f"{number} {outcome}" for outcome, number in count.items()))
     caught = sum(count["caught"] for count in counts.values())
     survived = sum(count["survived"] for count in counts.values())
     share = 100 * caught / max(1, caught + survived)
-    print(f"{arguments.subsystem}: {caught} of {caught + survived} caught, {share:.1f} %")
+    print(f"{arguments.part}: {caught} of {caught + survived} caught, {share:.1f} %")
     sys.exit(0 if share >= arguments.least else f"Less than {arguments.least:g} % were caught.")
 
 
