@@ -6,6 +6,7 @@ stands in equivalent.txt, with the reason, and is not tried.
 """
 
 import argparse
+import collections
 import concurrent.futures
 import json
 import os
@@ -50,6 +51,8 @@ INTEGER = re.compile(r"(?<![\w.])\d+(?![\w.'])")
 # A statement on a line of its own that declares nothing.
 STATEMENT = re.compile(r"^(return|continue|break|(Q_EMIT )?[\w.:>()\[\]*-]+( [-+*/%|&]?= .*|\(.*\)|\+\+|--));$")
 COMMENT_OR_LITERAL = re.compile(r'//[^\n]*|/\*.*?\*/|u?"(?:\\.|[^"\\\n])*"|u?\'(?:\\.|[^\'\\\n])*\'', re.DOTALL)
+# What checks itself shows what would go wrong unseen.
+FLAGS = "-O0 -D_GLIBCXX_ASSERTIONS -DQT_FORCE_ASSERTS"
 # A test that takes this much longer than it did without a mutant hangs.
 TIMES_LONGER = 10
 SECONDS_LONGER = 5
@@ -79,39 +82,42 @@ def line_mutants(code):
 
 
 class Mutant:
-    def __init__(self, file, number, original, mutated):
+    def __init__(self, file, number, before, original, mutated):
         self.file = file
         self.number = number
+        self.before = before
         self.original = original
         self.mutated = mutated
 
     @property
     def key(self):
-        return (self.file, self.original.strip(), self.mutated.strip())
+        return (self.file, self.before.strip(), self.original.strip(), self.mutated.strip())
 
     def __str__(self):
-        return f"{self.file}:{self.number}\n- {self.original.strip()}\n+ {self.mutated.strip()}"
+        return f"{self.file}:{self.number}\n  {self.before.strip()}\n- {self.original.strip()}\n+ {self.mutated.strip()}"
 
 
 def mutants_of(repository, file):
     text = (repository / file).read_text()
+    lines = text.split("\n")
     code = COMMENT_OR_LITERAL.sub(blank_out, text).split("\n")
-    for number, (line, blanked) in enumerate(zip(text.split("\n"), code), start=1):
+    for number, (before, line, blanked) in enumerate(zip(["", *lines], lines, code), start=1):
         for start, end, replacement in line_mutants(blanked):
-            yield Mutant(file, number, line, line[:start] + replacement + line[end:])
+            yield Mutant(file, number, before, line, line[:start] + replacement + line[end:])
 
 
 def read_equivalents(path):
-    """File, "- original", "+ mutated", then "# reason" of one or more lines; blank lines between."""
+    """File, line before, "- original", "+ mutated", "# reason" in one or more lines; blank lines between."""
     equivalents = set()
     for entry in re.split(r"\n{2,}", path.read_text().strip()):
         lines = entry.split("\n")
         if lines[0].startswith("#"):
             continue
-        file, original, mutated, *reason = lines
+        file, before, original, mutated, *reason = lines
         if not reason or not all(line.startswith("# ") for line in reason):
             sys.exit(f"{path}: no reason is given for:\n{entry}")
-        equivalents.add((file, original.removeprefix("- ").strip(), mutated.removeprefix("+ ").strip()))
+        equivalents.add((file, before.strip(), original.removeprefix("- ").strip(),
+                         mutated.removeprefix("+ ").strip()))
     return equivalents
 
 
@@ -132,8 +138,8 @@ class Workbench:
                 copy.parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy2(original, copy)
         self.run("cmake", "-G", "Ninja", "-S", self.source, "-B", self.build, "-DCMAKE_BUILD_TYPE=None",
-                 "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
-                 "-DOVELIN_BUILD_EXAMPLES=OFF", "-DOVELIN_INSTALL=OFF")
+                 f"-DCMAKE_CXX_FLAGS={FLAGS}", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
+                 "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", "-DOVELIN_BUILD_EXAMPLES=OFF", "-DOVELIN_INSTALL=OFF")
         self.durations = {}
         self.check()
 
@@ -206,9 +212,9 @@ def main():
     files = [str(path.relative_to(arguments.repository)) for path in sources]
     mutants = [mutant for file in files for mutant in mutants_of(arguments.repository, file)]
     equivalents = read_equivalents(pathlib.Path(__file__).parent / "equivalent.txt")
-    known = {mutant.key for mutant in mutants}
-    for stale in sorted(key for key in equivalents - known if key[0] in files):
-        sys.exit(f"equivalent.txt names what is no mutant any more: {stale}")
+    places = collections.Counter(mutant.key for mutant in mutants)
+    for key in sorted(key for key in equivalents if key[0] in files and places[key] != 1):
+        sys.exit(f"equivalent.txt names what is a mutant at {places[key]} places instead of one: {key}")
     tried = [mutant for mutant in mutants if mutant.key not in equivalents][::arguments.every]
     print(f"{arguments.part}: {len(mutants)} mutants, "
           f"{len(mutants) - sum(mutant.key not in equivalents for mutant in mutants)} equivalent, "
@@ -217,8 +223,8 @@ def main():
     # It takes long, and nobody waits for it.
     os.nice(19)
     resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
-    # Where a mutant crashes does not matter.
-    os.environ["QTEST_DISABLE_STACK_DUMP"] = "1"
+    # Where a mutant crashes does not matter, but it should crash when it uses memory that it gave back.
+    os.environ.update(QTEST_DISABLE_STACK_DUMP="1", MALLOC_PERTURB_="165")
     benches = queue.Queue()
     for number in range(arguments.jobs):
         benches.put(Workbench(arguments.repository, arguments.folder / f"{subsystem}-{number}", subsystem))
