@@ -3,6 +3,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <memory>
 #include <type_traits>
@@ -97,6 +98,8 @@ private Q_SLOTS:
     void destroyedAfterTheTrackerWasUninstalled();
     void destroyedAfterTheTrackerWasReplaced();
     void destroyedWhileInTwoTrackers();
+    void destroyedAfterOneOfItsTrackers_data();
+    void destroyedAfterOneOfItsTrackers();
     void destroyedAfterItsTracker();
     void destroyedAfterTheTrackerWasCleared();
     void destroyedAfterTheStateLostIt();
@@ -775,6 +778,36 @@ void tst_AbstractResourceOwner::destroyedWhileInTwoTrackers()
     }
     QCOMPARE(presentState->owner, nullptr);
     QCOMPARE(formerState->owner, nullptr);
+}
+
+void tst_AbstractResourceOwner::destroyedAfterOneOfItsTrackers_data()
+{
+    QTest::addColumn<int>("gone");
+
+    QTest::newRow("the oldest") << 0;
+    QTest::newRow("the middle one") << 1;
+    QTest::newRow("the newest") << 2;
+}
+
+void tst_AbstractResourceOwner::destroyedAfterOneOfItsTrackers()
+{
+    QFETCH(const int, gone);
+    std::array trackers = {std::make_unique<SceneResourceTracker>(),
+                           std::make_unique<SceneResourceTracker>(),
+                           std::make_unique<SceneResourceTracker>()};
+    auto item = std::make_unique<Item>();
+    for (const auto &tracker : trackers)
+        tracker->registerResource(item.get(), image(1));
+
+    trackers.at(size_t(gone)).reset();
+    item.reset();
+
+    for (const auto &tracker : trackers) {
+        if (tracker) {
+            QVERIFY(tracker->resources().empty());
+            QVERIFY(tracker->owners().empty());
+        }
+    }
 }
 
 void tst_AbstractResourceOwner::destroyedAfterItsTracker()

@@ -385,6 +385,8 @@ private Q_SLOTS:
     void neighboursFromAMessage_data();
     void neighboursFromAMessage();
     void oneFromTheMessagesOfAll();
+    void oneFromTheMessagesOfMany_data();
+    void oneFromTheMessagesOfMany();
     void allFromTheMessageOfOne();
     void lastOwnerIsAnnouncedOnce();
     void registeringWhileAllIsUnregistered_data();
@@ -619,6 +621,35 @@ void tst_Reentrancy::oneFromTheMessagesOfAll()
     QVERIFY(scene.tracker.owners().empty());
 }
 
+void tst_Reentrancy::oneFromTheMessagesOfMany_data()
+{
+    QTest::addColumn<int>("count");
+
+    // Room for sixteen is kept ready, and doubled when it is full.
+    for (const int count : {1, 15, 16, 17, 32, 33})
+        QTest::addRow("%d", count) << count;
+}
+
+void tst_Reentrancy::oneFromTheMessagesOfMany()
+{
+    QFETCH(const int, count);
+    SceneResourceTracker tracker;
+    tracker.setMessagesEnabled(true);
+    PlainOwner owner;
+    PlainOwner other;
+    for (int id = 1; id <= count; ++id)
+        tracker.registerResource(&owner, image(id));
+    tracker.registerResource(&other, image(0));
+    const Reaction reaction(tracker, &SceneResourceTracker::messagesAdded,
+                            [&] { tracker.unregisterResource(&other, 0); });
+
+    tracker.unregisterResources(&owner);
+
+    QCOMPARE(reaction.calls(), count);
+    QVERIFY(tracker.resources().empty());
+    QVERIFY(tracker.owners().empty());
+}
+
 void tst_Reentrancy::allFromTheMessageOfOne()
 {
     Scene scene;
@@ -672,6 +703,7 @@ void tst_Reentrancy::registeringWhileAllIsUnregistered()
     QCOMPARE(reaction.calls(), 3);
     QCOMPARE(idsOf(scene.tracker, scene.a.get()).size(), 3);
     QVERIFY(scene.tracker.owners().contains(scene.a.get()));
+    QCOMPARE(scene.tracker.owners().at(scene.a.get())->resourceCount, 3);
     for (const int id : {1, 2, 3})
         QCOMPARE(scene.ledger.count(Message::Unregistered, id), 1);
     QCOMPARE(scene.ledger.count(Message::Unregistered), 3);
