@@ -3,6 +3,7 @@
 
 #include <ovelin/textrenderer.h>
 
+#include <QDataStream>
 #include <QImage>
 #include <QPainter>
 #include <QPen>
@@ -73,6 +74,21 @@ QImage canvas()
     QImage image(300, 120, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     return image;
+}
+
+// No setter takes this size, but a font that is read may have it.
+QFont fontOfZeroPixels()
+{
+    const QByteArray size = QByteArrayLiteral("\1\2\3\4");
+    QByteArray bytes;
+    QDataStream writer(&bytes, QDataStream::WriteOnly);
+    writer << pixelFont(0x01020304);
+    bytes.replace(size, QByteArray(size.size(), '\0'));
+
+    QFont font;
+    QDataStream reader(bytes);
+    reader >> font;
+    return font;
 }
 
 bool isBlank(const QImage &image)
@@ -333,6 +349,10 @@ void tst_TextRenderer::validityNeedsTextAndPixelSize()
     QVERIFY(!renderer.isValid());
 
     renderer.setText(QStringLiteral("a"));
+    QVERIFY(renderer.isValid());
+
+    renderer.setTextFont(fontOfZeroPixels());
+    QCOMPARE(renderer.textFont().pixelSize(), 0);
     QVERIFY(renderer.isValid());
 
     renderer.setTextFont(pointFont);
@@ -929,15 +949,17 @@ void tst_TextRenderer::alignsHorizontallyByTheLimitWhereTheTextIsWider()
     // The whole text's width counts, limited by the box: a wrapped text fills its box.
     const QString text = QStringLiteral("aaaa bbbb");
     for (const Qt::AlignmentFlag alignment : {Qt::AlignHCenter, Qt::AlignRight}) {
-        TextRenderer renderer;
-        renderer.setTextAlignment(alignment);
-        renderer.setTextTopLeft(QPoint(5, 0));
-        prepare(renderer, text, ampleWidth, 3);
-        QVERIFY(renderer.alignedTextTopLeft().x() > 5);
+        for (const int narrow : {fineWidth(QStringLiteral("aaaa")) + 4, 1}) {
+            TextRenderer renderer;
+            renderer.setTextAlignment(alignment);
+            renderer.setTextTopLeft(QPoint(5, 0));
+            prepare(renderer, text, ampleWidth, 3);
+            QVERIFY(renderer.alignedTextTopLeft().x() > 5);
 
-        renderer.setTextWidth(fineWidth(QStringLiteral("aaaa")) + 4);
-        renderer.relayout();
-        QCOMPARE(renderer.alignedTextTopLeft().x(), 5);
+            renderer.setTextWidth(narrow);
+            renderer.relayout();
+            QCOMPARE(renderer.alignedTextTopLeft().x(), 5);
+        }
     }
 }
 
@@ -1702,6 +1724,11 @@ void tst_TextRenderer::extremeLetterSpacingIsSafe()
 
     renderer.setTextAlignment(Qt::AlignRight);
     renderer.relayout();
+    QCOMPARE(renderer.alignedTextTopLeft(), QPoint(most, 0));
+
+    // A box of no width moves nothing, though the text needs less.
+    renderer.setTextWidth(0);
+    QVERIFY(!renderer.isNeedRelayout());
     QCOMPARE(renderer.alignedTextTopLeft(), QPoint(most, 0));
 }
 
