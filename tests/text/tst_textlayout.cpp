@@ -1335,6 +1335,13 @@ void tst_TextLayout::breaksATextWithABrokenCharacter()
     QCOMPARE(renderer.text(), text);
     QVERIFY(renderer.isTextElided());
     QCOMPARE(renderer.displayText(), QStringLiteral("www \uFFFD www…"));
+
+    // So it is with a copy that is laid out itself.
+    TextRenderer copy(renderer);
+    copy.setTextWidth(renderer.textWidth());
+    copy.relayout();
+    QVERIFY(copy.isTextElided());
+    QCOMPARE(copy.displayText(), renderer.displayText());
 }
 
 void tst_TextLayout::longTextsEnd_data()
