@@ -77,7 +77,7 @@ def line_mutants(code):
         number = int(match.group())
         for other in (number + 1, number - 1) if number else (1,):
             yield match.start(), match.end(), str(other)
-    if STATEMENT.match(code.strip().replace("\0", "_")):
+    if STATEMENT.match(code.strip().replace("\0", "_")) and not code.endswith("= default;"):
         yield indent, len(code), ";"
 
 
