@@ -1,9 +1,10 @@
-# mutate [SUBSYSTEM[/FILE]...] [--every N]
+# mutate [PART...] [--every N]
 # Change the library at one place at a time and tell whether the tests notice.
 #
-# The subsystems are the folders of src; the tests of each are in the folder of tests of the same name.
-# With --every N only each N-th change is tried: all of them take an hour and more. Changes that no test
-# could notice are listed with their reasons in tools/mutate/equivalent.txt. Fails below 95 %.
+# A PART is a subsystem, which is a folder of src, or one file there, as in text/hyphenation.cpp. The
+# tests of each subsystem are in the folder of tests of the same name. With --every N only each N-th
+# change is tried: all of them take an hour and more. Changes that no test could notice are listed with
+# their reasons in tools/mutate/equivalent.txt. Fails below 95 %.
 
 readonly least_caught=95
 
