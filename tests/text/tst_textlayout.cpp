@@ -176,6 +176,8 @@ private Q_SLOTS:
     void boundsTheSeparatorsBeforeAHyphen();
     void splitsNoSurrogatePair();
     void breaksATextWithABrokenCharacter();
+    void replacesBrokenCharactersOnly_data();
+    void replacesBrokenCharactersOnly();
     void longTextsEnd_data();
     void longTextsEnd();
     void reservesNoMoreThanTheTextNeeds();
@@ -1342,6 +1344,36 @@ void tst_TextLayout::breaksATextWithABrokenCharacter()
     copy.relayout();
     QVERIFY(copy.isTextElided());
     QCOMPARE(copy.displayText(), renderer.displayText());
+}
+
+void tst_TextLayout::replacesBrokenCharactersOnly_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shown");
+
+    const QString high = QChar(0xd83d);
+    const QString low = QChar(0xde00);
+    const QString pair = high + low;
+    const QString replaced = QStringLiteral("\uFFFD");
+    const QString word = QStringLiteral("word");
+
+    QTest::newRow("high at the start") << high + word << replaced + word;
+    QTest::newRow("high at the end") << word + high << word + replaced;
+    QTest::newRow("low at the start") << low + word << replaced + word;
+    QTest::newRow("low at the end") << word + low << word + replaced;
+    QTest::newRow("the wrong way round") << low + high << replaced + replaced;
+    QTest::newRow("high before a pair") << high + pair << replaced + pair;
+    QTest::newRow("low before a pair") << low + pair << replaced + pair;
+    QTest::newRow("high after a pair") << pair + high << pair + replaced;
+    QTest::newRow("low after a pair") << pair + low << pair + replaced;
+}
+
+void tst_TextLayout::replacesBrokenCharactersOnly()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, shown);
+
+    QCOMPARE(layOut({.text = text, .width = 600}).text, shown);
 }
 
 void tst_TextLayout::longTextsEnd_data()
