@@ -94,7 +94,8 @@ class Mutant:
         return (self.file, self.before.strip(), self.original.strip(), self.mutated.strip())
 
     def __str__(self):
-        return f"{self.file}:{self.number}\n  {self.before.strip()}\n- {self.original.strip()}\n+ {self.mutated.strip()}"
+        return (f"{self.file}:{self.number}\n  {self.before.strip()}\n"
+                f"- {self.original.strip()}\n+ {self.mutated.strip()}")
 
 
 def mutants_of(repository, file):
@@ -170,7 +171,9 @@ class Workbench:
         return [test["name"] for test in json.loads(shown)["tests"]]
 
     def passes(self, name, seconds):
-        command = ["ctest", "--test-dir", self.tests, "-R", f"^{re.escape(name)}$", "--no-tests=error"]
+        # CTest waits longer for a test that says so itself. When this program is ended, CTest goes on alone.
+        command = ["ctest", "--test-dir", self.tests, "-R", f"^{re.escape(name)}$", "--no-tests=error",
+                   "--timeout", str(int(seconds) + 1)]
         test = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                 start_new_session=True)
         try:
