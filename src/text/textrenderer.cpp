@@ -552,8 +552,6 @@ QStringList TextRenderer::textLines() const
 */
 void TextRenderer::move(const QPoint &topLeft)
 {
-    if (topLeft == d->textTopLeft)
-        return;
     const auto moved = [](int aligned, int from, int to) {
         return toInt(double(aligned) + to - from);
     };
