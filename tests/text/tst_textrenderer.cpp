@@ -1147,6 +1147,13 @@ void tst_TextRenderer::geometryWithoutTextWidthIsTheBoundingRect()
         QCOMPARE(renderer.geometry(), renderer.boundingRect());
         QVERIFY(renderer.geometry().y() > 7);
     }
+
+    // One pixel is a width.
+    TextRenderer narrow;
+    narrow.setTextTopLeft(QPoint(5, 7));
+    prepare(narrow, QStringLiteral("aaaa"));
+    narrow.setTextWidth(1);
+    QCOMPARE(narrow.geometry(), QRect(5, 7, 1, qRound(lineHeight())));
 }
 
 void tst_TextRenderer::copyTakesOver()
