@@ -144,7 +144,7 @@ void countShaping(const std::string &name, std::function<std::function<void()>()
     registerBenchmark(name, [makeAction = std::move(makeAction)](benchmark::State &state) {
         const auto action = makeAction();
         run({.work = action}, state);
-        state.counters[shaperCallsCounter] = countShaperCalls(action);
+        state.counters[shaperCallsCounter] = tests::countShaperCalls(action);
     });
 }
 

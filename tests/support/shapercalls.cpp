@@ -1,4 +1,4 @@
-#include "support/shapercalls.h"
+#include "shapercalls.h"
 
 #include <dlfcn.h>
 
@@ -22,7 +22,7 @@ extern "C" __attribute__((visibility("default"))) int hb_shape_full(void *font, 
     return shape(font, buffer, features, featureCount, shapers);
 }
 
-namespace ovelin::benchmarks {
+namespace ovelin::tests {
 
 int countShaperCalls(const std::function<void()> &action)
 {
@@ -31,4 +31,4 @@ int countShaperCalls(const std::function<void()> &action)
     return shaperCalls - before;
 }
 
-} // namespace ovelin::benchmarks
+} // namespace ovelin::tests
