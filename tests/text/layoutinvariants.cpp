@@ -3,6 +3,13 @@
 #include "referencelayout.h"
 #include "textsupport.h"
 
+#include "support/shapercalls.h"
+
+#include <QFontMetricsF>
+#include <QTextDocument>
+
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -99,6 +106,72 @@ struct Appearance
     QPoint alignedTextTopLeft;
     bool needRelayout;
 };
+
+// Up to the end of a line the library shapes the stretch that it reads the line from, and measures the
+// line with the word that does not fit, a beginning of that word with a hyphen, the word alone, and the
+// beginnings whose ends lie in the em about the line's end, four of the narrowest letters; then Qt shapes
+// the line and its separator to show them.
+constexpr qint64 measurementsPerLine = 1 + 1 + 1 + 1 + 4 + 2;
+
+// Letters of a script that are read from a stretch, not each one measured, in a font in which each of
+// them takes room.
+bool isOrdinary(const TextRenderer &renderer)
+{
+    constexpr double leastRoom = 1; // pixels
+    const QFont font = renderer.textFont();
+    const auto isOrdinaryCharacter = [](QChar c) {
+        return (c >= u' ' && c <= u'~') || (c >= u'А' && c <= u'я') || c == newline
+               || c == lineSeparator;
+    };
+    return std::ranges::all_of(renderer.text(), isOrdinaryCharacter) && font.letterSpacing() == 0
+           && font.wordSpacing() == 0 && QFontMetricsF(font).horizontalAdvance(u'i') >= leastRoom;
+}
+
+qsizetype longestTrimmedRange(const QString &text)
+{
+    qsizetype longest = 0;
+    qsizetype size = 0;
+    for (const QChar c : text) {
+        size = isTrimmedBeforeEllipsis(c) ? size + 1 : 0;
+        longest = std::max(longest, size);
+    }
+    return longest;
+}
+
+// Lines end at spaces, separators and hyphens, which are shown unless they were trimmed before an
+// ellipsis; where not even the ellipsis fits, nothing is left of what was looked at. In a text that is
+// not ordinary each character may have to be measured, and a binary search may precede each.
+qint64 mostMeasurements(const TextRenderer &renderer)
+{
+    const QString source = renderer.text();
+    const QString shown = renderer.displayText();
+    const auto mayEndLine = [](QChar c) { return c == u' ' || c == newline || c == hyphen; };
+
+    const bool ordinary = isOrdinary(renderer);
+    qint64 ends = 1 + longestTrimmedRange(source);
+    if (shown.isEmpty())
+        ends += source.size();
+    else if (ordinary)
+        ends += std::ranges::count_if(shown, mayEndLine);
+    else
+        ends += shown.size();
+    return ends * (measurementsPerLine + (ordinary ? 0 : std::bit_width(size_t(source.size()))));
+}
+
+// Qt has each run of a script, a direction or a font shaped by itself.
+int callsPerMeasurement(const TextRenderer &renderer)
+{
+    const QFontMetricsF metrics(renderer.textFont());
+    const QString text = withWholeCharacters(renderer.text());
+    return std::max(1, countShaperCalls([&] { metrics.horizontalAdvance(text); }));
+}
+
+bool isReadAsDocument(const TextRenderer &renderer)
+{
+    return renderer.textFormat() == Qt::MarkdownText
+           || (renderer.textFormat() == Qt::AutoText
+               && Qt::mightBeRichText(renderer.displayText()));
+}
 
 // The alignment starts at the corner, from where an earlier alignment may have moved it.
 void resetAlignment(TextRenderer &renderer)
@@ -221,6 +294,18 @@ QString geometryViolation(TextRenderer &renderer, int availableHeight)
     return Appearance(renderer).difference("against a new renderer", Appearance(fresh));
 }
 
+QString shapingViolation(TextRenderer &renderer)
+{
+    if (!isBrokenByTheLibrary(renderer) || isReadAsDocument(renderer))
+        return {};
+    const int calls = countShaperCalls([&renderer] { layOutAgain(renderer); });
+    const qint64 most = mostMeasurements(renderer) * callsPerMeasurement(renderer);
+    if (calls <= most)
+        return {};
+    return QStringLiteral("%1 calls of the text shaper, not %2, for %3")
+        .arg(QString::number(calls), QString::number(most), quoted(renderer.displayText()));
+}
+
 QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &expected)
 {
     if (renderer.displayText() != expected.displayText)
@@ -238,7 +323,8 @@ QString layoutViolation(TextRenderer &renderer, int availableHeight)
 {
     for (const QString &violation :
          {sourceViolation(renderer), lineLimitViolation(renderer), copyViolation(renderer),
-          repetitionViolation(renderer), geometryViolation(renderer, availableHeight)}) {
+          repetitionViolation(renderer), geometryViolation(renderer, availableHeight),
+          shapingViolation(renderer)}) {
         if (!violation.isEmpty())
             return violation;
     }

@@ -31,6 +31,11 @@ QString copyViolation(const TextRenderer &renderer);
 // height for vertical alignment cannot be asked for.
 QString geometryViolation(TextRenderer &renderer, int availableHeight);
 
+// Laying out has Qt shape texts at most so often for each line end that is shown, however long the text
+// is; a text in several scripts or fonts as often for each of their runs. Only some texts, of letters that
+// have to be measured one by one, take as much for each character. Not for what Qt reads as a document.
+QString shapingViolation(TextRenderer &renderer);
+
 // The renderer shows what the plain formulation shows.
 QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &expected);
 

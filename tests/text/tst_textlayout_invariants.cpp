@@ -4,8 +4,11 @@
 #include "textsupport.h"
 
 #include "support/properties.h"
+#include "support/shapercalls.h"
 
 #include <ovelin/textrenderer.h>
+
+#include <private/qtguiglobal_p.h>
 
 #include <limits>
 
@@ -119,6 +122,21 @@ void checkRule(int caseCount, const Rule &rule)
     });
 }
 
+QString shapingViolationInBox(const QString &text, int width, int maxLineCount)
+{
+    TextRenderer renderer;
+    renderer.setTextFont(pixelFont());
+    renderer.setTextFormat(Qt::PlainText);
+    renderer.setTextWidth(width);
+    renderer.setMaxLineCount(maxLineCount);
+    renderer.setText(text);
+    renderer.relayout();
+    const QString violation = shapingViolation(renderer);
+    if (violation.isEmpty())
+        return {};
+    return QStringLiteral("Width %1, %2 lines: %3").arg(width).arg(maxLineCount).arg(violation);
+}
+
 } // namespace
 
 class tst_TextLayoutInvariants : public QObject
@@ -136,6 +154,12 @@ private Q_SLOTS:
     void staysTheSameLaidOutAgain();
     void copyShowsTheSame();
     void geometryIsThatOfANewRenderer();
+
+    void shaperCallsAreCounted();
+    void shapesNoMoreThanItShows();
+    void shapesNoMoreThanItShowsInAnyBox_data();
+    void shapesNoMoreThanItShowsInAnyBox();
+    void shapesNoMoreThanItShowsOfAnEndlessWord();
 };
 
 void tst_TextLayoutInvariants::initTestCase()
@@ -208,6 +232,65 @@ void tst_TextLayoutInvariants::geometryIsThatOfANewRenderer()
     checkRule(400, [](TextRenderer &r, const Setup &setup) {
         return geometryViolation(r, setup.availableHeight);
     });
+}
+
+void tst_TextLayoutInvariants::shaperCallsAreCounted()
+{
+#if QT_CONFIG(system_harfbuzz)
+    const QFontMetricsF metrics(pixelFont());
+    const QString word = QStringLiteral("word");
+    QCOMPARE(countShaperCalls([&] { metrics.horizontalAdvance(word); }), 1);
+#else
+    QSKIP("This Qt contains the text shaper.");
+#endif
+}
+
+void tst_TextLayoutInvariants::shapesNoMoreThanItShows()
+{
+    checkRule(400, [](TextRenderer &r, const Setup &) { return shapingViolation(r); });
+}
+
+void tst_TextLayoutInvariants::shapesNoMoreThanItShowsInAnyBox_data()
+{
+    QTest::addColumn<QString>("pattern");
+
+    QTest::newRow("words") << QStringLiteral("программа ");
+    QTest::newRow("one word") << QStringLiteral("программа");
+    QTest::newRow("one word of narrow letters") << QStringLiteral("i");
+    QTest::newRow("one word that is a number") << QStringLiteral("-1");
+    QTest::newRow("hyphens in words") << QStringLiteral("www-wwwwwwwwwww ");
+    QTest::newRow("hyphens") << QStringLiteral("-");
+    QTest::newRow("spaces") << QStringLiteral(" ");
+    QTest::newRow("punctuation") << QStringLiteral(". ");
+    QTest::newRow("paragraphs") << QStringLiteral("a\n");
+    QTest::newRow("two scripts") << QStringLiteral("Новости news ");
+    QTest::newRow("right to left") << QStringLiteral("\u0644\u0627 ");
+    QTest::newRow("surrogate pairs") << QStringLiteral("\U0001F600");
+    QTest::newRow("marks") << QStringLiteral("\u0301");
+    QTest::newRow("spaces without a width") << QStringLiteral("\u200b");
+}
+
+void tst_TextLayoutInvariants::shapesNoMoreThanItShowsInAnyBox()
+{
+    QFETCH(QString, pattern);
+    const QString text = pattern.repeated((isRunReduced() ? 100 : 2000) / pattern.size());
+
+    for (const int width : {1, 10, 30, 300, 1000, most}) {
+        for (const int maxLineCount : {-1, 0, 1, 2, 10, most}) {
+            const QString violation = shapingViolationInBox(text, width, maxLineCount);
+            QVERIFY2(violation.isEmpty(), qPrintable(violation));
+        }
+    }
+}
+
+void tst_TextLayoutInvariants::shapesNoMoreThanItShowsOfAnEndlessWord()
+{
+    const QString word = QStringLiteral("news").repeated(isRunReduced() ? 500 : 25'000);
+
+    for (const int maxLineCount : {0, 1, 3, most}) {
+        const QString violation = shapingViolationInBox(word, 300, maxLineCount);
+        QVERIFY2(violation.isEmpty(), qPrintable(violation));
+    }
 }
 
 QTEST_MAIN(tst_TextLayoutInvariants)
