@@ -24,6 +24,7 @@ namespace {
 
 constexpr qsizetype longestText = 100'000;
 constexpr qsizetype longestRichText = 2000;
+constexpr qsizetype longestTightText = 2000;
 constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
 constexpr std::size_t mostRenderers = 4;
@@ -75,6 +76,7 @@ private:
     void set(FuzzedDataProvider &data);
     void layOut();
     bool isTooMuchForQt() const;
+    bool mayNeverFillLine() const;
     void compare() const;
     void paint(FuzzedDataProvider &data) const;
 
@@ -138,7 +140,7 @@ void Subject::set(FuzzedDataProvider &data)
 
 void Subject::layOut()
 {
-    if (isTooMuchForQt())
+    if (isTooMuchForQt() || mayNeverFillLine())
         return;
     const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
     m_renderer.relayout();
@@ -156,6 +158,15 @@ bool Subject::isTooMuchForQt() const
     const bool mayBeRich =
         format == Qt::AutoText ? Qt::mightBeRichText(text) : format != Qt::PlainText;
     return mayBeRich && text.size() > longestRichText;
+}
+
+// Letters that are set closer than they are wide take room away: all of a line that grows shorter by them
+// is measured at each of its words.
+bool Subject::mayNeverFillLine() const
+{
+    const QFont font = m_renderer.textFont();
+    const bool isTight = font.letterSpacing() < 0 || font.wordSpacing() < 0;
+    return isTight && m_renderer.text().size() > longestTightText;
 }
 
 void Subject::compare() const
