@@ -301,6 +301,8 @@ private Q_SLOTS:
     void agreesWhereLinesCutLigatures();
     void reachesWhatCountingReaches_data();
     void reachesWhatCountingReaches();
+    void agreesOnRareWords_data();
+    void agreesOnRareWords();
     void agreesInExtremelySetFonts_data();
     void agreesInExtremelySetFonts();
     void resultsAreRepeatable();
@@ -650,6 +652,40 @@ void tst_TextLayoutIdentity::reachesWhatCountingReaches()
         }
         if (reduced)
             return;
+    }
+}
+
+// Words which random texts hardly ever have.
+void tst_TextLayoutIdentity::agreesOnRareWords_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QFont>("font");
+
+    QTest::newRow("surrogate pairs that are wider than half a one")
+        << QStringLiteral("\U0001F600").repeated(6) << pixelFont(60);
+    QTest::newRow("surrogate pair that 512 characters end in")
+        << QStringLiteral("слово ").repeated(85) + QStringLiteral("а\U0001F600 слово")
+        << pixelFont();
+    QTest::newRow("first place for a hyphen far behind the line")
+        << QString(100, u'ш') + QStringLiteral("сообщение") << pixelFont();
+}
+
+void tst_TextLayoutIdentity::agreesOnRareWords()
+{
+    QFETCH(QString, text);
+    QFETCH(QFont, font);
+
+    ReferenceInput input;
+    input.text = text;
+    input.font = font;
+    for (int width = 1; width < 140; width += 4) {
+        input.textWidth = width;
+        for (const int lines : {2, 4, most}) {
+            input.maxLineCount = lines;
+            compare(input);
+            if (QTest::currentTestFailed())
+                return;
+        }
     }
 }
 
