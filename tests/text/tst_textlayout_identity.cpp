@@ -23,6 +23,8 @@ constexpr int most = std::numeric_limits<int>::max();
 // The cases per row; OVELIN_TEXT_CASES sets another number.
 constexpr int defaultCases = 1000;
 constexpr int reducedCases = 60;
+// Of fewer cases none may be the one in which a font is read so wrong that all is measured.
+constexpr int fewestFontCases = 25;
 
 constexpr int roundBudget = 20 * (mostCountableLines + restPeriod);
 
@@ -473,7 +475,7 @@ void tst_TextLayoutIdentity::agreesInFontsThatAreHardToRead()
 
     for (const auto kind : {CaseMaker::Russian, CaseMaker::Latin, CaseMaker::Mixed}) {
         CaseMaker maker(kind, 9, family);
-        for (int i = 0; i < std::max(1, caseCount() / 20); ++i) {
+        for (int i = 0; i < std::max(fewestFontCases, caseCount() / 20); ++i) {
             compare(maker.next());
             if (QTest::currentTestFailed())
                 return;
