@@ -61,9 +61,9 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
                     + fewestPerLine)
     , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
+    , m_ruler(font)
+    , m_usesRuler(method == Method::Ruler && TextRuler::canRead(font))
 {
-    if (method == Method::Ruler && TextRuler::canRead(font))
-        m_ruler.emplace(font);
 }
 
 bool TextMeasure::growsSteadily(QStringView text) const
@@ -73,8 +73,7 @@ bool TextMeasure::growsSteadily(QStringView text) const
 
 void TextMeasure::textInserted(qsizetype before, qsizetype size)
 {
-    if (m_ruler)
-        m_ruler->textInserted(before, size);
+    m_ruler.textInserted(before, size);
 }
 
 void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
@@ -91,14 +90,14 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 // other neighbours in it.
 bool TextMeasure::isWiderThanLine() const
 {
-    return m_ruler.has_value() && m_advancesGrow && m_widestRange > m_lineWidth + m_tolerance;
+    return m_usesRuler && m_advancesGrow && m_widestRange > m_lineWidth + m_tolerance;
 }
 
 std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)
 {
-    if (!m_ruler)
+    if (!m_usesRuler)
         return std::nullopt;
-    const auto reading = m_ruler->advance(text, from, to, m_stretchLength);
+    const auto reading = m_ruler.advance(text, from, to, m_stretchLength);
     if (reading)
         m_widestRange = std::max(m_widestRange, *reading - m_tolerance);
     return reading;
@@ -116,7 +115,7 @@ double TextMeasure::measureToo(const QString &text, qsizetype from, qsizetype to
                                std::optional<double> reading)
 {
     const double advance = measure(text, from, to);
-    if (reading && std::abs(advance - *reading) > m_ruler->tolerance(text, from, to))
+    if (reading && std::abs(advance - *reading) > m_ruler.tolerance(text, from, to))
         m_rulerIsWrong = true;
     return advance;
 }

@@ -59,7 +59,8 @@ private:
     const qsizetype m_mostPerLine;
     const qsizetype m_stretchLength;
 
-    std::optional<TextRuler> m_ruler;
+    TextRuler m_ruler;
+    const bool m_usesRuler;
     bool m_rulerIsChecked = false;
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;
@@ -88,7 +89,7 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, cons
     const auto decides = [&](double tolerance) {
         return fits(*reading - tolerance) == fits(*reading + tolerance);
     };
-    if (reading && (decides(m_tolerance) || decides(m_ruler->tolerance(text, from, to))))
+    if (reading && (decides(m_tolerance) || decides(m_ruler.tolerance(text, from, to))))
         return fits(*reading);
 
     return fits(measureToo(text, from, to, reading));

@@ -80,7 +80,7 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
         // twice it; and the range has neighbours, or checking the ruler by it would tell nothing.
         shapeStretch(text, from, from + std::max(stretchLength, 2 * (to - from)));
     }
-    if (to > m_end || !m_stretch || cutsLigature(from) || cutsLigature(to))
+    if (to > m_end || cutsLigature(from) || cutsLigature(to))
         return std::nullopt;
     return advance(from, to);
 }
@@ -114,7 +114,8 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
 
 double TextRuler::advance(qsizetype from, qsizetype to)
 {
-    return m_stretch->width(static_cast<int>(from - m_shift), static_cast<int>(to - from)).toReal();
+    const auto begin = static_cast<int>(from - m_shift);
+    return m_stretch ? m_stretch->width(begin, static_cast<int>(to - from)).toReal() : 0;
 }
 
 // Of letters that are joined into one, the first has all the width.
