@@ -211,7 +211,7 @@ def main():
 
     part = arguments.repository / "src" / arguments.part
     subsystem = pathlib.PurePath(arguments.part).parts[0]
-    sources = sorted(part.glob("*.cpp")) if part.is_dir() else [part]
+    sources = sorted(part.glob("*.[ch]*")) if part.is_dir() else [part]
     files = [str(path.relative_to(arguments.repository)) for path in sources]
     mutants = [mutant for file in files for mutant in mutants_of(arguments.repository, file)]
     equivalents = read_equivalents(pathlib.Path(__file__).parent / "equivalent.txt")
