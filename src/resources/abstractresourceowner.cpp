@@ -90,12 +90,12 @@ AbstractResourceOwner::AbstractResourceOwner() = default;
     Destroys the owner. A tracker where it is still registered, installed or not, forgets it and its
     resources as SceneResourceTracker::unregisterResources() does, with the same signals; messages show
     the owner without address and names, and its state, which the application may still hold, has no
-    owner from then on. What a slot would register for the owner meanwhile is refused.
+    owner from then on. Meanwhile the owner's own functions refuse to register anything.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {
     const DyingOwner dying(this);
-    SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState.data());
+    SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState);
 }
 
 /*!

@@ -197,13 +197,15 @@ bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
     return keeps;
 }
 
-void SceneResourceTrackerPrivate::ownerDestroyed(IResourceOwner *owner,
-                                                 ResourceOwnerState *heldState)
+// Holds the state itself: a slot may have the owner drop it.
+void SceneResourceTrackerPrivate::ownerDestroyed(
+    IResourceOwner *owner,
+    QSharedPointer<ResourceOwnerState> heldState) // NOLINT(performance-unnecessary-value-param)
 {
     if (heldState)
         heldState->owner = nullptr;
     for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
-        tracker->removeDyingOwner(owner, heldState);
+        tracker->removeDyingOwner(owner, heldState.data());
 }
 
 // The item's own part is destroyed already: it can no longer be asked for its object. Its states
@@ -269,7 +271,8 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
         registration announces itself even when a slot has already removed what it filed.
     \endlist
 
-    Neither may destroy the tracker, nor an item that is executing one of its own operations. An owner
+    Neither may destroy the tracker, nor an item that is executing one of its own operations, nor call
+    registerResource() for an item that is being destroyed; the item's own functions refuse it. An owner
     that is told of a decision may destroy itself. IResourceOwner::resourceOwnerObject() must not call
     back: it is asked while a message is being written.
 

@@ -109,6 +109,8 @@ private Q_SLOTS:
     void destroyedLeavesOthersAlone();
     void dyingItemCannotRegister_data();
     void dyingItemCannotRegister();
+    void dyingItemMayUnregister_data();
+    void dyingItemMayUnregister();
 };
 
 void tst_AbstractResourceOwner::cleanup()
@@ -955,6 +957,44 @@ void tst_AbstractResourceOwner::dyingItemCannotRegister()
     QVERIFY(!refersTo(tracker, address));
     QVERIFY(tracker.resources().empty());
     QVERIFY(tracker.owners().empty());
+}
+
+void tst_AbstractResourceOwner::dyingItemMayUnregister_data()
+{
+    addSignalRows();
+}
+
+// Nobody else holds its states, and an older tracker still has to forget it.
+void tst_AbstractResourceOwner::dyingItemMayUnregister()
+{
+    QFETCH(const Signal, signal);
+    SceneResourceTracker former;
+    InstalledTracker present;
+    present.setMessagesEnabled(true);
+    auto item = std::make_unique<Item>();
+    AbstractResourceOwner *address = item.get();
+    setSceneResourceTracker(&former);
+    item->registerImage(1, poster);
+    setSceneResourceTracker(&present);
+    item->registerImage(2, poster);
+    item->registerImage(3, poster);
+    int calls = 0;
+    connect(&present, signal, this, [&] {
+        ++calls;
+        address->unregisterResource(2);
+        address->unregisterResources();
+    });
+
+    item.reset();
+
+    QVERIFY(calls > 0);
+    for (const SceneResourceTracker *tracker :
+         {static_cast<const SceneResourceTracker *>(&former),
+          static_cast<const SceneResourceTracker *>(&present)}) {
+        QVERIFY(!refersTo(*tracker, address));
+        QVERIFY(tracker->resources().empty());
+        QVERIFY(tracker->owners().empty());
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_AbstractResourceOwner)
