@@ -403,10 +403,11 @@ qsizetype LineBreaker::forcedSplitPoint()
     qsizetype kept = 0;
     // Where a beginning fits with room to spare, each shorter one fits.
     const qsizetype likely = std::min(most, m_measure.mostPerLine());
-    if (likely > 0
-        && m_measure.growsSteadily(QStringView(m_text).sliced(m_wordStart).first(likely))) {
+    if (likely > 0 && m_measure.advancesGrow()) {
+        const double spare =
+            m_measure.mostShrinkage(QStringView(m_text).sliced(m_wordStart).first(likely));
         for (auto step = qsizetype(std::bit_floor(size_t(likely))); step > 0; step /= 2) {
-            if (kept + step <= likely && fitsWith(kept + step, m_measure.tolerance()))
+            if (kept + step <= likely && fitsWith(kept + step, spare))
                 kept += step;
         }
     }

@@ -8,7 +8,7 @@ namespace {
 
 // No character is wider, the longest ligatures of sentences included, but for a tab, which reaches up to
 // the next of Qt's stops.
-constexpr int widestCharacterInEms = 16;
+constexpr double widestCharacterInEms = 16;
 constexpr double tabStopDistance = 80;
 
 // Letters of most scripts are a little over half as wide as high.
@@ -23,11 +23,13 @@ constexpr double longestLine = 1 << 14;
 // nothing.
 constexpr qsizetype longestUsualStretch = 256;
 
+// As many emoji of families, which end as one.
+constexpr double joinedCharactersInEms = 4;
+
 double widestCharacter(const QFont &font)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    const double widest =
-        std::max<double>(widestCharacterInEms * font.pixelSize(), tabStopDistance);
+    const double widest = std::max(widestCharacterInEms * font.pixelSize(), tabStopDistance);
     return widest * horizontalScale(font) + (percentage ? 0 : std::abs(font.letterSpacing()))
            + std::abs(font.wordSpacing());
 }
@@ -39,7 +41,7 @@ bool growsWithEachCharacter(const QFont &font)
 
 double usualPerLine(const QFont &font, double lineWidth)
 {
-    return std::min(lineWidth / (usualCharacterInEms * font.pixelSize()), longestLine);
+    return std::min(lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize())), longestLine);
 }
 
 qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
@@ -58,6 +60,7 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     , m_widestCharacter(widestCharacter(font))
     , m_advancesGrow(growsWithEachCharacter(font))
     , m_tolerance(TextRuler::tolerance(font))
+    , m_joinedCharacters(joinedCharactersInEms * font.pixelSize() * horizontalScale(font))
     , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
                     + fewestPerLine)
     , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
@@ -66,9 +69,9 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
 {
 }
 
-bool TextMeasure::growsSteadily(QStringView text) const
+double TextMeasure::mostShrinkage(QStringView text) const
 {
-    return m_advancesGrow && TextRuler::canRead(text);
+    return TextRuler::canRead(text) ? m_tolerance : m_joinedCharacters;
 }
 
 void TextMeasure::textInserted(qsizetype before, qsizetype size)
@@ -80,6 +83,8 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 {
     if (m_rulerIsChecked || from >= to)
         return;
+    // With the neighbour behind it, which must be known for what it does.
+    static_cast<void>(read(text, from, to + 1));
     if (const auto reading = read(text, from, to)) {
         measureToo(text, from, to, reading);
         m_rulerIsChecked = true;

@@ -27,9 +27,11 @@ public:
     // More characters hardly ever stand on a line.
     qsizetype mostPerLine() const { return m_mostPerLine; }
 
-    // Whether a beginning of that text is never wider than a longer one by more than the tolerance.
-    bool growsSteadily(QStringView text) const;
-    double tolerance() const { return m_tolerance; }
+    // Whether each character takes room, but where it joins others.
+    bool advancesGrow() const { return m_advancesGrow; }
+
+    // By how much a beginning of that text may be wider than a longer one nevertheless.
+    double mostShrinkage(QStringView text) const;
 
     // Returns what `fits` says of the advance of the characters from `from` up to but not including
     // `to`; it says the same of every advance up to some limit.
@@ -56,6 +58,7 @@ private:
     const double m_widestCharacter;
     const bool m_advancesGrow; // with every character
     const double m_tolerance;  // of the ruler
+    const double m_joinedCharacters;
     const qsizetype m_mostPerLine;
     const qsizetype m_stretchLength;
 

@@ -35,6 +35,12 @@ constexpr double tolerableEms = 0.5;
 // have can act on the range then, rules for letters that are farther apart.
 constexpr double freeEndsShare = 0.2;
 
+// What has none, as digits and punctuation, is of the script before it, and is kerned with letters of that.
+bool hasScript(QChar c)
+{
+    return c.script() != QChar::Script_Common;
+}
+
 bool isSpaced(const QFont &font)
 {
     return !qFuzzyIsNull(font.letterSpacing()) || !qFuzzyIsNull(font.wordSpacing());
@@ -57,7 +63,7 @@ TextRuler::TextRuler(const QFont &font)
 
 bool TextRuler::canRead(const QFont &font)
 {
-    return font.capitalization() != QFont::Capitalize;
+    return font.capitalization() == QFont::MixedCase;
 }
 
 bool TextRuler::canRead(QStringView text)
@@ -87,7 +93,8 @@ std::optional<double> TextRuler::advance(QStringView text, qsizetype from, qsize
 
 double TextRuler::tolerance(QStringView text, qsizetype from, qsizetype to)
 {
-    const bool endsAreFree = from < to && isAsByItself(text, from) && isAsByItself(text, to - 1);
+    const bool endsAreFree = from < to && hasScript(text.at(from)) && isAsByItself(text, from)
+                             && isAsByItself(text, to - 1);
     return tolerance(m_font) * (endsAreFree ? freeEndsShare : 1);
 }
 

@@ -23,7 +23,7 @@ class TextRuler
 public:
     explicit TextRuler(const QFont &font);
 
-    // Not fonts in which a letter is another one where it begins a line.
+    // Not fonts that change letters by their case or place.
     static bool canRead(const QFont &font);
 
     // Only characters that stand side by side from left to right, each in a place of its own.

@@ -3,6 +3,7 @@
 
 #include "support/reducedrun.h"
 
+#include <QDataStream>
 #include <QFont>
 #include <QFontInfo>
 #include <QFontMetricsF>
@@ -20,6 +21,21 @@ inline QFont pixelFont(int pixelSize = 20)
 {
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(pixelSize);
+    return font;
+}
+
+// No setter takes this size, but a font that is read may have it.
+inline QFont fontOfZeroPixels()
+{
+    const QByteArray size = QByteArrayLiteral("\1\2\3\4");
+    QByteArray bytes;
+    QDataStream writer(&bytes, QDataStream::WriteOnly);
+    writer << pixelFont(0x01020304);
+    bytes.replace(size, QByteArray(size.size(), '\0'));
+
+    QFont font;
+    QDataStream reader(bytes);
+    reader >> font;
     return font;
 }
 

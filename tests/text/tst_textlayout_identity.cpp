@@ -255,7 +255,8 @@ QString described(const ReferenceInput &input)
             escaped += c;
     }
     return QStringLiteral("\"%1\", width %2, maximal width %3, %4 lines, hyphenation %5, "
-                          "font %6, spacing %7 and %8, format %9")
+                          "font %6, spacing %7 and %8, format %9, stretch %10, capitalization %11, "
+                          "bold %12")
         .arg(escaped)
         .arg(input.textWidth)
         .arg(input.maxTextWidth)
@@ -264,7 +265,10 @@ QString described(const ReferenceInput &input)
         .arg(input.font.pixelSize())
         .arg(input.font.letterSpacing())
         .arg(input.font.wordSpacing())
-        .arg(input.format);
+        .arg(input.format)
+        .arg(input.font.stretch())
+        .arg(input.font.capitalization())
+        .arg(input.font.bold());
 }
 
 void apply(TextRenderer &renderer, const ReferenceInput &input)
@@ -296,7 +300,9 @@ private Q_SLOTS:
     void agreesInFontsThatAreHardToRead();
     void agreesWhereTheTextGoesOn_data();
     void agreesWhereTheTextGoesOn();
+    void agreesInCapitalizedText_data();
     void agreesInCapitalizedText();
+    void agreesOnLinesOfManyNarrowLetters();
     void agreesWhereQtStopsMeasuring();
     void agreesInFontsNarrowerThanTabs();
     void agreesWhereLinesCutLigatures_data();
@@ -307,6 +313,8 @@ private Q_SLOTS:
     void agreesOnRareWords();
     void agreesInExtremelySetFonts_data();
     void agreesInExtremelySetFonts();
+    void agreesInFontsOfExtremeSizes_data();
+    void agreesInFontsOfExtremeSizes();
     void resultsAreRepeatable();
 
 private:
@@ -473,6 +481,25 @@ void tst_TextLayoutIdentity::agreesInFontsThatAreHardToRead()
     QCOMPARE(kerned(QStringLiteral("a ")), kerning.beforeSpace);
     QCOMPARE(kerned(QStringLiteral(" b")), kerning.afterSpace);
 
+    // The quotes and dashes are of the script before them, or of that behind them if they begin a line.
+    for (const QString &text : {QStringLiteral("eggs —--«да» s1i,б."), QStringLiteral("йg-i")}) {
+        ReferenceInput input;
+        input.text = text;
+        input.font = font;
+        for (const int pixelSize : {20, 40}) {
+            input.font.setPixelSize(pixelSize);
+            for (input.textWidth = 1; input.textWidth < advance(text, input.font);
+                 ++input.textWidth) {
+                for (const int lines : {-1, 2}) {
+                    input.maxLineCount = lines;
+                    compare(input);
+                    if (QTest::currentTestFailed())
+                        return;
+                }
+            }
+        }
+    }
+
     for (const auto kind : {CaseMaker::Russian, CaseMaker::Latin, CaseMaker::Mixed}) {
         CaseMaker maker(kind, 9, family);
         for (int i = 0; i < std::max(fewestFontCases, caseCount() / 20); ++i) {
@@ -515,17 +542,49 @@ void tst_TextLayoutIdentity::agreesWhereTheTextGoesOn()
     }
 }
 
-// A line that begins inside a word begins with a capital letter then, which it has not in its word.
+void tst_TextLayoutIdentity::agreesInCapitalizedText_data()
+{
+    QTest::addColumn<QFont::Capitalization>("capitalization");
+
+    // A line that begins inside a word begins with a capital letter then, which it has not in its word.
+    QTest::newRow("first letters") << QFont::Capitalize;
+    QTest::newRow("small capitals") << QFont::SmallCaps;
+    QTest::newRow("capitals") << QFont::AllUppercase;
+    QTest::newRow("no capitals") << QFont::AllLowercase;
+}
+
 void tst_TextLayoutIdentity::agreesInCapitalizedText()
 {
+    QFETCH(const QFont::Capitalization, capitalization);
+
     ReferenceInput input;
     input.text = QStringLiteral("магистрали железнодорожной программирование");
     input.font = pixelFont(16);
-    input.font.setCapitalization(QFont::Capitalize);
+    input.font.setCapitalization(capitalization);
     for (int width = 1; width < advance(input.text, input.font); ++width) {
         input.textWidth = width;
         for (const int lines : {2, 3, 4, most}) {
             input.maxLineCount = lines;
+            compare(input);
+            if (QTest::currentTestFailed())
+                return;
+        }
+    }
+}
+
+// More letters stand on a line than are expected there.
+void tst_TextLayoutIdentity::agreesOnLinesOfManyNarrowLetters()
+{
+    ReferenceInput input;
+    input.text =
+        QStringLiteral("illi").repeated(400) + u' ' + QStringLiteral("li il").repeated(100);
+    input.font = pixelFont();
+    input.font.setLetterSpacing(QFont::PercentageSpacing, 50);
+    input.maxLineCount = 3;
+    for (const qsizetype onLine : {400, 800, 1595, 1600, 1700, 2000}) {
+        const int least = leastWidthThatFits(advance(input.text.first(onLine), input.font));
+        for (const int more : {-1, 0, 1, 2}) {
+            input.textWidth = least + more;
             compare(input);
             if (QTest::currentTestFailed())
                 return;
@@ -718,6 +777,34 @@ void tst_TextLayoutIdentity::agreesInExtremelySetFonts()
                 if (QTest::currentTestFailed())
                     return;
             }
+        }
+    }
+}
+
+void tst_TextLayoutIdentity::agreesInFontsOfExtremeSizes_data()
+{
+    QTest::addColumn<int>("pixelSize");
+
+    for (const int pixelSize : {0, 100'000, 134'217'727, 134'217'728, most})
+        QTest::addRow("%d", pixelSize) << pixelSize;
+}
+
+void tst_TextLayoutIdentity::agreesInFontsOfExtremeSizes()
+{
+    QFETCH(int, pixelSize);
+
+    ReferenceInput input;
+    input.font = pixelFont(std::max(1, pixelSize));
+    if (pixelSize == 0)
+        input.font = fontOfZeroPixels();
+    input.text = QStringLiteral("сообщение на-экране");
+    for (const int lines : {0, 1, 2, 5}) {
+        input.maxLineCount = lines;
+        for (const int width : {1, 500, 1'000'000, most}) {
+            input.textWidth = width;
+            compare(input);
+            if (QTest::currentTestFailed())
+                return;
         }
     }
 }

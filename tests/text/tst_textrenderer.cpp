@@ -76,21 +76,6 @@ QImage canvas()
     return image;
 }
 
-// No setter takes this size, but a font that is read may have it.
-QFont fontOfZeroPixels()
-{
-    const QByteArray size = QByteArrayLiteral("\1\2\3\4");
-    QByteArray bytes;
-    QDataStream writer(&bytes, QDataStream::WriteOnly);
-    writer << pixelFont(0x01020304);
-    bytes.replace(size, QByteArray(size.size(), '\0'));
-
-    QFont font;
-    QDataStream reader(bytes);
-    reader >> font;
-    return font;
-}
-
 bool isBlank(const QImage &image)
 {
     return image == canvas();
