@@ -437,7 +437,9 @@ int TextRenderer::maxLineCount() const
 /*!
     Sets the maximal number of lines to \a count; does nothing when it is the same. With 0 or less
     there is no limit, and no word is hyphenated or split. INT_MAX gives as many lines as the text
-    needs, with hyphenation; a word that fits on no line and cannot be split cuts the text there.
+    needs, with hyphenation; a word that fits on no line and cannot be split cuts the text there. A text
+    is cut where the last line allowed would be exceeded; if a paragraph ends just there, after a word
+    that had to move, it is cut by the length of the line before, and Qt may wrap the rest once more.
 
     From 2 on the newlines in the text become line separators; a lower limit set later does not turn
     them back.

@@ -36,21 +36,44 @@ abi_describe()
 {
     local description=$2/$1.xml symbols=$2/$1.symbols
     abi_build "$1"
+    rm --force "$description"
     inside abidw --headers-dir "$repository/include" --drop-private-types --drop-undefined-syms \
         --exported-interfaces-only --type-id-style hash --no-corpus-path --no-comp-dir-path --no-show-locs \
         --no-parameter-names --no-elf-needed --out-file "$description" "$abi_library"
+    [[ -s $description ]] || fail "The interface for $1 was not described; see above."
     # The last three are the linker's marks, which not every linker exports.
     inside nm --dynamic --defined-only --demangle --format=posix "$abi_library" \
         | sed 's/ [A-Za-z] [0-9a-f ]*$//' | grep --invert-match --line-regexp '__bss_start\|_edata\|_end' \
         | sort --unique >"$symbols"
 }
 
+# Whether an application built against the recorded interface would load this library, and not work.
+# abi_breaks PLATFORM FOLDER
+abi_breaks()
+{
+    local recorded=$abi_folder/$1.xml status=0
+    [[ -f $recorded ]] || return 1
+    inside abidiff "$recorded" "$2/$1.xml" >&2 || status=$?
+    # The bit is abidiff's for an incompatible change.
+    ((status & 8)) && [[ $(abi_soname "$recorded") == "$(abi_soname "$2/$1.xml")" ]]
+}
+
+abi_soname()
+{
+    sed -n "s/.* soname='\([^']*\)'.*/\1/p" "$1" | head --lines=1
+}
+
 abi_record()
 {
-    local platform
-    mkdir --parents "$abi_folder"
+    local platform now=$repository/build/$toolchain/abi
+    mkdir --parents "$abi_folder" "$now"
     for platform in "${abi_platforms[@]}"; do
-        abi_describe "$platform" "$abi_folder"
+        abi_describe "$platform" "$now"
+        ! abi_breaks "$platform" "$now" \
+            || fail "An incompatible change takes a new SOVERSION (the project's major version) first."
+    done
+    for platform in "${abi_platforms[@]}"; do
+        cp "$now/$platform".{xml,symbols} "$abi_folder"
     done
 }
 
