@@ -1,0 +1,270 @@
+#include "kernedfont.h"
+#include "support/shapercalls.h"
+#include "text/textmeasure_p.h"
+#include "textsupport.h"
+
+#include <QFontDatabase>
+#include <QScopeGuard>
+#include <QTest>
+
+using namespace ovelin;
+using namespace ovelin::tests;
+
+using Method = TextMeasure::Method;
+
+namespace {
+
+constexpr double lineWidth = 200;
+constexpr int manyLines = 4;
+
+bool fitsOnLine(double advance)
+{
+    return advance < lineWidth;
+}
+
+QFont closeFont(double percentage)
+{
+    QFont font = pixelFont();
+    font.setLetterSpacing(QFont::PercentageSpacing, percentage);
+    return font;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(ovelin::TextMeasure::Method)
+
+class tst_TextMeasure : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void decidesAsMeasured_data();
+    void decidesAsMeasured();
+    void decidesAnEmptyRangeAsOne();
+    void decidesAfterAnInsertion();
+
+    void measuresOnlyNearTheLimit();
+    void looksAtTheBeginningOfALongWord_data();
+    void looksAtTheBeginningOfALongWord();
+
+    void checksTheRulerOnce();
+    void findsTheRulerWrong_data();
+    void findsTheRulerWrong();
+
+    void wholeTextIsWiderThanLine_data();
+    void wholeTextIsWiderThanLine();
+    void shrinkageIsThatOfTheScript();
+};
+
+void tst_TextMeasure::initTestCase()
+{
+    QVERIFY(isTestFontInstalled());
+}
+
+void tst_TextMeasure::decidesAsMeasured_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QFont>("font");
+
+    const QString russian = QStringLiteral("Документальный фильм об экипаже ледокола");
+    QTest::newRow("Russian") << russian << pixelFont();
+    QTest::newRow("Russian, small") << russian << pixelFont(5);
+    QTest::newRow("kerned") << QStringLiteral("AVATAR To. «Ты» — VAVAVA Tomorrow") << pixelFont();
+    QTest::newRow("ligatures") << QStringLiteral("office affiffi fluffiest offices") << pixelFont();
+    QTest::newRow("marks") << QStringLiteral("програ\u0301мма пе\u0301редач на неде\u0301лю")
+                           << pixelFont();
+    QTest::newRow("Arabic") << QStringLiteral("السلام عليكم لاإله السلام") << pixelFont();
+    QTest::newRow("narrow letters") << QStringLiteral("illi").repeated(60) << closeFont(30);
+    QTest::newRow("close letters") << QStringLiteral("w").repeated(90) << closeFont(10);
+    QFont shrinking = pixelFont();
+    shrinking.setLetterSpacing(QFont::AbsoluteSpacing, -15);
+    QTest::newRow("letters that take room away")
+        << QStringLiteral("wwwwwwwwwwwwwwwwwwwwiiiiiiiiiiiiii").repeated(4) << shrinking;
+}
+
+void tst_TextMeasure::decidesAsMeasured()
+{
+    QFETCH(QString, text);
+    QFETCH(QFont, font);
+    for (const Method method : {Method::Ruler, Method::MeasureAll}) {
+        TextMeasure measure(font, lineWidth, manyLines, method);
+        for (qsizetype from = 0; from < text.size(); from += 3) {
+            for (qsizetype to = from; to <= text.size(); ++to) {
+                const QString range = text.sliced(from, to - from);
+                QVERIFY2(measure.decide(text, from, to, fitsOnLine)
+                             == fitsOnLine(advance(range, font)),
+                         qPrintable(range));
+            }
+        }
+        QVERIFY(!measure.isRulerWrong());
+    }
+}
+
+void tst_TextMeasure::decidesAnEmptyRangeAsOne()
+{
+    const QString text = QStringLiteral("wwww");
+    TextMeasure measure(pixelFont(), lineWidth, manyLines, Method::Ruler);
+    const auto isWide = [](double advance) { return advance < 0; };
+
+    for (const qsizetype to : {1, 2}) {
+        QVERIFY(measure.decide(text, 2, to, fitsOnLine));
+        QVERIFY(!measure.decide(text, 2, to, isWide));
+    }
+}
+
+void tst_TextMeasure::decidesAfterAnInsertion()
+{
+    QString text = QStringLiteral("iiiiiiiiwwwwwwwwwwwwwwwwwwwwwwiiiiiiii");
+    TextMeasure measure(pixelFont(), lineWidth, manyLines, Method::Ruler);
+    measure.decide(text, 0, text.size(), fitsOnLine);
+
+    text.insert(8, lineSeparator);
+    measure.textInserted(9, 1);
+
+    for (qsizetype to = 9; to <= text.size(); ++to) {
+        QCOMPARE(measure.decide(text, 9, to, fitsOnLine),
+                 fitsOnLine(advance(text.sliced(9, to - 9))));
+    }
+}
+
+void tst_TextMeasure::measuresOnlyNearTheLimit()
+{
+    const QString text = QStringLiteral("абвгдежз").repeated(8);
+    TextMeasure measure(pixelFont(), lineWidth, manyLines, Method::Ruler);
+    measure.decide(text, 0, 20, fitsOnLine);
+    if (countShaperCalls([&] { advance(text); }) == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+
+    int measured = 0;
+    for (qsizetype to = 0; to <= 40; ++to) {
+        const double room = std::abs(lineWidth - advance(text.first(to)));
+        const int calls = countShaperCalls([&] { measure.decide(text, 0, to, fitsOnLine); });
+        measured += calls;
+        // A tenth of the font's size, as nothing acts on these ends.
+        if (room > 2)
+            QCOMPARE(calls, 0);
+    }
+    QVERIFY(measured <= 1);
+}
+
+void tst_TextMeasure::looksAtTheBeginningOfALongWord_data()
+{
+    QTest::addColumn<QString>("letter");
+
+    QTest::newRow("readable") << QStringLiteral("ж");
+    QTest::newRow("not readable") << QStringLiteral("ש");
+}
+
+void tst_TextMeasure::looksAtTheBeginningOfALongWord()
+{
+    QFETCH(QString, letter);
+    const QString text = letter.repeated(20'000);
+    TextMeasure measure(pixelFont(), lineWidth, manyLines, Method::Ruler);
+    const qsizetype most = measure.mostPerLine();
+    QVERIFY(advance(text.first(most)) > 2 * lineWidth);
+    const int callsForAll = countShaperCalls([&] { advance(text); });
+    if (callsForAll == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+
+    // Qt has long texts shaped in pieces.
+    const int calls =
+        countShaperCalls([&] { QVERIFY(!measure.decide(text, 0, text.size(), fitsOnLine)); });
+    QVERIFY(calls <= countShaperCalls([&] { advance(text.first(2 * most)); }));
+    QVERIFY(calls < callsForAll);
+}
+
+void tst_TextMeasure::checksTheRulerOnce()
+{
+    const QString text = QStringLiteral("Новости дня и ночи");
+    TextMeasure measure(pixelFont(), lineWidth, manyLines, Method::Ruler);
+    if (countShaperCalls([&] { advance(text); }) == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+
+    const auto calls = [&](qsizetype from, qsizetype to) {
+        return countShaperCalls([&] { measure.checkOnce(text, from, to); });
+    };
+    QCOMPARE(calls(7, 7), 0);
+    QVERIFY(calls(0, 7) > 0);
+    QCOMPARE(calls(0, 11), 0);
+    QVERIFY(!measure.isRulerWrong());
+}
+
+void tst_TextMeasure::findsTheRulerWrong_data()
+{
+    QTest::addColumn<int>("kerning");
+    QTest::addColumn<Method>("method");
+    QTest::addColumn<bool>("wrong");
+
+    // Half of the kerning is that of the letter, and up to half of the font's size is tolerated.
+    QTest::newRow("a little") << 900 << Method::Ruler << false;
+    QTest::newRow("much") << 1100 << Method::Ruler << true;
+    QTest::newRow("much, backwards") << -1100 << Method::Ruler << true;
+    QTest::newRow("much, all measured") << 1100 << Method::MeasureAll << false;
+}
+
+void tst_TextMeasure::findsTheRulerWrong()
+{
+    QFETCH(int, kerning);
+    QFETCH(Method, method);
+    QFETCH(bool, wrong);
+    const QString family = QStringLiteral("Measured %1").arg(kerning);
+    const int id =
+        QFontDatabase::addApplicationFontFromData(kernedFont(family, {.beforeSpace = kerning}));
+    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
+    QFont font(family);
+    font.setPixelSize(20);
+
+    // In a narrow box the stretch would end with the range.
+    const QString text = QStringLiteral("q w");
+    TextMeasure measure(font, 10, 2, method);
+    measure.checkOnce(text, 0, 1);
+
+    QCOMPARE(measure.isRulerWrong(), wrong);
+}
+
+void tst_TextMeasure::wholeTextIsWiderThanLine_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("spacing");
+    QTest::addColumn<bool>("wider");
+
+    QTest::newRow("nothing read") << QString() << 0.0 << false;
+    QTest::newRow("short") << QStringLiteral("Новости") << 0.0 << false;
+    QTest::newRow("a little longer") << QStringLiteral("и").repeated(16) << 0.0 << false;
+    QTest::newRow("longer") << QStringLiteral("и").repeated(17) << 0.0 << true;
+    QTest::newRow("longer, not readable") << QStringLiteral("ש").repeated(40) << 0.0 << true;
+    QTest::newRow("longer, but others may take room away")
+        << QStringLiteral("и").repeated(40) << -1.0 << false;
+}
+
+void tst_TextMeasure::wholeTextIsWiderThanLine()
+{
+    QFETCH(QString, text);
+    QFETCH(double, spacing);
+    QFETCH(bool, wider);
+    QFont font = pixelFont();
+    font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
+
+    measure.decide(text, 0, text.size(), fitsOnLine);
+
+    // What has been read may be off by half of the font's size, and so may what stands beside it.
+    const double least = lineWidth + (TextRuler::canRead(QStringView(text)) ? 20 : 10);
+    QCOMPARE(advance(text, font) > least && spacing >= 0, wider);
+    QCOMPARE(measure.isWiderThanLine(), wider);
+}
+
+void tst_TextMeasure::shrinkageIsThatOfTheScript()
+{
+    const TextMeasure measure(pixelFont(), lineWidth, manyLines, Method::Ruler);
+
+    QCOMPARE(measure.mostShrinkage(QStringLiteral("Новости")), 10.0);
+    // Four emoji may become one.
+    QCOMPARE(measure.mostShrinkage(QStringLiteral("\U0001F468\u200d\U0001F469")), 80.0);
+}
+
+QTEST_MAIN(tst_TextMeasure)
+
+#include "tst_textmeasure.moc"
