@@ -1,5 +1,6 @@
 #include "textmeasure_p.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ovelin {
@@ -72,6 +73,34 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
 double TextMeasure::mostShrinkage(QStringView text) const
 {
     return TextRuler::canRead(text) ? m_tolerance : m_joinedCharacters;
+}
+
+bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, Fits fits)
+{
+    to = std::max(from, to);
+    if (fits(double(to - from) * m_widestCharacter))
+        return true;
+
+    // Of what is much longer than a line, as a word without an end, the beginning is enough: what
+    // follows does not make it narrower, or, where letters join that cannot be read, by no whole line.
+    if (m_advancesGrow) {
+        for (qsizetype seen = m_mostPerLine; seen < to - from; seen *= 2) {
+            const auto reading = read(text, from, from + seen);
+            const double least =
+                reading ? *reading - m_tolerance : measure(text, from, from + seen) - m_lineWidth;
+            if (!fits(least))
+                return false;
+        }
+    }
+
+    const auto reading = read(text, from, to);
+    const auto decides = [&](double tolerance) {
+        return fits(*reading - tolerance) == fits(*reading + tolerance);
+    };
+    if (reading && (decides(m_tolerance) || decides(m_ruler.tolerance(text, from, to))))
+        return fits(*reading);
+
+    return fits(measureToo(text, from, to, reading));
 }
 
 void TextMeasure::textInserted(qsizetype before, qsizetype size)

@@ -3,9 +3,9 @@
 
 #include "textruler_p.h"
 
+#include <QtCore/qxpfunctional.h>
 #include <QtGui/qfontmetrics.h>
 
-#include <algorithm>
 #include <optional>
 
 namespace ovelin {
@@ -19,6 +19,7 @@ class TextMeasure
 {
 public:
     enum class Method { Ruler, MeasureAll };
+    using Fits = qxp::function_ref<bool(double advance) const>;
 
     TextMeasure(const QFont &font, double lineWidth, int maxLineCount, Method method);
 
@@ -35,8 +36,7 @@ public:
 
     // Returns what `fits` says of the advance of the characters from `from` up to but not including
     // `to`; it says the same of every advance up to some limit.
-    template<typename Fits>
-    bool decide(const QString &text, qsizetype from, qsizetype to, const Fits &fits);
+    bool decide(const QString &text, qsizetype from, qsizetype to, Fits fits);
 
     void textInserted(qsizetype before, qsizetype size);
 
@@ -68,35 +68,6 @@ private:
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;
 };
-
-template<typename Fits>
-bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, const Fits &fits)
-{
-    to = std::max(from, to);
-    if (fits(double(to - from) * m_widestCharacter))
-        return true;
-
-    // Of what is much longer than a line, as a word without an end, the beginning is enough: what
-    // follows does not make it narrower, or, where letters join that cannot be read, by no whole line.
-    if (m_advancesGrow) {
-        for (qsizetype seen = m_mostPerLine; seen < to - from; seen *= 2) {
-            const auto reading = read(text, from, from + seen);
-            const double least =
-                reading ? *reading - m_tolerance : measure(text, from, from + seen) - m_lineWidth;
-            if (!fits(least))
-                return false;
-        }
-    }
-
-    const auto reading = read(text, from, to);
-    const auto decides = [&](double tolerance) {
-        return fits(*reading - tolerance) == fits(*reading + tolerance);
-    };
-    if (reading && (decides(m_tolerance) || decides(m_ruler.tolerance(text, from, to))))
-        return fits(*reading);
-
-    return fits(measureToo(text, from, to, reading));
-}
 
 } // namespace ovelin
 

@@ -10,7 +10,7 @@ readonly fuzzer_sources=$repository/tests/fuzz
 readonly fuzzer_results=$repository/build/fuzz
 readonly usual_seconds=60
 # An input that takes longer is taken for a hang.
-readonly most_seconds_per_input=30
+readonly most_seconds_per_input=120
 readonly longest_input=4096
 
 fuzzer_names()
