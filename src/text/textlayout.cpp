@@ -334,12 +334,12 @@ void LineBreaker::elide()
     const QString shown = metrics.elidedText(line, Qt::ElideRight, m_limits.width);
     qsizetype cut = -1;
     if (!shown.isEmpty()) {
+        // The line may begin behind the one whose length is taken here.
         cut = m_lineStart + shown.size() - 1;
+        loadUpTo(cut);
         if (metrics.horizontalAdvance(shown) > m_limits.width)
             cut = characterStart(cut - 1);
     }
-    // The line may begin behind the one whose length is taken here.
-    loadUpTo(cut);
     if (cut >= 0)
         m_text.replace(cut, 1, ellipsis);
     m_text.truncate(cut + 1);
