@@ -47,7 +47,7 @@ struct WrapState
     bool operator==(const WrapState &) const = default;
 };
 
-size_t qHash(const WrapState &state, size_t seed = 0)
+size_t qHash(const WrapState &state, size_t seed)
 {
     return qHashMulti(seed, state.inserted, state.lineStart, state.wordStart,
                       state.previousWordStart);
