@@ -110,10 +110,10 @@ void TextMeasure::textInserted(qsizetype before, qsizetype size)
 
 void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 {
-    if (m_rulerIsChecked || from >= to)
+    if (m_rulerIsChecked || !m_usesRuler || from >= to)
         return;
-    // With the neighbour behind it, which must be known for what it does.
-    static_cast<void>(read(text, from, to + 1));
+    // With the neighbour behind it, which must be known for what it does. It need not be of the text.
+    static_cast<void>(m_ruler.advance(text, from, to + 1, m_stretchLength));
     if (const auto reading = read(text, from, to)) {
         measureToo(text, from, to, reading);
         m_rulerIsChecked = true;

@@ -55,6 +55,7 @@ private Q_SLOTS:
 
     void wholeTextIsWiderThanLine_data();
     void wholeTextIsWiderThanLine();
+    void neighbourOfWhatIsCheckedDoesNotCount();
     void shrinkageIsThatOfTheScript();
 };
 
@@ -254,6 +255,21 @@ void tst_TextMeasure::wholeTextIsWiderThanLine()
     const double least = lineWidth + (TextRuler::canRead(QStringView(text)) ? 20 : 10);
     QCOMPARE(advance(text, font) > least && spacing >= 0, wider);
     QCOMPARE(measure.isWiderThanLine(), wider);
+}
+
+// The space behind the last word is none of the text's.
+void tst_TextMeasure::neighbourOfWhatIsCheckedDoesNotCount()
+{
+    const QString text = QStringLiteral("w ");
+    QFont font = pixelFont(16);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 40);
+    const double width = advance(text.first(1), font) + 1;
+    QVERIFY(advance(text, font) > width + 2 * TextRuler::tolerance(font));
+    TextMeasure measure(font, width, manyLines, Method::Ruler);
+
+    measure.checkOnce(text, 0, 1);
+
+    QVERIFY(!measure.isWiderThanLine());
 }
 
 void tst_TextMeasure::shrinkageIsThatOfTheScript()
