@@ -52,7 +52,7 @@ double horizontalScale(const QFont &font)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
     return std::max(1.0, font.stretch() / 100.0)
-           * std::max(1.0, percentage ? font.letterSpacing() / 100 : 0);
+           * std::max(1.0, percentage ? std::abs(font.letterSpacing()) / 100 : 0);
 }
 
 TextRuler::TextRuler(const QFont &font)

@@ -753,19 +753,23 @@ void tst_TextLayoutIdentity::agreesOnRareWords()
 // Qt's positions overflow in such a font.
 void tst_TextLayoutIdentity::agreesInExtremelySetFonts_data()
 {
+    QTest::addColumn<QFont::SpacingType>("type");
     QTest::addColumn<double>("spacing");
 
-    for (const double spacing : {-1e9, -33554432.0, -2e5, 2e5, 33554432.0, 1e9})
-        QTest::addRow("%g", spacing) << spacing;
+    for (const double spacing : {-1e9, -33554432.0, -2e5, 2e5, 33554432.0, 1e9}) {
+        QTest::addRow("%g pixels", spacing) << QFont::AbsoluteSpacing << spacing;
+        QTest::addRow("%g percent", spacing) << QFont::PercentageSpacing << spacing;
+    }
 }
 
 void tst_TextLayoutIdentity::agreesInExtremelySetFonts()
 {
+    QFETCH(QFont::SpacingType, type);
     QFETCH(double, spacing);
 
     ReferenceInput input;
     input.font = pixelFont(27);
-    input.font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    input.font.setLetterSpacing(type, spacing);
     const QString text = QStringLiteral(" ~ сообщение на-экране");
     for (const int repetitions : {1, 20}) {
         input.text = text.repeated(repetitions);

@@ -291,6 +291,7 @@ void tst_TextRuler::scaleIsThatOfStretchAndSpacing_data()
     QTest::newRow("letters apart") << spacedFont(QFont::PercentageSpacing, 300) << 3.0;
     QTest::newRow("letters close") << spacedFont(QFont::PercentageSpacing, 50) << 1.0;
     QTest::newRow("letters apart by pixels") << spacedFont(QFont::AbsoluteSpacing, 300) << 1.0;
+    QTest::newRow("letters backwards") << spacedFont(QFont::PercentageSpacing, -300) << 3.0;
     QTest::newRow("both") << stretchedFont(150, 300) << 4.5;
 }
 
