@@ -95,7 +95,9 @@ AbstractResourceOwner::AbstractResourceOwner() = default;
 AbstractResourceOwner::~AbstractResourceOwner()
 {
     const DyingOwner dying(this);
-    SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState);
+    // A slot may have the owner drop its state while trackers still forget it.
+    const StatePointer heldState = ownerState;
+    SceneResourceTrackerPrivate::ownerDestroyed(this, heldState.data());
 }
 
 /*!

@@ -197,15 +197,13 @@ bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
     return keeps;
 }
 
-// Holds the state itself: a slot may have the owner drop it.
-void SceneResourceTrackerPrivate::ownerDestroyed(
-    IResourceOwner *owner,
-    QSharedPointer<ResourceOwnerState> heldState) // NOLINT(performance-unnecessary-value-param)
+void SceneResourceTrackerPrivate::ownerDestroyed(IResourceOwner *owner,
+                                                 ResourceOwnerState *heldState)
 {
     if (heldState)
         heldState->owner = nullptr;
     for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
-        tracker->removeDyingOwner(owner, heldState.data());
+        tracker->removeDyingOwner(owner, heldState);
 }
 
 // The item's own part is destroyed already: it can no longer be asked for its object. Its states

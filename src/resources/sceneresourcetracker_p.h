@@ -21,7 +21,7 @@ public:
     SceneResourceTrackerPrivate();
     ~SceneResourceTrackerPrivate() override;
 
-    static void ownerDestroyed(IResourceOwner *owner, QSharedPointer<ResourceOwnerState> heldState);
+    static void ownerDestroyed(IResourceOwner *owner, ResourceOwnerState *heldState);
 
     Resources::iterator find(const IResourceOwner *owner, int id);
     bool isBeingRemoved(Resources::iterator entry) const;

@@ -42,6 +42,14 @@ public:
     void releaseResources() override {}
 };
 
+// The only owner of a tracker is gone.
+void verifyForgotten(const SceneResourceTracker &tracker, const IResourceOwner *owner)
+{
+    QVERIFY(!refersTo(tracker, owner));
+    QVERIFY(tracker.resources().empty());
+    QVERIFY(tracker.owners().empty());
+}
+
 } // namespace
 
 class tst_AbstractResourceOwner : public QObject
@@ -750,9 +758,7 @@ void tst_AbstractResourceOwner::destroyedAfterTheTrackerWasReplaced()
     item.reset();
 
     QCOMPARE(state->owner, nullptr);
-    QVERIFY(!refersTo(former, address));
-    QVERIFY(former.resources().empty());
-    QVERIFY(former.owners().empty());
+    verifyForgotten(former, address);
 }
 
 void tst_AbstractResourceOwner::destroyedWhileInTwoTrackers()
@@ -771,13 +777,8 @@ void tst_AbstractResourceOwner::destroyedWhileInTwoTrackers()
 
     item.reset();
 
-    for (const SceneResourceTracker *tracker :
-         {static_cast<const SceneResourceTracker *>(&former),
-          static_cast<const SceneResourceTracker *>(&present)}) {
-        QVERIFY(!refersTo(*tracker, address));
-        QVERIFY(tracker->resources().empty());
-        QVERIFY(tracker->owners().empty());
-    }
+    verifyForgotten(former, address);
+    verifyForgotten(present, address);
     QCOMPARE(presentState->owner, nullptr);
     QCOMPARE(formerState->owner, nullptr);
 }
@@ -871,9 +872,7 @@ void tst_AbstractResourceOwner::destroyedWithEntriesOfNoCount()
 
     item.reset();
 
-    QVERIFY(!refersTo(tracker, address));
-    QVERIFY(tracker.resources().empty());
-    QVERIFY(tracker.owners().empty());
+    verifyForgotten(tracker, address);
 }
 
 void tst_AbstractResourceOwner::destroyedWithoutEntries()
@@ -954,9 +953,7 @@ void tst_AbstractResourceOwner::dyingItemCannotRegister()
 
     QVERIFY(calls > 0);
     QVERIFY(calls < manyCalls);
-    QVERIFY(!refersTo(tracker, address));
-    QVERIFY(tracker.resources().empty());
-    QVERIFY(tracker.owners().empty());
+    verifyForgotten(tracker, address);
 }
 
 void tst_AbstractResourceOwner::dyingItemMayUnregister_data()
@@ -988,13 +985,8 @@ void tst_AbstractResourceOwner::dyingItemMayUnregister()
     item.reset();
 
     QVERIFY(calls > 0);
-    for (const SceneResourceTracker *tracker :
-         {static_cast<const SceneResourceTracker *>(&former),
-          static_cast<const SceneResourceTracker *>(&present)}) {
-        QVERIFY(!refersTo(*tracker, address));
-        QVERIFY(tracker->resources().empty());
-        QVERIFY(tracker->owners().empty());
-    }
+    verifyForgotten(former, address);
+    verifyForgotten(present, address);
 }
 
 QTEST_GUILESS_MAIN(tst_AbstractResourceOwner)

@@ -271,6 +271,14 @@ QString described(const ReferenceInput &input)
         .arg(input.font.bold());
 }
 
+QList<int> widthsBelow(double end, int step = 1)
+{
+    QList<int> widths;
+    for (int width = 1; width < end; width += step)
+        widths.append(width);
+    return widths;
+}
+
 void apply(TextRenderer &renderer, const ReferenceInput &input)
 {
     renderer.setTextFont(input.font);
@@ -319,6 +327,8 @@ private Q_SLOTS:
 
 private:
     void compare(const ReferenceInput &input);
+    void compareInBoxes(ReferenceInput input, const QList<int> &widths,
+                        const QList<int> &lineCounts);
     void compareWidth(const ReferenceInput &input, const ReferenceLayout &expected);
 
     int m_compared = 0;
@@ -366,6 +376,21 @@ void tst_TextLayoutIdentity::compare(const ReferenceInput &input)
     if (input.textWidth >= 1)
         QCOMPARE(renderer.geometry().height(), qRound(expected.size.height()));
     compareWidth(input, expected);
+}
+
+// The first that fails ends all of them.
+void tst_TextLayoutIdentity::compareInBoxes(ReferenceInput input, const QList<int> &widths,
+                                            const QList<int> &lineCounts)
+{
+    for (const int width : widths) {
+        input.textWidth = width;
+        for (const int lineCount : lineCounts) {
+            input.maxLineCount = lineCount;
+            if (QTest::currentTestFailed())
+                return;
+            compare(input);
+        }
+    }
 }
 
 // By what depends on it: where the text is aligned, and which widths keep the layout.
@@ -488,15 +513,7 @@ void tst_TextLayoutIdentity::agreesInFontsThatAreHardToRead()
         input.font = font;
         for (const int pixelSize : {20, 40}) {
             input.font.setPixelSize(pixelSize);
-            for (input.textWidth = 1; input.textWidth < advance(text, input.font);
-                 ++input.textWidth) {
-                for (const int lines : {-1, 2}) {
-                    input.maxLineCount = lines;
-                    compare(input);
-                    if (QTest::currentTestFailed())
-                        return;
-                }
-            }
+            compareInBoxes(input, widthsBelow(advance(text, input.font)), {-1, 2});
         }
     }
 
@@ -527,19 +544,15 @@ void tst_TextLayoutIdentity::agreesWhereTheTextGoesOn()
 
     ReferenceInput input;
     input.font = pixelFont();
-    input.textWidth = 196;
+    constexpr int width = 196;
+    input.textWidth = width;
     input.text = QStringLiteral("iiii ii wwww www iw ").repeated(60).left(paragraphSize);
     input.maxLineCount = most;
     const double lineHeight = QFontMetricsF(input.font).lineSpacing();
     const int lines = qRound(referenceLayout(input, roundBudget).size.height() / lineHeight);
 
     input.text += QStringLiteral("\nzzzz yyyy xxxx vvvv uuuu tttt");
-    for (const int more : {-1, 0, 1, 2}) {
-        input.maxLineCount = lines + more;
-        compare(input);
-        if (QTest::currentTestFailed())
-            return;
-    }
+    compareInBoxes(input, {width}, {lines - 1, lines, lines + 1, lines + 2});
 }
 
 void tst_TextLayoutIdentity::agreesInCapitalizedText_data()
@@ -561,15 +574,7 @@ void tst_TextLayoutIdentity::agreesInCapitalizedText()
     input.text = QStringLiteral("магистрали железнодорожной программирование");
     input.font = pixelFont(16);
     input.font.setCapitalization(capitalization);
-    for (int width = 1; width < advance(input.text, input.font); ++width) {
-        input.textWidth = width;
-        for (const int lines : {2, 3, 4, most}) {
-            input.maxLineCount = lines;
-            compare(input);
-            if (QTest::currentTestFailed())
-                return;
-        }
-    }
+    compareInBoxes(input, widthsBelow(advance(input.text, input.font)), {2, 3, 4, most});
 }
 
 // More letters stand on a line than are expected there.
@@ -580,15 +585,9 @@ void tst_TextLayoutIdentity::agreesOnLinesOfManyNarrowLetters()
         QStringLiteral("illi").repeated(400) + u' ' + QStringLiteral("li il").repeated(100);
     input.font = pixelFont();
     input.font.setLetterSpacing(QFont::PercentageSpacing, 50);
-    input.maxLineCount = 3;
     for (const qsizetype onLine : {400, 800, 1595, 1600, 1700, 2000}) {
         const int least = leastWidthThatFits(advance(input.text.first(onLine), input.font));
-        for (const int more : {-1, 0, 1, 2}) {
-            input.textWidth = least + more;
-            compare(input);
-            if (QTest::currentTestFailed())
-                return;
-        }
+        compareInBoxes(input, {least - 1, least, least + 1, least + 2}, {3});
     }
 }
 
@@ -598,12 +597,7 @@ void tst_TextLayoutIdentity::agreesWhereQtStopsMeasuring()
     ReferenceInput input;
     input.text = QStringLiteral("a\u009c\u2028wwww ww ww w");
     input.font = pixelFont();
-    input.maxLineCount = 5;
-    for (input.textWidth = 1; input.textWidth < 150; ++input.textWidth) {
-        compare(input);
-        if (QTest::currentTestFailed())
-            return;
-    }
+    compareInBoxes(input, widthsBelow(150), {5});
 }
 
 // The stops of tabs are pixels apart, whatever the font.
@@ -611,14 +605,9 @@ void tst_TextLayoutIdentity::agreesInFontsNarrowerThanTabs()
 {
     ReferenceInput input;
     input.text = QStringLiteral("a\t b\t c");
-    input.maxLineCount = 2;
     for (const int pixelSize : {1, 2, 3}) {
         input.font = pixelFont(pixelSize);
-        for (input.textWidth = 1; input.textWidth < 200; ++input.textWidth) {
-            compare(input);
-            if (QTest::currentTestFailed())
-                return;
-        }
+        compareInBoxes(input, widthsBelow(200), {2});
     }
 }
 
@@ -645,15 +634,7 @@ void tst_TextLayoutIdentity::agreesWhereLinesCutLigatures()
         const double joined = advance(QStringLiteral("fffi"), input.font);
         QVERIFY2(joined != letters, "The font has no ligature.");
 
-        for (int width = 1; width < advance(text, input.font); ++width) {
-            input.textWidth = width;
-            for (const int lines : {1, 2, 3, most}) {
-                input.maxLineCount = lines;
-                compare(input);
-                if (QTest::currentTestFailed())
-                    return;
-            }
-        }
+        compareInBoxes(input, widthsBelow(advance(text, input.font)), {1, 2, 3, most});
     }
 }
 
@@ -739,15 +720,7 @@ void tst_TextLayoutIdentity::agreesOnRareWords()
     ReferenceInput input;
     input.text = text;
     input.font = font;
-    for (int width = 1; width < 140; width += 4) {
-        input.textWidth = width;
-        for (const int lines : {2, 4, most}) {
-            input.maxLineCount = lines;
-            compare(input);
-            if (QTest::currentTestFailed())
-                return;
-        }
-    }
+    compareInBoxes(input, widthsBelow(140, 4), {2, 4, most});
 }
 
 // Qt's positions overflow in such a font.
@@ -773,15 +746,7 @@ void tst_TextLayoutIdentity::agreesInExtremelySetFonts()
     const QString text = QStringLiteral(" ~ сообщение на-экране");
     for (const int repetitions : {1, 20}) {
         input.text = text.repeated(repetitions);
-        for (const int lines : {0, 1, 2, 5, 300}) {
-            input.maxLineCount = lines;
-            for (const int width : {1, 20, 500, 1'000'000}) {
-                input.textWidth = width;
-                compare(input);
-                if (QTest::currentTestFailed())
-                    return;
-            }
-        }
+        compareInBoxes(input, {1, 20, 500, 1'000'000}, {0, 1, 2, 5, 300});
     }
 }
 
@@ -802,15 +767,7 @@ void tst_TextLayoutIdentity::agreesInFontsOfExtremeSizes()
     if (pixelSize == 0)
         input.font = fontOfZeroPixels();
     input.text = QStringLiteral("сообщение на-экране");
-    for (const int lines : {0, 1, 2, 5}) {
-        input.maxLineCount = lines;
-        for (const int width : {1, 500, 1'000'000, most}) {
-            input.textWidth = width;
-            compare(input);
-            if (QTest::currentTestFailed())
-                return;
-        }
-    }
+    compareInBoxes(input, {1, 500, 1'000'000, most}, {0, 1, 2, 5});
 }
 
 // One renderer that is set up for case after case gives what a fresh one gives.

@@ -3,7 +3,6 @@
 
 #include <ovelin/textrenderer.h>
 
-#include <QDataStream>
 #include <QImage>
 #include <QPainter>
 #include <QPen>
