@@ -27,6 +27,10 @@ constexpr qsizetype longestUsualStretch = 256;
 // As many emoji of families, which end as one.
 constexpr double joinedCharactersInEms = 4;
 
+// On a shorter line what is measured ahead saves nothing.
+constexpr qsizetype shortestLongLine = 64;
+constexpr qsizetype fewestAhead = 16;
+
 double widestCharacter(const QFont &font)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
@@ -35,9 +39,14 @@ double widestCharacter(const QFont &font)
            + std::abs(font.wordSpacing());
 }
 
-bool growsWithEachCharacter(const QFont &font)
+// By how much a character may make a text narrower, in a font that sets them closer than they are wide.
+double characterShrinkage(const QFont &font)
 {
-    return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
+    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
+    const double letterShrinkage = percentage && font.letterSpacing() < 0
+                                       ? widestCharacter(font)
+                                       : std::max(0.0, -font.letterSpacing());
+    return letterShrinkage + std::max(0.0, -font.wordSpacing());
 }
 
 double usualPerLine(const QFont &font, double lineWidth)
@@ -59,7 +68,7 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     : m_metrics(font)
     , m_lineWidth(lineWidth)
     , m_widestCharacter(widestCharacter(font))
-    , m_advancesGrow(growsWithEachCharacter(font))
+    , m_characterShrinkage(characterShrinkage(font))
     , m_tolerance(TextRuler::tolerance(font))
     , m_joinedCharacters(joinedCharactersInEms * font.pixelSize() * horizontalScale(font))
     , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
@@ -78,12 +87,12 @@ double TextMeasure::mostShrinkage(QStringView text) const
 bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, Fits fits)
 {
     to = std::max(from, to);
-    if (fits(double(to - from) * m_widestCharacter))
+    if (fits(double(to - from) * m_widestCharacter) || isKnownToFit(from, to, fits))
         return true;
 
     // Of what is much longer than a line, as a word without an end, the beginning is enough: what
     // follows does not make it narrower, or, where letters join that cannot be read, by no whole line.
-    if (m_advancesGrow) {
+    if (advancesGrow()) {
         for (qsizetype seen = m_mostPerLine; seen < to - from; seen *= 2) {
             const auto reading = read(text, from, from + seen);
             const double least =
@@ -99,6 +108,8 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, Fits
     };
     if (reading && (decides(m_tolerance) || decides(m_ruler.tolerance(text, from, to))))
         return fits(*reading);
+    if (!reading && to - from >= shortestLongLine && fitsWithMore(text, from, to, fits))
+        return true;
 
     return fits(measureToo(text, from, to, reading));
 }
@@ -106,6 +117,7 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, Fits
 void TextMeasure::textInserted(qsizetype before, qsizetype size)
 {
     m_ruler.textInserted(before, size);
+    m_ahead = {};
 }
 
 void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
@@ -124,7 +136,34 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 // other neighbours in it.
 bool TextMeasure::isWiderThanLine() const
 {
-    return m_usesRuler && m_advancesGrow && m_widestRange > m_lineWidth + m_tolerance;
+    return m_usesRuler && advancesGrow() && m_widestRange > m_lineWidth + m_tolerance;
+}
+
+// From what was measured ahead, with room to spare for what makes a beginning wider than all of it.
+bool TextMeasure::isKnownToFit(qsizetype from, qsizetype to, Fits fits) const
+{
+    if (from != m_ahead.from || to > m_ahead.to)
+        return false;
+    const double shrinkage = m_joinedCharacters + double(m_ahead.to - to) * m_characterShrinkage;
+    return fits(m_ahead.advance + shrinkage);
+}
+
+// Of a long line twice as much is measured as is asked for, and less and less ahead where that is too
+// much, so that the measurements are few however many words stand on it.
+bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits)
+{
+    if (from != m_ahead.from)
+        m_ahead = {.from = from, .mostMore = text.size()};
+    while (!isKnownToFit(from, to, fits)) {
+        const qsizetype more = std::min({m_ahead.mostMore, to - from, text.size() - to});
+        if (more < fewestAhead)
+            return false;
+        m_ahead.to = to + more;
+        m_ahead.advance = m_metrics.horizontalAdvance(text.mid(from, m_ahead.to - from));
+        if (!isKnownToFit(from, to, fits))
+            m_ahead.mostMore = more / 2;
+    }
+    return true;
 }
 
 std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)

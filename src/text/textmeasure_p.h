@@ -29,7 +29,7 @@ public:
     qsizetype mostPerLine() const { return m_mostPerLine; }
 
     // Whether each character takes room, but where it joins others.
-    bool advancesGrow() const { return m_advancesGrow; }
+    bool advancesGrow() const { return m_characterShrinkage <= 0; }
 
     // By how much a beginning of that text may be wider than a longer one nevertheless.
     double mostShrinkage(QStringView text) const;
@@ -48,6 +48,17 @@ public:
     bool isWiderThanLine() const;
 
 private:
+    // What was measured last to know of all of its beginnings.
+    struct Ahead
+    {
+        qsizetype from = -1;
+        qsizetype to = -1;
+        double advance = 0;
+        qsizetype mostMore = 0; // characters than asked for, the next time
+    };
+
+    bool isKnownToFit(qsizetype from, qsizetype to, Fits fits) const;
+    bool fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits);
     std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
     double measure(const QString &text, qsizetype from, qsizetype to);
     double measureToo(const QString &text, qsizetype from, qsizetype to,
@@ -56,8 +67,8 @@ private:
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
     const double m_widestCharacter;
-    const bool m_advancesGrow; // with every character
-    const double m_tolerance;  // of the ruler
+    const double m_characterShrinkage;
+    const double m_tolerance; // of the ruler
     const double m_joinedCharacters;
     const qsizetype m_mostPerLine;
     const qsizetype m_stretchLength;
@@ -67,6 +78,7 @@ private:
     bool m_rulerIsChecked = false;
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;
+    Ahead m_ahead;
 };
 
 } // namespace ovelin

@@ -1,4 +1,5 @@
 #include "kernedfont.h"
+#include "support/reducedrun.h"
 #include "support/shapercalls.h"
 #include "text/textmeasure_p.h"
 #include "textsupport.h"
@@ -6,6 +7,8 @@
 #include <QFontDatabase>
 #include <QScopeGuard>
 #include <QTest>
+
+#include <bit>
 
 using namespace ovelin;
 using namespace ovelin::tests;
@@ -48,6 +51,8 @@ private Q_SLOTS:
     void measuresOnlyNearTheLimit();
     void looksAtTheBeginningOfALongWord_data();
     void looksAtTheBeginningOfALongWord();
+    void measuresAheadOnALongLine_data();
+    void measuresAheadOnALongLine();
 
     void checksTheRulerOnce();
     void findsTheRulerWrong_data();
@@ -174,6 +179,52 @@ void tst_TextMeasure::looksAtTheBeginningOfALongWord()
         countShaperCalls([&] { QVERIFY(!measure.decide(text, 0, text.size(), fitsOnLine)); });
     QVERIFY(calls <= countShaperCalls([&] { advance(text.first(2 * most)); }));
     QVERIFY(calls < callsForAll);
+}
+
+void tst_TextMeasure::measuresAheadOnALongLine_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<double>("spacing");
+    QTest::addColumn<Method>("method");
+
+    const QString hebrew = QStringLiteral("שלום ");
+    QTest::newRow("not readable") << hebrew << 0.0 << Method::Ruler;
+    QTest::newRow("letters that join") << QStringLiteral("السلام ") << 0.0 << Method::Ruler;
+    QTest::newRow("all measured") << QStringLiteral("слово ") << 0.0 << Method::MeasureAll;
+    QTest::newRow("close letters") << hebrew << -3.0 << Method::Ruler;
+    QTest::newRow("letters that take room away") << hebrew << -30.0 << Method::Ruler;
+}
+
+void tst_TextMeasure::measuresAheadOnALongLine()
+{
+    QFETCH(QString, word);
+    QFETCH(double, spacing);
+    QFETCH(Method, method);
+    QFont font = pixelFont();
+    font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    const qsizetype words = isRunReduced() ? 400 : 4000;
+    const QString text = word.repeated(words);
+    const double limit = std::max(lineWidth, advance(text, font) / 2);
+    TextMeasure measure(font, limit, manyLines, method);
+    const auto fits = [limit](double advance) { return advance < limit; };
+    const int callsForAll = countShaperCalls([&] { advance(text, font); });
+    if (callsForAll == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+
+    // Of so many words the advances are asked for after the decision; all of them would take long.
+    constexpr qsizetype step = 50;
+    int calls = 0;
+    for (qsizetype to = word.size(); to <= text.size(); to += word.size()) {
+        bool decided = false;
+        calls += countShaperCalls([&] { decided = measure.decide(text, 0, to, fits); });
+        if (to / word.size() % step == 0)
+            QCOMPARE(decided, fits(advance(text.first(to), font)));
+        if (!decided)
+            break;
+    }
+
+    const int mostMeasurements = 8 * std::bit_width(std::size_t(words));
+    QVERIFY(calls <= mostMeasurements * callsForAll);
 }
 
 void tst_TextMeasure::checksTheRulerOnce()
