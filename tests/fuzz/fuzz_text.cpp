@@ -3,6 +3,7 @@
 #include "text/layoutinvariants.h"
 #include "text/oddtext.h"
 #include "text/referencelayout.h"
+#include "text/textsupport.h"
 
 #include <ovelin/textrenderer.h>
 
@@ -24,7 +25,7 @@ namespace {
 
 constexpr qsizetype longestText = 100'000;
 constexpr qsizetype longestRichText = 2000;
-constexpr qsizetype longestTightText = 2000;
+constexpr qsizetype longestTightText = 10'000;
 constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
 constexpr std::size_t mostRenderers = 4;
@@ -44,8 +45,11 @@ QFont anyFont(FuzzedDataProvider &data)
 {
     QFont font(QStringLiteral("DejaVu Sans"));
     // Each other font stays in Qt's cache for the whole run: they are few.
-    if (data.ConsumeIntegralInRange(0, 15) > 0)
-        font.setPixelSize(data.PickValueInArray({1, 2, 11, 20, 27, 40, 200, 1000}));
+    const int size = data.PickValueInArray({-1, 0, 1, 2, 11, 20, 27, 40, 200, 1000, 134'217'728});
+    if (size == 0)
+        font = fontOfZeroPixels();
+    else if (size > 0)
+        font.setPixelSize(size);
     if (data.ConsumeIntegralInRange(0, 3) == 0) {
         const auto type = data.PickValueInArray({QFont::AbsoluteSpacing, QFont::PercentageSpacing});
         font.setLetterSpacing(type, data.ConsumeBool() ? data.ConsumeIntegralInRange(-20, 200)
@@ -76,7 +80,7 @@ private:
     void set(FuzzedDataProvider &data);
     void layOut();
     bool isTooMuchForQt() const;
-    bool mayNeverFillLine() const;
+    bool mayShrink() const;
     void compare() const;
     void paint(FuzzedDataProvider &data) const;
 
@@ -88,7 +92,7 @@ void Subject::call(FuzzedDataProvider &data)
 {
     switch (data.ConsumeIntegralInRange(0, 5)) {
     case 0:
-        m_renderer.move(anyPoint(data));
+        requireNone(moveViolation(m_renderer, anyPoint(data)));
         break;
     case 1:
         paint(data);
@@ -115,7 +119,7 @@ void Subject::set(FuzzedDataProvider &data)
         m_renderer.setTextAlignment(Qt::Alignment::fromInt(anyInt(data)));
         break;
     case 3:
-        m_renderer.setTextWidth(anyInt(data));
+        requireNone(widthViolation(m_renderer, anyInt(data)));
         break;
     case 4:
         m_renderer.setMaxTextWidth(anyInt(data));
@@ -140,7 +144,7 @@ void Subject::set(FuzzedDataProvider &data)
 
 void Subject::layOut()
 {
-    if (isTooMuchForQt() || mayNeverFillLine())
+    if (isTooMuchForQt() || mayShrink())
         return;
     const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
     m_renderer.relayout();
@@ -160,9 +164,9 @@ bool Subject::isTooMuchForQt() const
     return mayBeRich && text.size() > longestRichText;
 }
 
-// Letters that are set closer than they are wide take room away: all of a line that grows shorter by them
-// is measured at each of its words.
-bool Subject::mayNeverFillLine() const
+// Letters that are set closer than they are wide take room away: all that is left of a word is measured for
+// each of its lines.
+bool Subject::mayShrink() const
 {
     const QFont font = m_renderer.textFont();
     const bool isTight = font.letterSpacing() < 0 || font.wordSpacing() < 0;

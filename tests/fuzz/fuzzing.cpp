@@ -11,9 +11,14 @@ int anyInt(FuzzedDataProvider &data)
     constexpr int lowest = std::numeric_limits<int>::min();
     constexpr int highest = std::numeric_limits<int>::max();
     constexpr int edges[] = {lowest, lowest + 1, -1, 0, 1, 2, highest - 1, highest};
-    if (data.ConsumeBool())
+    switch (data.ConsumeIntegralInRange(0, 3)) {
+    case 0:
         return data.PickValueInArray(edges);
-    return data.ConsumeIntegralInRange<qint16>(-100, 2000);
+    case 1:
+        return data.ConsumeIntegral<int>();
+    default:
+        return data.ConsumeIntegralInRange<qint16>(-100, 2000);
+    }
 }
 
 void requireNone(const QString &violation)

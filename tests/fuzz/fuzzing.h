@@ -7,7 +7,7 @@
 
 // What the fuzzers share.
 
-// An integer of which the edges are as likely as all that lies between.
+// Any integer; those at the edges, and the usual ones, more often.
 int anyInt(FuzzedDataProvider &data);
 
 // Ends the run, as a crash does, when a rule is broken.

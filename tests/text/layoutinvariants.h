@@ -32,6 +32,13 @@ QString copyViolation(const TextRenderer &renderer);
 // height for vertical alignment cannot be asked for.
 QString geometryViolation(TextRenderer &renderer, int availableHeight);
 
+// Moves the renderer: what it shows stays, at a place as far from the old one as the new corner.
+QString moveViolation(TextRenderer &renderer, const QPoint &topLeft);
+
+// Sets the width: where the layout is kept the whole text is in the box, aligned in it; without a box, it
+// stays where it is.
+QString widthViolation(TextRenderer &renderer, int width);
+
 // Laying out has Qt shape texts at most so often for each line end that is shown, however long the text
 // is; a text in several scripts or fonts as often for each of their runs. Only some texts, of letters that
 // have to be measured one by one, take as much for each character. Not for what Qt reads as a document.
@@ -40,7 +47,7 @@ QString shapingViolation(TextRenderer &renderer);
 // The renderer shows what the plain formulation shows.
 QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &expected);
 
-// The first violation of all of the above but the last.
+// The first violation of the above that leave the renderer as it is, but for the last one.
 QString layoutViolation(TextRenderer &renderer, int availableHeight);
 
 // Whether `shown` is `source`, or its beginning, with line breaks put in and hyphens right before them.

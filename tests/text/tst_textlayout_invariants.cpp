@@ -154,6 +154,10 @@ private Q_SLOTS:
     void staysTheSameLaidOutAgain();
     void copyShowsTheSame();
     void geometryIsThatOfANewRenderer();
+    void movesWithoutALayout();
+    void keepsTheLayoutInABoxThatIsWideEnough();
+
+    void everyRuleHoldsOfTextsWithEveryOddity();
 
     void shaperCallsAreCounted();
     void shapesNoMoreThanItShows();
@@ -232,6 +236,52 @@ void tst_TextLayoutInvariants::geometryIsThatOfANewRenderer()
     checkRule(400, [](TextRenderer &r, const Setup &setup) {
         return geometryViolation(r, setup.availableHeight);
     });
+}
+
+void tst_TextLayoutInvariants::movesWithoutALayout()
+{
+    checkRule(400, [](TextRenderer &r, const Setup &setup) {
+        return moveViolation(r, {setup.width, setup.availableHeight});
+    });
+}
+
+void tst_TextLayoutInvariants::keepsTheLayoutInABoxThatIsWideEnough()
+{
+    int kept = 0;
+    checkRule(400, [&kept](TextRenderer &r, const Setup &setup) {
+        const int textWidth = TextRenderer::fineTextWidth(r.text(), QFontMetricsF(r.textFont()));
+        QString violation;
+        for (const int width : {textWidth, textWidth + setup.pixelSize, setup.width, 0}) {
+            if (violation.isEmpty())
+                violation = widthViolation(r, width);
+            kept += r.isNeedRelayout() ? 0 : 1;
+            r.relayout();
+        }
+        return violation;
+    });
+    QVERIFY(kept > 0);
+}
+
+void tst_TextLayoutInvariants::everyRuleHoldsOfTextsWithEveryOddity()
+{
+    std::string bytes;
+    for (int byte = 0; byte < 0x100; ++byte)
+        bytes +=
+            static_cast<char>(byte * 7); // no longer in their order, and each of them still there
+    TextRenderer renderer;
+    renderer.setTextFont(pixelFont());
+    renderer.setTextFormat(Qt::PlainText);
+    renderer.setText(oddText(bytes));
+
+    for (const int width : {0, 1, 40, 400, most}) {
+        renderer.setTextWidth(width);
+        for (const int maxLineCount : {-1, 1, 2, 5, most}) {
+            renderer.setMaxLineCount(maxLineCount);
+            renderer.relayout();
+            const QString violation = layoutViolation(renderer, 0);
+            QVERIFY2(violation.isEmpty(), qPrintable(violation));
+        }
+    }
 }
 
 void tst_TextLayoutInvariants::shaperCallsAreCounted()
