@@ -312,6 +312,8 @@ private Q_SLOTS:
     void agreesInCapitalizedText_data();
     void agreesInCapitalizedText();
     void agreesOnLinesOfManyNarrowLetters();
+    void agreesOnLongLinesThatCannotBeRead_data();
+    void agreesOnLongLinesThatCannotBeRead();
     void agreesWhereQtStopsMeasuring();
     void agreesInFontsNarrowerThanTabs();
     void agreesWhereLinesCutLigatures_data();
@@ -579,6 +581,40 @@ void tst_TextLayoutIdentity::agreesOnLinesOfManyNarrowLetters()
         const int least = leastWidthThatFits(advance(input.text.first(onLine), input.font));
         compareInBoxes(input, {least - 1, least, least + 1, least + 2}, {3});
     }
+}
+
+void tst_TextLayoutIdentity::agreesOnLongLinesThatCannotBeRead_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<double>("spacing");
+
+    const QString hebrew = QStringLiteral("שלום עולם ");
+    QTest::newRow("Hebrew") << hebrew << 0.0;
+    QTest::newRow("Hebrew, close letters") << hebrew << -3.0;
+    QTest::newRow("Hebrew, letters that take room away") << hebrew << -13.0;
+    QTest::newRow("letters that join") << QStringLiteral("السلام عليكم لا ") << 0.0;
+    QTest::newRow("emoji that join") << QStringLiteral("\U0001F468\u200d\U0001F467 ") << 0.0;
+    QTest::newRow("marks") << QStringLiteral("и\u0306е\u0301-я\u0301 ") << 0.0;
+    QTest::newRow("tabs") << QStringLiteral("a\tbc\t d") << 0.0;
+    QTest::newRow("two directions") << QStringLiteral("слово (של 12) ") << 0.0;
+}
+
+void tst_TextLayoutIdentity::agreesOnLongLinesThatCannotBeRead()
+{
+    QFETCH(QString, words);
+    QFETCH(double, spacing);
+    const qsizetype length = isRunReduced() ? 150 : 300;
+
+    ReferenceInput input;
+    input.text = words.repeated(length / words.size());
+    input.font = pixelFont();
+    input.font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    QList<int> widths;
+    for (qsizetype onLine = length / 3; onLine < input.text.size(); onLine += 37) {
+        const int least = leastWidthThatFits(advance(input.text.first(onLine), input.font));
+        widths += {least - 1, least, least + 1};
+    }
+    compareInBoxes(input, widths, {1, 2, most});
 }
 
 // Qt measures a text up to its first U+009C.

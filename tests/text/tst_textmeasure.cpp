@@ -53,6 +53,8 @@ private Q_SLOTS:
     void looksAtTheBeginningOfALongWord();
     void measuresAheadOnALongLine_data();
     void measuresAheadOnALongLine();
+    void knowsWhereLongerIsNarrower_data();
+    void knowsWhereLongerIsNarrower();
 
     void checksTheRulerOnce();
     void findsTheRulerWrong_data();
@@ -225,6 +227,44 @@ void tst_TextMeasure::measuresAheadOnALongLine()
 
     const int mostMeasurements = 8 * std::bit_width(std::size_t(words));
     QVERIFY(calls <= mostMeasurements * callsForAll);
+}
+
+void tst_TextMeasure::knowsWhereLongerIsNarrower_data()
+{
+    QTest::addColumn<QString>("beginning");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QFont>("font");
+
+    const QString hebrew = QStringLiteral("ש").repeated(80);
+    QFont close = pixelFont();
+    close.setLetterSpacing(QFont::AbsoluteSpacing, -8);
+    QTest::newRow("close letters") << hebrew << QStringLiteral("ו").repeated(60) << close;
+    QFont closeWords = pixelFont();
+    closeWords.setWordSpacing(-30);
+    QTest::newRow("close words") << hebrew << QStringLiteral("ו ").repeated(30) << closeWords;
+    QTest::newRow("letters that join")
+        << QStringLiteral("ب").repeated(80) << QStringLiteral("ﻷلا").repeated(20) << pixelFont();
+}
+
+void tst_TextMeasure::knowsWhereLongerIsNarrower()
+{
+    QFETCH(QString, beginning);
+    QFETCH(QString, end);
+    QFETCH(QFont, font);
+    const QString text = beginning + end;
+
+    bool isNarrower = false;
+    for (qsizetype last = beginning.size(); last < text.size(); ++last) {
+        const double limit = advance(text.first(last), font);
+        const auto fits = [limit](double advance) { return advance < limit; };
+        TextMeasure measure(font, limit, manyLines, Method::Ruler);
+        for (qsizetype to = beginning.size() - 5; to <= text.size(); ++to) {
+            const double width = advance(text.first(to), font);
+            QCOMPARE(measure.decide(text, 0, to, fits), fits(width));
+            isNarrower = isNarrower || (to > last && width < limit);
+        }
+    }
+    QVERIFY(isNarrower);
 }
 
 void tst_TextMeasure::checksTheRulerOnce()
