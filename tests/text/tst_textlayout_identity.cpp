@@ -274,6 +274,8 @@ QString described(const ReferenceInput &input)
 
 QList<int> widthsBelow(double end, int step = 1)
 {
+    if (isRunReduced())
+        step *= 7;
     QList<int> widths;
     for (int width = 1; width < end; width += step)
         widths.append(width);
