@@ -180,19 +180,22 @@ bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
 }
 
 // Returns whether an owner whose entries were unregistered stays after all, because a slot registered
-// something for it; its count then starts anew.
+// something for it; its count then starts anew. An entry with a former state may still be leaving.
 bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
 {
+    const auto known = owners.find(owner);
+    if (known == owners.end() || known->second->owner != owner)
+        return false;
+
     int count = 0;
     bool keeps = false;
     for (auto entry = resources.begin(); entry != resources.end(); ++entry) {
-        if (entry->ownerState->owner != owner)
+        if (entry->ownerState != known->second)
             continue;
         ++count;
         keeps = keeps || !isBeingRemoved(entry);
     }
-    const auto known = owners.find(owner);
-    if (keeps && known != owners.end())
+    if (keeps)
         known->second->resourceCount = count;
     return keeps;
 }

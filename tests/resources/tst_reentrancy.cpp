@@ -395,6 +395,7 @@ private Q_SLOTS:
     void registeringTheSameWhileOneIsUnregistered_data();
     void registeringTheSameWhileOneIsUnregistered();
     void registeringAnewWhileTheLastIsUnregistered();
+    void countOfWhatStaysWhileAnotherEntryLeaves();
     void registeringOnceTheOwnerLeft_data();
     void registeringOnceTheOwnerLeft();
     void registeringEachTimeEnds_data();
@@ -785,6 +786,28 @@ void tst_Reentrancy::registeringAnewWhileTheLastIsUnregistered()
     QCOMPARE(idsOf(scene.tracker, scene.b.get()), QList<int>{80});
     QCOMPARE(scene.tracker.owners().at(scene.b.get())->resourceCount, 1);
     QCOMPARE(scene.ledger.count(Message::Unregistered, 4), 1);
+    QCOMPARE(scene.violation(), QString());
+    QCOMPARE(scene.imbalance(), QString());
+}
+
+// The owner comes back while its former last entry still leaves, loses everything and registers again.
+void tst_Reentrancy::countOfWhatStaysWhileAnotherEntryLeaves()
+{
+    Scene scene;
+    Item *const b = scene.b.get();
+    Reaction onLeaving(scene.tracker, &SceneResourceTracker::resourceOwnerRemoved, [&] {
+        scene.tracker.registerResource(b, image(5));
+        Reaction onMessage(scene.tracker, &SceneResourceTracker::messagesAdded,
+                           [&] { scene.tracker.registerResource(b, image(6)); });
+        onMessage.onlyOnce();
+        scene.tracker.unregisterResources(b);
+    });
+    onLeaving.onlyOnce();
+
+    scene.tracker.unregisterResource(b, 4);
+
+    QCOMPARE(idsOf(scene.tracker, b), QList<int>{6});
+    QCOMPARE(scene.tracker.owners().at(b)->resourceCount, 1);
     QCOMPARE(scene.violation(), QString());
     QCOMPARE(scene.imbalance(), QString());
 }
