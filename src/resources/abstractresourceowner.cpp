@@ -87,17 +87,15 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
 AbstractResourceOwner::AbstractResourceOwner() = default;
 
 /*!
-    Destroys the owner. A tracker where it is still registered, installed or not, forgets it and its
-    resources as SceneResourceTracker::unregisterResources() does, with the same signals; messages show
-    the owner without address and names, and its state, which the application may still hold, has no
-    owner from then on. Meanwhile the owner's own functions refuse to register anything.
+    Destroys the owner. Every tracker where it is still registered, installed or not, forgets it and its
+    resources as SceneResourceTracker::unregisterResources() does, with the same signals. Before the
+    first of them all its states, which the application may still hold, lose their owner; messages show
+    it without address and names. Meanwhile the owner's own functions refuse to register anything.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {
     const DyingOwner dying(this);
-    // A slot may have the owner drop its state while trackers still forget it.
-    const StatePointer heldState = ownerState;
-    SceneResourceTrackerPrivate::ownerDestroyed(this, heldState.data());
+    SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState);
 }
 
 /*!

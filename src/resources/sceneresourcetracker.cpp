@@ -200,33 +200,45 @@ bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
     return keeps;
 }
 
-void SceneResourceTrackerPrivate::ownerDestroyed(IResourceOwner *owner,
-                                                 ResourceOwnerState *heldState)
+// The item's own part is destroyed already: it can no longer be asked for its object. Its states in
+// all trackers lose it before the first slot runs.
+void SceneResourceTrackerPrivate::ownerDestroyed(
+    IResourceOwner *owner, const QSharedPointer<ResourceOwnerState> &heldState)
 {
+    States states;
     if (heldState)
-        heldState->owner = nullptr;
+        states.append(heldState);
     for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
-        tracker->removeDyingOwner(owner, heldState);
+        tracker->addStatesOf(owner, states);
+    setOwner(states, nullptr);
+    for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
+        tracker->removeDyingOwner(owner, states);
 }
 
-// The item's own part is destroyed already: it can no longer be asked for its object. Its states
-// lose it before the first slot runs.
-void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner,
-                                                   ResourceOwnerState *heldState)
+void SceneResourceTrackerPrivate::addStatesOf(IResourceOwner *owner, States &states) const
 {
-    // The application may have taken the owner out of the state: the entries are found all the same.
-    if (heldState)
-        heldState->owner = owner;
-    ResourceWalk walk(this, owner, ResourceWalk::Purpose::Remove);
-    if (heldState)
-        heldState->owner = nullptr;
+    const auto known = owners.find(owner);
+    if (known != owners.end())
+        states.append(known->second);
     for (const ResourceInfo &info : resources) {
-        if (info.ownerState->owner == owner)
-            info.ownerState->owner = nullptr;
+        if (info.ownerState->owner == owner && !states.contains(info.ownerState))
+            states.append(info.ownerState);
     }
-    const auto known = owners.extract(owner);
-    if (known)
-        known.mapped()->owner = nullptr;
+}
+
+void SceneResourceTrackerPrivate::setOwner(const States &states, IResourceOwner *owner)
+{
+    for (const auto &state : states)
+        state->owner = owner;
+}
+
+// The entries are found by the owner, which the application may have taken out of some of its states.
+void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const States &states)
+{
+    setOwner(states, owner);
+    ResourceWalk walk(this, owner, ResourceWalk::Purpose::Remove);
+    setOwner(states, nullptr);
+    const bool known = owners.erase(owner) > 0;
 
     Q_Q(SceneResourceTracker);
     const bool removed = unregisterEntries(walk);

@@ -21,7 +21,8 @@ public:
     SceneResourceTrackerPrivate();
     ~SceneResourceTrackerPrivate() override;
 
-    static void ownerDestroyed(IResourceOwner *owner, ResourceOwnerState *heldState);
+    static void ownerDestroyed(IResourceOwner *owner,
+                               const QSharedPointer<ResourceOwnerState> &heldState);
 
     Resources::iterator find(const IResourceOwner *owner, int id);
     bool isBeingRemoved(Resources::iterator entry) const;
@@ -34,7 +35,6 @@ public:
     void erase(Resources::iterator entry);
     bool unregisterEntries(ResourceWalk &walk);
     bool keepsOwner(IResourceOwner *owner);
-    void removeDyingOwner(IResourceOwner *owner, ResourceOwnerState *heldState);
 
     void addMessage(SceneResourceTracker::Message::Event event, const ResourceInfo &info);
 
@@ -46,6 +46,12 @@ public:
     ResourceWalk *innermostWalk = nullptr;
 
 private:
+    using States = QVarLengthArray<QSharedPointer<ResourceOwnerState>, 4>;
+
+    static void setOwner(const States &states, IResourceOwner *owner);
+    void addStatesOf(IResourceOwner *owner, States &states) const;
+    void removeDyingOwner(IResourceOwner *owner, const States &states);
+
     // All trackers there are: an item that dies must not stay in one that is not installed just then.
     static SceneResourceTrackerPrivate *s_newest;
     SceneResourceTrackerPrivate *m_older = nullptr;

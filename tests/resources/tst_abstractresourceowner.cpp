@@ -102,6 +102,8 @@ private Q_SLOTS:
     void destroyedWithItsObjectGone();
     void destroyedIsOutOfReachForSlots_data();
     void destroyedIsOutOfReachForSlots();
+    void destroyedIsOutOfReachInEveryTracker_data();
+    void destroyedIsOutOfReachInEveryTracker();
     void destroyedKeepsCountAndStatus();
     void destroyedAfterTheTrackerWasUninstalled();
     void destroyedAfterTheTrackerWasReplaced();
@@ -110,6 +112,7 @@ private Q_SLOTS:
     void destroyedAfterOneOfItsTrackers();
     void destroyedAfterItsTracker();
     void destroyedAfterTheTrackerWasCleared();
+    void destroyedAfterTheStateLostIt_data();
     void destroyedAfterTheStateLostIt();
     void destroyedWithEntriesOfNoCount();
     void destroyedWithoutEntries();
@@ -706,6 +709,43 @@ void tst_AbstractResourceOwner::destroyedIsOutOfReachForSlots()
     QVERIFY(tracker.owners().empty());
 }
 
+void tst_AbstractResourceOwner::destroyedIsOutOfReachInEveryTracker_data()
+{
+    addSignalRows();
+}
+
+void tst_AbstractResourceOwner::destroyedIsOutOfReachInEveryTracker()
+{
+    QFETCH(const Signal, signal);
+    std::array<SceneResourceTracker, 2> trackers;
+    auto item = std::make_unique<Item>();
+    IResourceOwner *const address = item.get();
+    QList<QSharedPointer<ResourceOwnerState>> states;
+    int calls = 0;
+    for (SceneResourceTracker &tracker : trackers) {
+        states.append(tracker.registerResource(address, image(1)));
+        tracker.setMessagesEnabled(true);
+        connect(&tracker, signal, this, [&] {
+            ++calls;
+            for (SceneResourceTracker &reached : trackers) {
+                for (const auto &state : std::as_const(states)) {
+                    QCOMPARE(state->owner, nullptr);
+                    reached.setStatus(state, ResourceOwnerState::CreationAllowed);
+                    reached.allowResources(state);
+                }
+                reached.unregisterResource(address, 1);
+                reached.unregisterResources(address);
+            }
+        });
+    }
+
+    item.reset();
+
+    QVERIFY(calls > 0);
+    for (const SceneResourceTracker &tracker : trackers)
+        verifyForgotten(tracker, address);
+}
+
 void tst_AbstractResourceOwner::destroyedKeepsCountAndStatus()
 {
     InstalledTracker tracker;
@@ -843,19 +883,30 @@ void tst_AbstractResourceOwner::destroyedAfterTheTrackerWasCleared()
     QCOMPARE(recorder.emissions, QStringList());
 }
 
+void tst_AbstractResourceOwner::destroyedAfterTheStateLostIt_data()
+{
+    QTest::addColumn<bool>("held");
+
+    QTest::newRow("which the item held") << true;
+    QTest::newRow("which only the tracker held") << false;
+}
+
 void tst_AbstractResourceOwner::destroyedAfterTheStateLostIt()
 {
+    QFETCH(const bool, held);
     InstalledTracker tracker;
     tracker.setMessagesEnabled(true);
     auto item = std::make_unique<Item>();
     const IResourceOwner *address = item.get();
-    item->registerImage(1, poster);
-    item->state()->owner = nullptr;
+    if (held)
+        item->registerImage(1, poster);
+    else
+        tracker.registerResource(item.get(), image(1));
+    tracker.owners().at(item.get())->owner = nullptr;
 
     item.reset();
 
-    QVERIFY(!refersTo(tracker, address));
-    QVERIFY(tracker.owners().empty());
+    verifyForgotten(tracker, address);
 }
 
 void tst_AbstractResourceOwner::destroyedWithEntriesOfNoCount()
