@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <span>
 
 using namespace ovelin;
 using namespace Qt::StringLiterals;
@@ -347,12 +348,46 @@ struct NamedSignal
     Signal signal;
 };
 
-constexpr std::array trackerSignals = {
-    NamedSignal{"resourcesChanged", &SceneResourceTracker::resourcesChanged},
-    NamedSignal{"resourceOwnerAdded", &SceneResourceTracker::resourceOwnerAdded},
-    NamedSignal{"resourceOwnerRemoved", &SceneResourceTracker::resourceOwnerRemoved},
-    NamedSignal{"messagesAdded", &SceneResourceTracker::messagesAdded},
-};
+constexpr NamedSignal resourcesChanged{"resourcesChanged", &SceneResourceTracker::resourcesChanged};
+constexpr NamedSignal ownerAdded{"resourceOwnerAdded", &SceneResourceTracker::resourceOwnerAdded};
+constexpr NamedSignal ownerRemoved{"resourceOwnerRemoved",
+                                   &SceneResourceTracker::resourceOwnerRemoved};
+constexpr NamedSignal messagesAdded{"messagesAdded", &SceneResourceTracker::messagesAdded};
+
+constexpr std::array trackerSignals = {resourcesChanged, ownerAdded, ownerRemoved, messagesAdded};
+constexpr std::array registrationSignals = {resourcesChanged, ownerAdded, messagesAdded};
+constexpr std::array unregistrationSignals = {resourcesChanged, ownerRemoved, messagesAdded};
+
+void addSignalRows(std::span<const NamedSignal> emitted)
+{
+    QTest::addColumn<Signal>("signal");
+
+    for (const NamedSignal &signal : emitted)
+        QTest::newRow(signal.name) << signal.signal;
+}
+
+// Each signal with the unregistration of one entry and with that of all.
+void addUnregistrationRows(std::span<const NamedSignal> emitted)
+{
+    QTest::addColumn<Signal>("signal");
+    QTest::addColumn<bool>("all");
+
+    for (const NamedSignal &signal : emitted) {
+        QTest::addRow("%s, one", signal.name) << signal.signal << false;
+        QTest::addRow("%s, all", signal.name) << signal.signal << true;
+    }
+}
+
+void addOperationRows()
+{
+    QTest::addColumn<const Operation *>("operation");
+    QTest::addColumn<const NamedSignal *>("signal");
+
+    for (const Operation &operation : operations) {
+        for (const NamedSignal &signal : trackerSignals)
+            QTest::addRow("%s, %s", operation.name, signal.name) << &operation << &signal;
+    }
+}
 
 QList<int> idsOf(const SceneResourceTracker &tracker, const IResourceOwner *owner)
 {
@@ -458,13 +493,7 @@ void tst_Reentrancy::cleanup()
 
 void tst_Reentrancy::everyReactionToEverySignal_data()
 {
-    QTest::addColumn<const Operation *>("operation");
-    QTest::addColumn<const NamedSignal *>("signal");
-
-    for (const Operation &operation : operations) {
-        for (const NamedSignal &signal : trackerSignals)
-            QTest::addRow("%s, %s", operation.name, signal.name) << &operation << &signal;
-    }
+    addOperationRows();
 }
 
 void tst_Reentrancy::everyReactionToEverySignal()
@@ -814,16 +843,7 @@ void tst_Reentrancy::countOfWhatStaysWhileAnotherEntryLeaves()
 
 void tst_Reentrancy::registeringOnceTheOwnerLeft_data()
 {
-    QTest::addColumn<Signal>("signal");
-    QTest::addColumn<bool>("all");
-
-    for (const bool all : {true, false}) {
-        const char *const how = all ? "all" : "one";
-        QTest::addRow("resourceOwnerRemoved, %s", how)
-            << &SceneResourceTracker::resourceOwnerRemoved << all;
-        QTest::addRow("resourcesChanged, %s", how)
-            << &SceneResourceTracker::resourcesChanged << all;
-    }
+    addUnregistrationRows(std::array{ownerRemoved, resourcesChanged});
 }
 
 void tst_Reentrancy::registeringOnceTheOwnerLeft()
@@ -853,19 +873,13 @@ void tst_Reentrancy::registeringOnceTheOwnerLeft()
 
 void tst_Reentrancy::registeringEachTimeEnds_data()
 {
-    QTest::addColumn<const NamedSignal *>("signal");
-    QTest::addColumn<const Operation *>("operation");
-
-    for (const NamedSignal &signal : trackerSignals) {
-        for (const Operation &operation : operations)
-            QTest::addRow("%s, %s", operation.name, signal.name) << &signal << &operation;
-    }
+    addOperationRows();
 }
 
 void tst_Reentrancy::registeringEachTimeEnds()
 {
-    QFETCH(const NamedSignal *const, signal);
     QFETCH(const Operation *const, operation);
+    QFETCH(const NamedSignal *const, signal);
     Scene scene;
     const Reaction reaction(scene.tracker, signal->signal, [&] {
         for (Item *item : {scene.a.get(), scene.b.get(), scene.c.get()}) {
@@ -1284,23 +1298,9 @@ void tst_Reentrancy::decisionMaySetStatusAndClear()
     QVERIFY(scene.a->isResourcesAllowed());
 }
 
-namespace {
-
-void addSignalRows()
-{
-    QTest::addColumn<Signal>("signal");
-
-    for (const NamedSignal &signal : trackerSignals) {
-        if (signal.signal != &SceneResourceTracker::resourceOwnerAdded)
-            QTest::newRow(signal.name) << signal.signal;
-    }
-}
-
-} // namespace
-
 void tst_Reentrancy::itemUnregistersAllWhileUnregisteringOne_data()
 {
-    addSignalRows();
+    addSignalRows(unregistrationSignals);
 }
 
 void tst_Reentrancy::itemUnregistersAllWhileUnregisteringOne()
@@ -1320,15 +1320,7 @@ void tst_Reentrancy::itemUnregistersAllWhileUnregisteringOne()
 
 void tst_Reentrancy::itemKeepsWhatItRegistersWhileUnregistering_data()
 {
-    QTest::addColumn<Signal>("signal");
-    QTest::addColumn<bool>("all");
-
-    for (const NamedSignal &signal : trackerSignals) {
-        if (signal.signal == &SceneResourceTracker::resourceOwnerAdded)
-            continue;
-        QTest::addRow("%s, one", signal.name) << signal.signal << false;
-        QTest::addRow("%s, all", signal.name) << signal.signal << true;
-    }
+    addUnregistrationRows(unregistrationSignals);
 }
 
 void tst_Reentrancy::itemKeepsWhatItRegistersWhileUnregistering()
@@ -1374,12 +1366,7 @@ void tst_Reentrancy::itemHoldsTheStateOfTheTracker()
 
 void tst_Reentrancy::itemDestroyedByTheSlotOfItsRegistration_data()
 {
-    QTest::addColumn<Signal>("signal");
-
-    for (const NamedSignal &signal : trackerSignals) {
-        if (signal.signal != &SceneResourceTracker::resourceOwnerRemoved)
-            QTest::newRow(signal.name) << signal.signal;
-    }
+    addSignalRows(registrationSignals);
 }
 
 void tst_Reentrancy::itemDestroyedByTheSlotOfItsRegistration()
@@ -1401,15 +1388,7 @@ void tst_Reentrancy::itemDestroyedByTheSlotOfItsRegistration()
 
 void tst_Reentrancy::itemDestroyedWhileItIsUnregistered_data()
 {
-    QTest::addColumn<Signal>("signal");
-    QTest::addColumn<bool>("all");
-
-    for (const NamedSignal &signal : trackerSignals) {
-        if (signal.signal == &SceneResourceTracker::resourceOwnerAdded)
-            continue;
-        QTest::addRow("%s, one", signal.name) << signal.signal << false;
-        QTest::addRow("%s, all", signal.name) << signal.signal << true;
-    }
+    addUnregistrationRows(unregistrationSignals);
 }
 
 void tst_Reentrancy::itemDestroyedWhileItIsUnregistered()
@@ -1436,11 +1415,8 @@ void tst_Reentrancy::itemDestroyedWhileItIsUnregistered()
 
 void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered_data()
 {
-    QTest::addColumn<Signal>("signal");
-
     // With the last signal the tracker has let go of the owner already.
-    QTest::newRow("messagesAdded") << &SceneResourceTracker::messagesAdded;
-    QTest::newRow("resourceOwnerRemoved") << &SceneResourceTracker::resourceOwnerRemoved;
+    addSignalRows(std::array{messagesAdded, ownerRemoved});
 }
 
 void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered()
@@ -1461,7 +1437,7 @@ void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered()
 
 void tst_Reentrancy::itemDestroyedByTheSlotOfAnothersDeath_data()
 {
-    addSignalRows();
+    addSignalRows(unregistrationSignals);
 }
 
 void tst_Reentrancy::itemDestroyedByTheSlotOfAnothersDeath()
