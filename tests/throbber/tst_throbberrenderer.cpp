@@ -8,7 +8,6 @@
 #include <QMetaMethod>
 #include <QPainter>
 #include <QPointer>
-#include <QRandomGenerator>
 #include <QRect>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -147,7 +146,6 @@ private Q_SLOTS:
     void followsTheCycle();
     void everyFrameFollowsTheRules_data();
     void everyFrameFollowsTheRules();
-    void randomStepsFollowTheRules();
     void growsFor46TicksAndShrinksFor46();
     void turnsRoundExactlyAtTheLimits_data();
     void turnsRoundExactlyAtTheLimits();
@@ -706,20 +704,6 @@ void tst_ThrobberRenderer::everyFrameFollowsTheRules()
     const auto throbber = makeThrobber();
     Animation expected;
     for (int step = 0; step < 600; ++step) {
-        throbber->addAngles(rotation, span);
-        expected.addAngles(rotation, span);
-        QCOMPARE(drawnAngles(*throbber), expected.angles());
-    }
-}
-
-void tst_ThrobberRenderer::randomStepsFollowTheRules()
-{
-    const auto throbber = makeThrobber();
-    Animation expected;
-    QRandomGenerator random(17);
-    for (int step = 0; step < 5000; ++step) {
-        const int rotation = random.bounded(-500, 500);
-        const int span = random.bounded(-60, 120);
         throbber->addAngles(rotation, span);
         expected.addAngles(rotation, span);
         QCOMPARE(drawnAngles(*throbber), expected.angles());
