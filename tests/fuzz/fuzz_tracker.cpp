@@ -4,9 +4,9 @@
 
 #include <array>
 
-// Any sequence of calls on the tracker and a few items. What slots call back is made of the same bytes.
-// Without such calls everything is as in the model; after them the lists keep their rules, and the
-// model goes on from there.
+// Any sequence of calls on two trackers and a few items. What slots call back is made of the same bytes,
+// and may call items that are being destroyed. Without such calls everything is as in the model; after
+// them the trackers keep their rules, and the model goes on from there.
 
 using namespace ovelin;
 using namespace ovelin::tests;
@@ -47,10 +47,11 @@ Script::Script(FuzzedDataProvider &data)
     , m_callsBack(data.ConsumeBool())
 {
     using Signal = void (SceneResourceTracker::*)();
-    for (const Signal signal :
-         {&SceneResourceTracker::resourcesChanged, &SceneResourceTracker::resourceOwnerAdded,
-          &SceneResourceTracker::resourceOwnerRemoved, &SceneResourceTracker::messagesAdded}) {
-        QObject::connect(&m_subject.tracker, signal, &m_context, [this] { callBack(); });
+    for (const auto &watched : m_subject.trackers) {
+        for (const Signal signal :
+             {&SceneResourceTracker::resourcesChanged, &SceneResourceTracker::resourceOwnerAdded,
+              &SceneResourceTracker::resourceOwnerRemoved, &SceneResourceTracker::messagesAdded})
+            QObject::connect(&watched.tracker, signal, &m_context, [this] { callBack(); });
     }
     m_subject.onDecision = [this] { callBack(); };
 }
@@ -60,7 +61,7 @@ void Script::run()
     while (m_data.remaining_bytes() > 0 && m_calls < mostCalls) {
         m_calledBack = false;
         call();
-        requireNone(m_subject.violation());
+        requireNone(m_subject.model().violation());
         if (m_calledBack)
             m_model = m_subject.model();
         else
@@ -101,6 +102,7 @@ TrackerStep Script::anyStep()
     TrackerStep step{};
     step.kind = static_cast<TrackerStep::Kind>(
         m_data.ConsumeIntegralInRange(0, TrackerStep::kindCount - 1));
+    step.tracker = m_data.ConsumeIntegralInRange(0, trackerCount - 1);
     step.place = m_data.ConsumeIntegralInRange(0, placeCount - 1);
     step.id = m_data.ConsumeIntegralInRange(0, highestId);
     step.number = m_data.ConsumeIntegralInRange(0, highestNumber);

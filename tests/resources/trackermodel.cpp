@@ -12,9 +12,6 @@ namespace {
 
 constexpr qsizetype messageCapacity = 100;
 
-// What a state's owner is called when nothing at a place is it.
-constexpr int goneItem = -1;
-
 QString textOf(int value, std::initializer_list<const char *> texts)
 {
     return value >= 0 && value < int(texts.size()) ? QString::fromLatin1(texts.begin()[value])
@@ -26,7 +23,12 @@ QString itemName(int item)
     return u"item %1"_s.arg(item);
 }
 
-auto asTuple(const Message &message)
+auto asTupleOfEntry(const TrackerModel::Entry &entry)
+{
+    return std::tie(entry.url, entry.name, entry.id, entry.type, entry.state);
+}
+
+auto asTupleOfMessage(const Message &message)
 {
     return std::tie(message.geometry, message.className, message.objectName, message.status,
                     message.type, message.source, message.id, message.event);
@@ -42,6 +44,25 @@ QString described(const QList<Message> &messages)
                          .join(u'/'));
     }
     return texts.join(u"; "_s);
+}
+
+// As SignalRecorder writes them down.
+void emitSignal(TrackerModel::Tracker &tracker, const char *name)
+{
+    QStringList idTexts;
+    for (const TrackerModel::Entry &entry : tracker.resources)
+        idTexts.append(QString::number(entry.id));
+    tracker.emissions.append(u"%1 [%2] owners %3 messages %4"_s.arg(
+        QLatin1StringView(name), idTexts.join(u' '), QString::number(tracker.owners.size()),
+        QString::number(tracker.messages.size())));
+}
+
+void clear(TrackerModel::Tracker &tracker)
+{
+    tracker.resources.clear();
+    tracker.owners.clear();
+    tracker.messages.clear();
+    tracker.registrationBlocked = false;
 }
 
 } // namespace
@@ -92,7 +113,8 @@ QString TrackerStep::described() const
         "SetInstalled",
         "Destroy",
     };
-    return u"%1 place %2 id %3 number %4 flag %5"_s.arg(QLatin1StringView(names[kind]))
+    return u"%1 tracker %2 place %3 id %4 number %5 flag %6"_s.arg(QLatin1StringView(names[kind]))
+        .arg(tracker)
         .arg(place)
         .arg(id)
         .arg(number)
@@ -107,49 +129,53 @@ TrackerModel::TrackerModel()
 
 void TrackerModel::apply(const TrackerStep &step)
 {
-    emissions.clear();
+    for (Tracker &tracker : trackers)
+        tracker.emissions.clear();
+    Tracker &tracker = trackers[std::size_t(step.tracker)];
+    Tracker *const installedTracker = installed ? &trackers[std::size_t(*installed)] : nullptr;
     ItemAtPlace &item = items[std::size_t(step.place)];
     const std::optional<int> state = usableState(step);
-    const bool mayRegister = installed && !registrationBlocked;
-    const bool mayUnregister = installed && item.heldState;
+    const bool mayRegister = installedTracker && !installedTracker->registrationBlocked;
+    const bool mayUnregister = installedTracker && item.heldState;
 
     switch (step.kind) {
     case TrackerStep::RegisterDirectly:
-        registerResource(item.item, step.info());
+        registerResource(tracker, item.item, step.info());
         break;
     case TrackerStep::UnregisterDirectly:
-        unregisterResource(item.item, step.id);
+        unregisterResource(tracker, item.item, step.id);
         break;
     case TrackerStep::UnregisterAllDirectly:
-        unregisterResources(item.item);
+        unregisterResources(tracker, item.item);
         break;
     case TrackerStep::RegisterImage:
         if (mayRegister)
-            item.heldState =
-                registerResource(item.item, image(step.id, step.info().url.toString()));
+            item.heldState = registerResource(*installedTracker, item.item,
+                                              image(step.id, step.info().url.toString()));
         break;
     case TrackerStep::Register:
         if (mayRegister) {
             const ResourceInfo info = step.info();
-            item.heldState = registerResource(item.item, named(info.id, info.name, info.type));
+            item.heldState = registerResource(*installedTracker, item.item,
+                                              named(info.id, info.name, info.type));
         }
         break;
     case TrackerStep::Unregister:
         if (!mayUnregister)
             break;
-        unregisterResource(item.item, step.id);
+        unregisterResource(*installedTracker, item.item, step.id);
         if (states[std::size_t(*item.heldState)].resourceCount == 0)
             item.heldState.reset();
         break;
     case TrackerStep::UnregisterAll:
         if (!mayUnregister)
             break;
-        unregisterResources(item.item);
+        unregisterResources(*installedTracker, item.item);
         item.heldState.reset();
         break;
     case TrackerStep::SetStatus:
         if (state)
-            setStatus(*state, step.status());
+            setStatus(tracker, *state, step.status());
         break;
     case TrackerStep::Allow:
     case TrackerStep::Release:
@@ -169,19 +195,19 @@ void TrackerModel::apply(const TrackerStep &step)
             states[std::size_t(*state)].owner.reset();
         break;
     case TrackerStep::Clear:
-        clear();
+        clear(tracker);
         break;
     case TrackerStep::SetLogEnabled:
-        messagesEnabled = step.flag;
+        tracker.messagesEnabled = step.flag;
         break;
     case TrackerStep::ClearLog:
-        messages.clear();
+        tracker.messages.clear();
         break;
     case TrackerStep::SetBlocked:
-        registrationBlocked = step.flag;
+        tracker.registrationBlocked = step.flag;
         break;
     case TrackerStep::SetInstalled:
-        installed = step.flag;
+        installed = step.flag ? std::optional(step.tracker) : std::nullopt;
         break;
     case TrackerStep::Destroy:
         destroy(item);
@@ -195,8 +221,8 @@ std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
         return std::nullopt;
     const int state = step.number % int(states.size());
     const std::optional<int> owner = states[std::size_t(state)].owner;
-    const bool isThere = std::any_of(items.begin(), items.end(),
-                                     [&](const ItemAtPlace &item) { return owner == item.item; });
+    const bool isThere =
+        std::ranges::any_of(items, [&](const ItemAtPlace &item) { return owner == item.item; });
     return owner && !isThere ? std::nullopt : std::optional(state);
 }
 
@@ -208,121 +234,122 @@ bool TrackerModel::isAllowed(const ItemAtPlace &item) const
     return status == ResourceOwnerState::CreationAllowed || status == ResourceOwnerState::Ignored;
 }
 
-int TrackerModel::registerResource(int item, const ResourceInfo &info)
+int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInfo &info)
 {
-    const auto known = std::find_if(resources.begin(), resources.end(), [&](const Entry &entry) {
+    const auto known = std::ranges::find_if(tracker.resources, [&](const Entry &entry) {
         return belongsTo(entry, item) && entry.id == info.id;
     });
-    if (known != resources.end()) {
+    if (known != tracker.resources.end()) {
         known->type = info.type;
         known->name = info.name;
         known->url = info.url;
-        addMessage(*known, Message::Updated);
-        emitSignal("resourcesChanged");
+        addMessage(tracker, *known, Message::Updated);
+        emitSignal(tracker, "resourcesChanged");
         return known->state;
     }
 
-    const bool added = !owners.contains(item);
+    const bool added = !tracker.owners.contains(item);
     if (added) {
-        owners[item] = int(states.size());
+        tracker.owners[item] = int(states.size());
         states.push_back({.owner = item, .geometry = {}});
     }
-    const int state = owners[item];
+    const int state = tracker.owners[item];
     ++states[std::size_t(state)].resourceCount;
-    const auto place = info.type == ResourceInfo::Image ? resources.end() : resources.begin();
-    const auto entry = resources.insert(place, {info.url, info.name, info.id, info.type, state});
-    addMessage(*entry, Message::Registered);
+    const auto place =
+        info.type == ResourceInfo::Image ? tracker.resources.end() : tracker.resources.begin();
+    const auto entry =
+        tracker.resources.insert(place, {info.url, info.name, info.id, info.type, state});
+    addMessage(tracker, *entry, Message::Registered);
     if (added)
-        emitSignal("resourceOwnerAdded");
-    emitSignal("resourcesChanged");
+        emitSignal(tracker, "resourceOwnerAdded");
+    emitSignal(tracker, "resourcesChanged");
     return state;
 }
 
-void TrackerModel::unregisterResource(int item, int id)
+void TrackerModel::unregisterResource(Tracker &tracker, int item, int id)
 {
-    const auto entry =
-        std::find_if(resources.begin(), resources.end(), [&](const Entry &candidate) {
-            return belongsTo(candidate, item) && candidate.id == id;
-        });
-    if (entry == resources.end())
+    const auto entry = std::ranges::find_if(tracker.resources, [&](const Entry &candidate) {
+        return belongsTo(candidate, item) && candidate.id == id;
+    });
+    if (entry == tracker.resources.end())
         return;
-    addMessage(*entry, Message::Unregistered);
-    if (--states[std::size_t(entry->state)].resourceCount == 0 && owners.erase(item) > 0)
-        emitSignal("resourceOwnerRemoved");
-    resources.erase(entry);
-    emitSignal("resourcesChanged");
+    addMessage(tracker, *entry, Message::Unregistered);
+    if (--states[std::size_t(entry->state)].resourceCount == 0 && tracker.owners.erase(item) > 0)
+        emitSignal(tracker, "resourceOwnerRemoved");
+    tracker.resources.erase(entry);
+    emitSignal(tracker, "resourcesChanged");
 }
 
-void TrackerModel::unregisterResources(int item)
+void TrackerModel::unregisterResources(Tracker &tracker, int item)
 {
-    const std::size_t count = resources.size();
-    for (auto entry = resources.begin(); entry != resources.end();) {
+    const std::size_t count = tracker.resources.size();
+    for (auto entry = tracker.resources.begin(); entry != tracker.resources.end();) {
         if (belongsTo(*entry, item)) {
-            addMessage(*entry, Message::Unregistered);
-            entry = resources.erase(entry);
+            addMessage(tracker, *entry, Message::Unregistered);
+            entry = tracker.resources.erase(entry);
         } else {
             ++entry;
         }
     }
-    if (owners.erase(item) > 0)
-        emitSignal("resourceOwnerRemoved");
-    if (resources.size() != count)
-        emitSignal("resourcesChanged");
+    if (tracker.owners.erase(item) > 0)
+        emitSignal(tracker, "resourceOwnerRemoved");
+    if (tracker.resources.size() != count)
+        emitSignal(tracker, "resourcesChanged");
 }
 
-void TrackerModel::setStatus(int state, int status)
+void TrackerModel::setStatus(Tracker &tracker, int state, int status)
 {
     const std::optional<int> owner = states[std::size_t(state)].owner;
     if (!owner)
         return;
     states[std::size_t(state)].status = status;
-    for (const Entry &entry : resources) {
+    for (const Entry &entry : tracker.resources) {
         if (belongsTo(entry, *owner))
-            addMessage(entry, Message::StatusChanged);
+            addMessage(tracker, entry, Message::StatusChanged);
     }
 }
 
-// The item's states lose it before anything else happens. An item is known by the state it holds even
-// when the application took it out of that state.
+// The item's states lose it before anything else happens. An item is known by its states even when the
+// application took it out of them.
 void TrackerModel::destroy(ItemAtPlace &place)
 {
     const int item = place.item;
+    std::set<int> itsStates;
     if (place.heldState)
-        states[std::size_t(*place.heldState)].owner = item;
-    std::vector<std::list<Entry>::iterator> leaving;
-    for (auto entry = resources.begin(); entry != resources.end(); ++entry) {
-        if (belongsTo(*entry, item))
-            leaving.push_back(entry);
+        itsStates.insert(*place.heldState);
+    for (const Tracker &tracker : trackers) {
+        for (const Entry &entry : tracker.resources) {
+            if (belongsTo(entry, item))
+                itsStates.insert(entry.state);
+        }
+        if (const auto known = tracker.owners.find(item); known != tracker.owners.end())
+            itsStates.insert(known->second);
     }
 
-    if (place.heldState)
-        states[std::size_t(*place.heldState)].owner.reset();
-    for (const auto entry : leaving)
-        states[std::size_t(entry->state)].owner.reset();
-    const auto known = owners.find(item);
-    const bool isKnown = known != owners.end();
-    if (isKnown) {
-        states[std::size_t(known->second)].owner.reset();
-        owners.erase(known);
-    }
-
-    for (const auto entry : leaving) {
-        addMessage(*entry, Message::Unregistered);
-        resources.erase(entry);
-    }
-    if (isKnown)
-        emitSignal("resourceOwnerRemoved");
-    if (!leaving.empty())
-        emitSignal("resourcesChanged");
+    for (const int state : itsStates)
+        states[std::size_t(state)].owner.reset();
+    for (Tracker &tracker : trackers)
+        forget(tracker, item, itsStates);
     place = {.item = itemCount++, .heldState = {}};
 }
 
-void TrackerModel::clear()
+void TrackerModel::forget(Tracker &tracker, int item, const std::set<int> &itsStates)
 {
-    resources.clear();
-    owners.clear();
-    messages.clear();
-    registrationBlocked = false;
+    const bool isKnown = tracker.owners.erase(item) > 0;
+    bool left = false;
+    for (auto entry = tracker.resources.begin(); entry != tracker.resources.end();) {
+        if (itsStates.contains(entry->state)) {
+            addMessage(tracker, *entry, Message::Unregistered);
+            entry = tracker.resources.erase(entry);
+            left = true;
+        } else {
+            ++entry;
+        }
+    }
+    if (isKnown)
+        emitSignal(tracker, "resourceOwnerRemoved");
+    if (left)
+        emitSignal(tracker, "resourcesChanged");
 }
 
 bool TrackerModel::belongsTo(const Entry &entry, int item) const
@@ -352,31 +379,81 @@ Message TrackerModel::composed(const Entry &entry, Message::Event event) const
     return message;
 }
 
-void TrackerModel::addMessage(const Entry &entry, Message::Event event)
+void TrackerModel::addMessage(Tracker &tracker, const Entry &entry, Message::Event event) const
 {
-    if (!messagesEnabled)
+    if (!tracker.messagesEnabled)
         return;
-    messages.append(composed(entry, event));
-    emitSignal("messagesAdded");
-    if (messages.size() >= messageCapacity)
-        messages.clear();
+    tracker.messages.append(composed(entry, event));
+    emitSignal(tracker, "messagesAdded");
+    if (tracker.messages.size() >= messageCapacity)
+        tracker.messages.clear();
 }
 
-// As SignalRecorder writes them down.
-void TrackerModel::emitSignal(const char *name)
+QString TrackerModel::violation() const
 {
-    QStringList idTexts;
-    for (const Entry &entry : resources)
-        idTexts.append(QString::number(entry.id));
-    emissions.append(u"%1 [%2] owners %3 messages %4"_s.arg(
-        QLatin1StringView(name), idTexts.join(u' '), QString::number(owners.size()),
-        QString::number(messages.size())));
+    if (dyingItemRegistered)
+        return u"an item registered something while it was being destroyed"_s;
+    for (const Tracker &tracker : trackers) {
+        for (const QString &violation : {entryViolation(tracker), ownerViolation(tracker)}) {
+            if (!violation.isEmpty())
+                return violation;
+        }
+        if (tracker.messages.size() >= messageCapacity)
+            return u"a log that should have been emptied"_s;
+    }
+    return {};
+}
+
+// The tracker does nothing through a state that has lost its owner: its entries are nobody's.
+QString TrackerModel::entryViolation(const Tracker &tracker) const
+{
+    std::set<std::pair<int, int>> identifiers;
+    for (const Entry &entry : tracker.resources) {
+        if (entry.state == unseenState)
+            return u"an entry with a state that no owner had"_s;
+        const std::optional<int> owner = states[std::size_t(entry.state)].owner;
+        if (!owner)
+            continue;
+        const auto known = tracker.owners.find(*owner);
+        if (known == tracker.owners.end())
+            return u"an entry of an unknown owner"_s;
+        if (known->second != entry.state)
+            return u"an entry with a state that is not its owner's"_s;
+        if (!identifiers.emplace(*owner, entry.id).second)
+            return u"two entries with an owner's identifier"_s;
+    }
+    return {};
+}
+
+QString TrackerModel::ownerViolation(const Tracker &tracker) const
+{
+    for (const auto &[item, number] : tracker.owners) {
+        if (item == goneItem)
+            return u"a dangling owner"_s;
+        if (number == unseenState)
+            return u"an owner with a state never seen"_s;
+        const State &state = states[std::size_t(number)];
+        if (state.owner && *state.owner != item)
+            return u"a state with another owner"_s;
+        const auto count = std::ranges::count(tracker.resources, number, &Entry::state);
+        if (state.owner && count == 0)
+            return u"an owner without entries"_s;
+        if (state.resourceCount != count)
+            return u"a count of %1 for %2 entries"_s.arg(state.resourceCount).arg(count);
+    }
+    return {};
 }
 
 TrackerSubject::TrackerSubject()
 {
+    setSceneResourceTracker(&trackers.front().tracker);
     for (int place = 0; place < placeCount; ++place)
         create(place);
+}
+
+TrackerSubject::~TrackerSubject()
+{
+    setSceneResourceTracker(nullptr);
 }
 
 void TrackerSubject::create(int place)
@@ -391,18 +468,43 @@ void TrackerSubject::create(int place)
     };
 }
 
+// Slots find the next item at the place already.
+void TrackerSubject::destroy(int place)
+{
+    std::unique_ptr<Item> dying = std::move(items[std::size_t(place)]);
+    create(place);
+    m_dying.push_back(dying.get());
+    dying.reset();
+    m_dying.pop_back();
+}
+
+// The item that the step calls instead of the one at the place: it still has its functions as an
+// owner. Null for none.
+AbstractResourceOwner *TrackerSubject::dyingItem(const TrackerStep &step) const
+{
+    if (!step.flag || m_dying.empty())
+        return nullptr;
+    return m_dying[std::size_t(step.place) % m_dying.size()];
+}
+
 void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
 {
-    recorder.clear();
-    Item *const item = items[std::size_t(step.place)].get();
+    for (Watched &watched : trackers)
+        watched.recorder.clear();
+    Watched &called = trackers[std::size_t(step.tracker)];
+    SceneResourceTracker &tracker = called.tracker;
+    Item *const itemAtPlace = items[std::size_t(step.place)].get();
+    AbstractResourceOwner *const dying = dyingItem(step);
+    AbstractResourceOwner *const item = dying ? dying : itemAtPlace;
     const ResourceInfo info = step.info();
     const std::optional<int> usable = model.usableState(step);
     const auto state =
         usable ? m_states[std::size_t(*usable)] : QSharedPointer<ResourceOwnerState>();
+    bool registered = false;
 
     switch (step.kind) {
     case TrackerStep::RegisterDirectly:
-        tracker.registerResource(item, info);
+        tracker.registerResource(itemAtPlace, info); // which must not be dying
         break;
     case TrackerStep::UnregisterDirectly:
         tracker.unregisterResource(item, step.id);
@@ -411,10 +513,10 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
         tracker.unregisterResources(item);
         break;
     case TrackerStep::RegisterImage:
-        item->registerImage(info.id, info.url);
+        registered = item->registerImage(info.id, info.url);
         break;
     case TrackerStep::Register:
-        item->registerResource(info.id, info.name, info.type);
+        registered = item->registerResource(info.id, info.name, info.type);
         break;
     case TrackerStep::Unregister:
         item->unregisterResource(step.id);
@@ -446,7 +548,7 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
         tracker.clear();
         break;
     case TrackerStep::SetLogEnabled:
-        m_messagesEnabled = step.flag;
+        called.messagesEnabled = step.flag;
         tracker.setMessagesEnabled(step.flag);
         break;
     case TrackerStep::ClearLog:
@@ -458,29 +560,29 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
     case TrackerStep::SetInstalled:
         setSceneResourceTracker(step.flag ? &tracker : nullptr);
         break;
-    case TrackerStep::Destroy: {
-        // Slots find the next item at the place already.
-        const std::unique_ptr<Item> dying = std::move(items[std::size_t(step.place)]);
-        create(step.place);
+    case TrackerStep::Destroy:
+        destroy(step.place);
         break;
     }
-    }
+    m_dyingItemRegistered |= dying && registered;
     noteStates();
 }
 
 void TrackerSubject::noteStates()
 {
-    for (const auto &[owner, state] : tracker.owners()) {
-        if (stateNumber(state) == -1)
-            m_states.push_back(state);
+    for (const Watched &watched : trackers) {
+        for (const auto &[owner, state] : watched.tracker.owners()) {
+            if (stateNumber(state) == unseenState)
+                m_states.push_back(state);
+        }
     }
 }
 
-// The state's index among those that were seen; -1 for none.
+// The state's index among those that were seen.
 int TrackerSubject::stateNumber(const QSharedPointer<ResourceOwnerState> &state) const
 {
-    const auto found = std::find(m_states.begin(), m_states.end(), state);
-    return found == m_states.end() ? -1 : int(found - m_states.begin());
+    const auto found = std::ranges::find(m_states, state);
+    return found == m_states.end() ? unseenState : int(found - m_states.begin());
 }
 
 std::optional<int> TrackerSubject::itemNumber(const IResourceOwner *owner) const
@@ -498,52 +600,53 @@ TrackerModel TrackerSubject::model() const
 {
     TrackerModel result;
     result.itemCount = m_itemCount;
-    result.messagesEnabled = m_messagesEnabled;
-    result.registrationBlocked = tracker.isRegistrationBlocked();
-    result.installed = sceneResourceTracker() == &tracker;
-    result.messages = tracker.messages();
+    result.installed.reset();
+    result.dyingItemRegistered = m_dyingItemRegistered;
     for (const auto &state : m_states) {
         result.states.push_back(
             {state->status, itemNumber(state->owner), state->resourceCount, state->geometry});
     }
-    for (const ResourceInfo &info : tracker.resources()) {
-        result.resources.push_back(
-            {info.url, info.name, info.id, info.type, stateNumber(info.ownerState)});
+    for (std::size_t i = 0; i < trackers.size(); ++i) {
+        result.trackers[i] = model(trackers[i]);
+        if (sceneResourceTracker() == &trackers[i].tracker)
+            result.installed = int(i);
     }
-    for (const auto &[owner, state] : tracker.owners())
-        result.owners[itemNumber(owner).value_or(goneItem)] = stateNumber(state);
     for (std::size_t place = 0; place < items.size(); ++place) {
         const Item &item = *items[place];
         const int held = stateNumber(item.state());
         result.items[place] = {m_itemNumbers[place],
-                               held == -1 ? std::nullopt : std::optional(held), item.allowCalls,
-                               item.releaseCalls};
+                               held == unseenState ? std::nullopt : std::optional(held),
+                               item.allowCalls, item.releaseCalls};
     }
+    return result;
+}
+
+TrackerModel::Tracker TrackerSubject::model(const Watched &watched) const
+{
+    TrackerModel::Tracker result;
+    for (const ResourceInfo &info : watched.tracker.resources()) {
+        result.resources.push_back(
+            {info.url, info.name, info.id, info.type, stateNumber(info.ownerState)});
+    }
+    for (const auto &[owner, state] : watched.tracker.owners())
+        result.owners[itemNumber(owner).value_or(goneItem)] = stateNumber(state);
+    result.messages = watched.tracker.messages();
+    result.messagesEnabled = watched.messagesEnabled;
+    result.registrationBlocked = watched.tracker.isRegistrationBlocked();
+    result.emissions = watched.recorder.emissions;
     return result;
 }
 
 QString TrackerSubject::difference(const TrackerModel &expected) const
 {
-    if (recorder.emissions != expected.emissions)
-        return u"signals %1; expected %2"_s.arg(recorder.emissions.join(u", "_s),
-                                                expected.emissions.join(u", "_s));
-
     const TrackerModel actual = model();
-    if (actual.registrationBlocked != expected.registrationBlocked)
-        return u"blocked %1"_s.arg(actual.registrationBlocked);
     if (actual.installed != expected.installed)
-        return u"installed %1"_s.arg(actual.installed);
-
-    const auto asTupleOfEntry = [](const TrackerModel::Entry &entry) {
-        return std::tie(entry.url, entry.name, entry.id, entry.type, entry.state);
-    };
-    if (!std::equal(actual.resources.begin(), actual.resources.end(), expected.resources.begin(),
-                    expected.resources.end(), [&](const auto &a, const auto &b) {
-                        return asTupleOfEntry(a) == asTupleOfEntry(b);
-                    }))
-        return u"the entries differ"_s;
-    if (actual.owners != expected.owners)
-        return u"the owners differ"_s;
+        return u"tracker %1 is installed"_s.arg(actual.installed.value_or(-1));
+    for (std::size_t i = 0; i < trackers.size(); ++i) {
+        const QString found = difference(actual.trackers[i], expected.trackers[i]);
+        if (!found.isEmpty())
+            return u"tracker %1: %2"_s.arg(QString::number(i), found);
+    }
 
     if (actual.states.size() != expected.states.size())
         return u"%1 states; expected %2"_s.arg(actual.states.size()).arg(expected.states.size());
@@ -573,9 +676,24 @@ QString TrackerSubject::difference(const TrackerModel &expected) const
             return u"place %1: not as allowed as it should be"_s.arg(place);
     }
 
-    if (!std::equal(actual.messages.begin(), actual.messages.end(), expected.messages.begin(),
-                    expected.messages.end(),
-                    [](const Message &a, const Message &b) { return asTuple(a) == asTuple(b); }))
+    return {};
+}
+
+QString TrackerSubject::difference(const TrackerModel::Tracker &actual,
+                                   const TrackerModel::Tracker &expected) const
+{
+    if (actual.emissions != expected.emissions)
+        return u"signals %1; expected %2"_s.arg(actual.emissions.join(u", "_s),
+                                                expected.emissions.join(u", "_s));
+    if (actual.registrationBlocked != expected.registrationBlocked)
+        return u"blocked %1"_s.arg(actual.registrationBlocked);
+    if (!std::ranges::equal(actual.resources, expected.resources, {}, asTupleOfEntry,
+                            asTupleOfEntry))
+        return u"the entries differ"_s;
+    if (actual.owners != expected.owners)
+        return u"the owners differ"_s;
+    if (!std::ranges::equal(actual.messages, expected.messages, {}, asTupleOfMessage,
+                            asTupleOfMessage))
         return u"messages %1\n   expected %2"_s.arg(described(actual.messages),
                                                     described(expected.messages));
     for (const Message &message : actual.messages) {
@@ -594,38 +712,6 @@ QString TrackerSubject::objectAddress(const QString &objectName) const
     for (const auto &item : items) {
         if (item->objectName() == objectName)
             return u"0x%1"_s.arg(quintptr(item->resourceOwnerObject()), 8, 16, QChar(u'0'));
-    }
-    return {};
-}
-
-QString TrackerSubject::violation() const
-{
-    const TrackerModel now = model();
-    for (const TrackerModel::Entry &entry : now.resources) {
-        if (entry.state == -1)
-            return u"an entry without a state that its owner had"_s;
-        const std::optional<int> owner = now.states[std::size_t(entry.state)].owner;
-        if (!owner)
-            continue;
-        const auto known = now.owners.find(*owner);
-        if (known == now.owners.end())
-            return u"an entry of an unknown owner"_s;
-        if (known->second != entry.state)
-            return u"an entry with a state that is not its owner's"_s;
-    }
-    for (const auto &[item, state] : now.owners) {
-        if (item == goneItem)
-            return u"a dangling owner"_s;
-        if (state == -1)
-            return u"an owner with a state never seen"_s;
-        const std::optional<int> owner = now.states[std::size_t(state)].owner;
-        if (!owner)
-            continue;
-        if (*owner != item)
-            return u"a state with another owner"_s;
-        if (std::none_of(now.resources.begin(), now.resources.end(),
-                         [&](const auto &entry) { return entry.state == state; }))
-            return u"an owner without entries"_s;
     }
     return {};
 }

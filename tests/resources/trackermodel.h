@@ -8,14 +8,22 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace ovelin::tests {
 
-// A few items use one tracker, each at a place of its own. A destroyed item is followed by a new one.
+// A few items use two trackers, of which one at most is installed. Each item has a place of its own; a
+// destroyed one is followed by a new one.
+constexpr int trackerCount = 2;
 constexpr int placeCount = 3;
 
-// One call of the tracker or of an item. A state is any that the tracker ever made, by its number; no
+// What an owner is called that is at no place.
+constexpr int goneItem = -1;
+// What a state is called that no owner was seen with.
+constexpr int unseenState = -1;
+
+// One call of a tracker or of an item. A state is any that a tracker ever made, by its number; no
 // step uses a state whose owner was destroyed after it left the tracker, as the application must not.
 struct TrackerStep
 {
@@ -42,10 +50,11 @@ struct TrackerStep
     static constexpr int kindCount = Destroy + 1;
 
     Kind kind;
+    int tracker;
     int place;
     int id;
     int number; // of the state, the status, the type, the geometry
-    bool flag;
+    bool flag;  // what is switched on; whether a dying item is called, while there is one
 
     ResourceInfo info() const;
     ResourceOwnerState::Status status() const;
@@ -54,7 +63,7 @@ struct TrackerStep
     QString described() const;
 };
 
-// What the tracker and the items should be after each step, by the plain rules: no slot calls back.
+// What the trackers and the items should be after each step, by the plain rules: no slot calls back.
 // Items and states are numbered as they come up.
 struct TrackerModel
 {
@@ -73,6 +82,16 @@ struct TrackerModel
         ResourceInfo::Type type;
         int state;
     };
+    using Message = SceneResourceTracker::Message; // without the owner's address
+    struct Tracker
+    {
+        std::list<Entry> resources;
+        std::map<int, int> owners; // items and their states
+        QList<Message> messages;
+        bool messagesEnabled = false;
+        bool registrationBlocked = false;
+        QStringList emissions; // of the last step
+    };
     struct ItemAtPlace
     {
         int item;
@@ -80,7 +99,6 @@ struct TrackerModel
         int allowCalls = 0;
         int releaseCalls = 0;
     };
-    using Message = SceneResourceTracker::Message; // without the owner's address
 
     TrackerModel();
 
@@ -90,55 +108,67 @@ struct TrackerModel
     std::optional<int> usableState(const TrackerStep &step) const;
     bool isAllowed(const ItemAtPlace &item) const;
 
+    // Which rule is broken of those that hold whatever slots have done; empty when none is.
+    QString violation() const;
+
     std::vector<State> states;
-    std::list<Entry> resources;
-    std::map<int, int> owners;
-    QList<Message> messages;
-    bool messagesEnabled = false;
-    bool registrationBlocked = false;
-    bool installed = true;
+    std::array<Tracker, trackerCount> trackers;
+    std::optional<int> installed = 0;
     std::array<ItemAtPlace, placeCount> items;
     int itemCount = 0;
-    QStringList emissions; // of the last step
+    bool dyingItemRegistered = false;
 
 private:
-    int registerResource(int item, const ResourceInfo &info);
-    void unregisterResource(int item, int id);
-    void unregisterResources(int item);
-    void setStatus(int state, int status);
-    void destroy(ItemAtPlace &item);
-    void clear();
+    int registerResource(Tracker &tracker, int item, const ResourceInfo &info);
+    void unregisterResource(Tracker &tracker, int item, int id);
+    void unregisterResources(Tracker &tracker, int item);
+    void setStatus(Tracker &tracker, int state, int status);
+    void destroy(ItemAtPlace &place);
+    void forget(Tracker &tracker, int item, const std::set<int> &itsStates);
 
     bool belongsTo(const Entry &entry, int item) const;
     Message composed(const Entry &entry, Message::Event event) const;
-    void addMessage(const Entry &entry, Message::Event event);
-    void emitSignal(const char *name);
+    void addMessage(Tracker &tracker, const Entry &entry, Message::Event event) const;
+
+    QString entryViolation(const Tracker &tracker) const;
+    QString ownerViolation(const Tracker &tracker) const;
 };
 
-// The tracker and the items themselves.
+// The trackers and the items themselves.
 class TrackerSubject
 {
 public:
     TrackerSubject();
+    ~TrackerSubject();
 
     // The model is what holds before the step.
     void run(const TrackerStep &step, const TrackerModel &model);
 
     // How the subject differs from the model after a step; empty when it does not.
     QString difference(const TrackerModel &model) const;
-    // Which rule the tracker's lists break, whatever slots have done.
-    QString violation() const;
-    // The subject as it is now, for the steps after one in which slots called back.
+    // The subject as it is now.
     TrackerModel model() const;
 
-    InstalledTracker tracker;
-    SignalRecorder recorder{tracker};
+    struct Watched
+    {
+        SceneResourceTracker tracker;
+        SignalRecorder recorder{tracker};
+        bool messagesEnabled = false;
+    };
+    std::array<Watched, trackerCount> trackers;
     std::array<std::unique_ptr<Item>, placeCount> items;
     std::function<void()> onDecision; // called by an item that is told to allow or release
 
 private:
+    Q_DISABLE_COPY_MOVE(TrackerSubject)
+
     void create(int place);
+    void destroy(int place);
+    AbstractResourceOwner *dyingItem(const TrackerStep &step) const;
     void noteStates();
+    TrackerModel::Tracker model(const Watched &watched) const;
+    QString difference(const TrackerModel::Tracker &actual,
+                       const TrackerModel::Tracker &expected) const;
     int stateNumber(const QSharedPointer<ResourceOwnerState> &state) const;
     std::optional<int> itemNumber(const IResourceOwner *owner) const;
     QString objectAddress(const QString &objectName) const;
@@ -146,7 +176,8 @@ private:
     std::vector<QSharedPointer<ResourceOwnerState>> m_states;
     std::array<int, placeCount> m_itemNumbers{};
     int m_itemCount = 0;
-    bool m_messagesEnabled = false;
+    std::vector<AbstractResourceOwner *> m_dying; // the last one began last
+    bool m_dyingItemRegistered = false;
 };
 
 } // namespace ovelin::tests

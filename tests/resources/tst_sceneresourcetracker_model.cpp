@@ -48,8 +48,9 @@ rc::Gen<CommandPointer> anyCommand(const TrackerModel &)
     const auto step = rc::gen::construct<TrackerStep>(
         rc::gen::map(rc::gen::inRange(0, TrackerStep::kindCount),
                      [](int kind) { return static_cast<TrackerStep::Kind>(kind); }),
-        rc::gen::inRange(0, placeCount), rc::gen::inRange(0, highestId + 1),
-        rc::gen::inRange(0, highestNumber + 1), rc::gen::arbitrary<bool>());
+        rc::gen::inRange(0, trackerCount), rc::gen::inRange(0, placeCount),
+        rc::gen::inRange(0, highestId + 1), rc::gen::inRange(0, highestNumber + 1),
+        rc::gen::arbitrary<bool>());
     return rc::gen::map(step, [](const TrackerStep &made) -> CommandPointer {
         return std::make_shared<StepCommand>(made);
     });
