@@ -8,6 +8,7 @@
 
 using namespace ovelin;
 using namespace ovelin::tests;
+using namespace Qt::StringLiterals;
 
 // The tracker does what its rules say for any sequence of calls, checked after each of them against a
 // plain model: the lists, the counts, the statuses, the log, and the signals in their order.
@@ -56,6 +57,24 @@ rc::Gen<CommandPointer> anyCommand(const TrackerModel &)
     });
 }
 
+// Two owners in a tracker, the first one also in the other tracker, where it has two entries.
+TrackerModel filledModel()
+{
+    TrackerModel model;
+    TrackerStep step{};
+    step.kind = TrackerStep::RegisterDirectly;
+    for (const auto &[tracker, place, id] :
+         {std::array{0, 0, 1}, {0, 1, 1}, {1, 0, 1}, {1, 0, 2}}) {
+        step.tracker = tracker;
+        step.place = place;
+        step.id = id;
+        model.apply(step);
+    }
+    return model;
+}
+
+using Break = void (*)(TrackerModel &);
+
 } // namespace
 
 class tst_SceneResourceTrackerModel : public QObject
@@ -64,6 +83,12 @@ class tst_SceneResourceTrackerModel : public QObject
 
 private Q_SLOTS:
     void agreesWithTheModel();
+
+    // the rules that are checked when slots have called back
+    void brokenRuleIsReported_data();
+    void brokenRuleIsReported();
+    void stateWithoutOwnerBreaksNoRule();
+    void brokenRuleIsSeenInTheTrackers();
 };
 
 void tst_SceneResourceTrackerModel::agreesWithTheModel()
@@ -73,6 +98,84 @@ void tst_SceneResourceTrackerModel::agreesWithTheModel()
         TrackerSubject subject;
         rc::state::check(model, subject, &anyCommand);
     });
+}
+
+void tst_SceneResourceTrackerModel::brokenRuleIsReported_data()
+{
+    QTest::addColumn<Break>("breakRule");
+    const auto addRow = [](const char *violation, Break breakRule) {
+        QTest::newRow(violation) << breakRule;
+    };
+
+    addRow("an entry with a state that no owner had",
+           [](TrackerModel &model) { model.trackers[1].resources.front().state = unseenState; });
+    addRow("an entry of an unknown owner",
+           [](TrackerModel &model) { model.trackers[1].owners.erase(0); });
+    addRow("an entry with a state that is not its owner's", [](TrackerModel &model) {
+        model.trackers[1].resources.front().state = model.trackers[0].owners.at(0);
+    });
+    addRow("two entries with an owner's identifier", [](TrackerModel &model) {
+        model.trackers[1].resources.front().id = model.trackers[1].resources.back().id;
+    });
+    addRow("a dangling owner", [](TrackerModel &model) {
+        model.trackers[1].owners[goneItem] = model.trackers[1].owners.at(0);
+    });
+    addRow("an owner with a state never seen",
+           [](TrackerModel &model) { model.trackers[1].owners[1] = unseenState; });
+    addRow("a state with another owner", [](TrackerModel &model) {
+        model.trackers[1].owners[1] = model.trackers[1].owners.at(0);
+    });
+    addRow("an owner without entries",
+           [](TrackerModel &model) { model.trackers[1].resources.clear(); });
+    addRow("a count of 3 for 2 entries", [](TrackerModel &model) {
+        ++model.states[std::size_t(model.trackers[1].owners.at(0))].resourceCount;
+    });
+    addRow("a log that should have been emptied",
+           [](TrackerModel &model) { model.trackers[1].messages.resize(100); });
+    addRow("an item registered something while it was being destroyed",
+           [](TrackerModel &model) { model.dyingItemRegistered = true; });
+}
+
+void tst_SceneResourceTrackerModel::brokenRuleIsReported()
+{
+    QFETCH(const Break, breakRule);
+    TrackerModel model = filledModel();
+    QCOMPARE(model.violation(), QString());
+
+    breakRule(model);
+
+    QCOMPARE(model.violation(), QString::fromLatin1(QTest::currentDataTag()));
+}
+
+void tst_SceneResourceTrackerModel::stateWithoutOwnerBreaksNoRule()
+{
+    TrackerModel model = filledModel();
+
+    model.states[std::size_t(model.trackers[1].owners.at(0))].owner.reset();
+    QCOMPARE(model.violation(), QString());
+
+    // Its entries stay behind.
+    model.trackers[1].owners.erase(0);
+    QCOMPARE(model.violation(), QString());
+}
+
+void tst_SceneResourceTrackerModel::brokenRuleIsSeenInTheTrackers()
+{
+    TrackerSubject subject;
+    Item stranger;
+    QCOMPARE(subject.model().violation(), QString());
+
+    const auto state = subject.trackers[1].tracker.registerResource(&stranger, image(1));
+    QCOMPARE(subject.model().violation(), u"an entry with a state that no owner had"_s);
+
+    // Each step looks for new states.
+    TrackerStep step{};
+    step.kind = TrackerStep::ClearLog;
+    subject.run(step, TrackerModel());
+    QCOMPARE(subject.model().violation(), u"a dangling owner"_s);
+
+    state->owner = subject.items[0].get();
+    QCOMPARE(subject.model().violation(), u"an entry of an unknown owner"_s);
 }
 
 QTEST_MAIN(tst_SceneResourceTrackerModel)
