@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <bit>
+#include <limits>
 
 using namespace ovelin;
 using namespace ovelin::tests;
@@ -45,9 +46,11 @@ private Q_SLOTS:
 
     void decidesAsMeasured_data();
     void decidesAsMeasured();
+    void tabsFillALine();
     void decidesAnEmptyRangeAsOne();
     void decidesAfterAnInsertion();
 
+    void mostPerLineIsMoreThanALine();
     void measuresOnlyNearTheLimit();
     void looksAtTheBeginningOfALongWord_data();
     void looksAtTheBeginningOfALongWord();
@@ -84,6 +87,10 @@ void tst_TextMeasure::decidesAsMeasured_data()
     QTest::newRow("marks") << QStringLiteral("програ\u0301мма пе\u0301редач на неде\u0301лю")
                            << pixelFont();
     QTest::newRow("Arabic") << QStringLiteral("السلام عليكم لاإله السلام") << pixelFont();
+    QTest::newRow("large") << QStringLiteral("www i w") << pixelFont(200);
+    QFont spaced = pixelFont();
+    spaced.setWordSpacing(500);
+    QTest::newRow("words far apart") << QStringLiteral("и в и на и") << spaced;
     QTest::newRow("narrow letters") << QStringLiteral("illi").repeated(60) << closeFont(30);
     QTest::newRow("close letters") << QStringLiteral("w").repeated(90) << closeFont(10);
     QFont shrinking = pixelFont();
@@ -108,6 +115,17 @@ void tst_TextMeasure::decidesAsMeasured()
         }
         QVERIFY(!measure.isRulerWrong());
     }
+}
+
+// They are wider than any letter of a small font.
+void tst_TextMeasure::tabsFillALine()
+{
+    const QFont font = pixelFont(1);
+    const QString tabs = QStringLiteral("\t\t");
+    const double limit = advance(tabs, font);
+    TextMeasure measure(font, limit, manyLines, Method::Ruler);
+
+    QVERIFY(!measure.decide(tabs, 0, 2, [limit](double advance) { return advance < limit; }));
 }
 
 void tst_TextMeasure::decidesAnEmptyRangeAsOne()
@@ -135,6 +153,21 @@ void tst_TextMeasure::decidesAfterAnInsertion()
         QCOMPARE(measure.decide(text, 9, to, fitsOnLine),
                  fitsOnLine(advance(text.sliced(9, to - 9))));
     }
+}
+
+void tst_TextMeasure::mostPerLineIsMoreThanALine()
+{
+    const QFont font = pixelFont();
+    const double someMore = 64 * font.pixelSize();
+    for (const double width : {200.0, 2000.0}) {
+        const TextMeasure measure(font, width, manyLines, Method::Ruler);
+        const double most = advance(QString(measure.mostPerLine(), u'n'), font);
+        QVERIFY(most > 2 * width);
+        QVERIFY(most < 3 * width + someMore);
+    }
+
+    const TextMeasure endless(font, std::numeric_limits<int>::max(), manyLines, Method::Ruler);
+    QVERIFY(endless.mostPerLine() < 100'000);
 }
 
 void tst_TextMeasure::measuresOnlyNearTheLimit()
