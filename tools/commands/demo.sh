@@ -3,7 +3,7 @@
 #
 #   ./dev demo --guide FILE    your own guide, an XMLTV file
 #   ./dev demo --window        in a window instead of a file; arrow keys, L, Escape
-#   ./dev demo --help          all that the example can do
+#   ./dev demo -h              all that the example can do
 
 picture=$repository/build/tvguide.png
 

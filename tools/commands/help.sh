@@ -1,5 +1,5 @@
 # help [COMMAND]
-# List the commands, or tell about one.
+# List the commands, or tell about one, as ./dev COMMAND --help does.
 
 commands=$repository/tools/commands
 
