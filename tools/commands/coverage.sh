@@ -2,10 +2,11 @@
 # Count which lines and branches of the library the tests reach: build/coverage/index.html
 #
 # Fails below 99 % of the lines or 95 % of the branches that our code decides. The tables are also
-# written to build/coverage/lines.txt and branches.txt; why a few places are not reached is told in
-# tools/uncovered.txt.
+# written to build/coverage/lines.txt and branches.txt. Why a few places are not reached is told in
+# tools/coverage/uncovered.txt: all tests together must reach everything else, and nothing of that.
 
 readonly coverage_results=$repository/build/coverage
+readonly coverage_tools=$repository/tools/coverage
 readonly least_lines=99
 readonly least_branches=95
 
@@ -28,5 +29,8 @@ inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 6
     --exclude-regex "^package_" --parallel "$(processors)" "$@" \
     || fail "Tests failed; what they printed is above."
 report_coverage --txt-metric branch --txt "$coverage_results/branches.txt" >/dev/null || true
-report_coverage --txt --print-summary | tee "$coverage_results/lines.txt" \
+report_coverage --json "$coverage_results/coverage.json" --txt --print-summary | tee "$coverage_results/lines.txt" \
     || fail "Too little is covered; build/coverage/index.html shows what is missing."
+(($#)) || inside python3 "$coverage_tools/compare.py" "$repository" "$coverage_results/coverage.json" \
+    || fail "What is not reached is not what $(short_path "$coverage_tools")/uncovered.txt lists; see above." \
+        "Reach it with a test, or list it there with the reason; take out what is reached."

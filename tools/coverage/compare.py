@@ -1,0 +1,47 @@
+"""Compares what gcovr, by its JSON, found not to be reached with what uncovered.txt lists.
+
+compare.py REPOSITORY GCOVR_JSON
+"""
+
+import collections
+import json
+import pathlib
+import re
+import sys
+
+LIST = pathlib.Path(__file__).parent / "uncovered.txt"
+
+
+def listed():
+    """Each line of the list without the blanks between its columns; comments tell the reasons."""
+    lines = (" ".join(line.split()) for line in LIST.read_text().split("\n"))
+    return collections.Counter(line for line in lines if line and not line.startswith("#"))
+
+
+def source_text(lines, number):
+    """The line of that number. A brace alone, which many lines are, is told with what stands before it."""
+    text = lines[number - 1].strip()
+    return text if re.search(r"\w", text) else f"{source_text(lines, number - 1)} {text}"
+
+
+def not_reached(repository, coverage):
+    for file in coverage["files"]:
+        lines = (repository / file["file"]).read_text().split("\n")
+        for line in file["lines"]:
+            branches = sum(branch["count"] == 0 for branch in line["branches"])
+            what = "line" if line["count"] == 0 else f"branches:{branches}"
+            if what != "branches:0":
+                yield " ".join([file["file"], what, *source_text(lines, line["line_number"]).split()])
+
+
+def tell(title, places):
+    if places:
+        print(f"{title}:", *sorted(places.elements()), sep="\n  ", file=sys.stderr)
+
+
+repository, coverage = map(pathlib.Path, sys.argv[1:])
+expected = listed()
+found = collections.Counter(not_reached(repository, json.loads(coverage.read_text())))
+tell("Not reached, and not listed", found - expected)
+tell("Listed, and reached, or no longer there", expected - found)
+sys.exit(found != expected)
