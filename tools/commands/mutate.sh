@@ -11,7 +11,7 @@ readonly least_caught=95
 mutate()
 {
     inside python3 "$repository/tools/mutate/mutate.py" "$repository" \
-        "$repository/build/$toolchain/mutate" "$least_caught" --jobs "$(processors)" "$@"
+        "$folder" "$least_caught" --jobs "$(processors)" "$@"
 }
 
 parts=()
@@ -26,6 +26,10 @@ fi
 
 try_fewer_texts
 use_workshop
+folder=$repository/build/$toolchain/mutate
+mkdir --parents "$folder"
+exec {lock}>"$folder.lock"
+take_lock "$lock" "is trying changes in $(short_path "$folder")"
 failed=()
 for part in "${parts[@]}"; do
     mutate "$part" "$@" || failed+=("$part")

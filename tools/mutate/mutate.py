@@ -218,10 +218,9 @@ def main():
     places = collections.Counter(mutant.key for mutant in mutants)
     for key in sorted(key for key in equivalents if key[0] in files and places[key] != 1):
         sys.exit(f"equivalent.txt names what is a mutant at {places[key]} places instead of one: {key}")
-    tried = [mutant for mutant in mutants if mutant.key not in equivalents][::arguments.every]
-    print(f"{arguments.part}: {len(mutants)} mutants, "
-          f"{len(mutants) - sum(mutant.key not in equivalents for mutant in mutants)} equivalent, "
-          f"{len(tried)} to try", flush=True)
+    chosen = mutants[::arguments.every]
+    tried = [mutant for mutant in chosen if mutant.key not in equivalents]
+    print(f"{arguments.part}: {len(tried)} of {len(mutants)} mutants to try", flush=True)
 
     # It takes long, and nobody waits for it.
     os.nice(19)
@@ -254,8 +253,11 @@ def main():
         print(f"{file}: " + ", ".join(f"{number} {outcome}" for outcome, number in count.items()))
     caught = sum(count["caught"] for count in counts.values())
     survived = sum(count["survived"] for count in counts.values())
+    equivalent = len(chosen) - len(tried)
     share = 100 * caught / max(1, caught + survived)
-    print(f"{arguments.part}: {caught} of {caught + survived} caught, {share:.1f} %")
+    share_of_all = 100 * caught / max(1, caught + survived + equivalent)
+    print(f"{arguments.part}: {len(chosen)} mutants, {equivalent} equivalent, {caught} of {caught + survived} "
+          f"tried caught, {share:.1f} % ({share_of_all:.1f} % with the equivalent ones)")
     sys.exit(0 if share >= arguments.least else f"Less than {arguments.least:g} % were caught.")
 
 
