@@ -61,7 +61,7 @@ check_cppcheck()
 
 check_headers()
 {
-    build_sanitized clang all_verify_interface_header_sets
+    build_tree lint all_verify_interface_header_sets
 }
 
 # The tests are left to the other checks: see .clang-tidy.
@@ -120,7 +120,7 @@ done
 use_workshop
 cd "$repository" || exit
 # Makes what moc writes, which the files of the tests include.
-build_sanitized clang autogen
+build_tree lint autogen
 find "$lint_marks" -mtime +30 -delete 2>/dev/null || true
 failed=()
 for check; do

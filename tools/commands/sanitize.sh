@@ -11,11 +11,18 @@ sanitizer_settings=(
     UBSAN_OPTIONS=print_stacktrace=1
 )
 
+clang_runtime_folder()
+{
+    dirname "$(inside clang++ -print-file-name=libclang_rt.asan-x86_64.so)"
+}
+
 sanitize_with()
 {
-    local compiler=$1
+    local compiler=$1 entries=()
     shift
-    build_sanitized "$compiler"
+    # Clang's sanitizers are a library that its programs do not find by themselves.
+    [[ $compiler != clang ]] || entries+=("-DCMAKE_BUILD_RPATH=$(clang_runtime_folder)")
+    build_tree_as "sanitize-$compiler" "sanitize-$compiler" "${entries[@]}" --
     inside env "${sanitizer_settings[@]}" ctest --test-dir "$tree" --output-on-failure --no-tests=error \
         --timeout 600 --exclude-regex "^package_" --parallel "$(processors)" "$@" \
         || fail "Tests failed under $compiler's sanitizers; what they printed is above." \
