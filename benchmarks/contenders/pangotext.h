@@ -5,7 +5,7 @@
 
 #include <memory>
 
-struct _PangoLayout;
+struct _PangoLayout; // NOLINT(bugprone-reserved-identifier) Pango's name
 
 namespace ovelin::benchmarks {
 

@@ -63,8 +63,8 @@ public:
     double ratioTo(const Measurement &other) const
     {
         std::vector<double> ratios;
-        std::transform(m_secondsPerRun.begin(), m_secondsPerRun.end(),
-                       other.m_secondsPerRun.begin(), std::back_inserter(ratios), std::divides());
+        std::ranges::transform(m_secondsPerRun, other.m_secondsPerRun, std::back_inserter(ratios),
+                               std::divides());
         return median(std::move(ratios));
     }
 
@@ -104,6 +104,7 @@ void run(const Comparison &comparison, benchmark::State &state)
         measurements.emplace_back(contender.run);
 
     std::vector<Measurement *> order;
+    order.reserve(measurements.size());
     for (Measurement &measurement : measurements)
         order.push_back(&measurement);
 
@@ -113,7 +114,7 @@ void run(const Comparison &comparison, benchmark::State &state)
             for (Measurement *measurement : order)
                 total += measurement->runRound();
             // Whoever comes first is not always the same.
-            std::reverse(order.begin(), order.end());
+            std::ranges::reverse(order);
         }
         state.SetIterationTime(total.count());
     }

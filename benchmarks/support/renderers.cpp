@@ -41,8 +41,9 @@ std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
 
 std::function<void()> hyphenationOf(const QString &text)
 {
+    const QStringList parts = text.split(u' ');
     QStringList words;
-    for (const QString &word : text.split(u' '))
+    for (const QString &word : parts)
         words.append(word + u' ');
 
     return [words] {

@@ -75,20 +75,17 @@ void Scene::walkTo(int id) const
 {
     const IResourceOwner *const owner = &m_owners.back();
     const auto &resources = m_tracker.resources();
-    benchmark::DoNotOptimize(
-        std::find_if(resources.begin(), resources.end(), [id, owner](const ResourceInfo &info) {
-            return info.id == id && info.ownerState->owner == owner;
-        }));
+    benchmark::DoNotOptimize(std::ranges::find_if(resources, [id, owner](const ResourceInfo &info) {
+        return info.id == id && info.ownerState->owner == owner;
+    }));
 }
 
 void Scene::walkOverOwned() const
 {
     const IResourceOwner *const owner = &m_owners.back();
     const auto &resources = m_tracker.resources();
-    benchmark::DoNotOptimize(
-        std::count_if(resources.begin(), resources.end(), [owner](const ResourceInfo &info) {
-            return info.ownerState->owner == owner;
-        }));
+    benchmark::DoNotOptimize(std::ranges::count_if(
+        resources, [owner](const ResourceInfo &info) { return info.ownerState->owner == owner; }));
 }
 
 } // namespace ovelin::benchmarks

@@ -85,7 +85,7 @@ bool Table::ReportContext(const Context &context)
 
 void Table::ReportRuns(const std::vector<Run> &runs)
 {
-    const auto median = std::find_if(runs.begin(), runs.end(), [](const Run &run) {
+    const auto median = std::ranges::find_if(runs, [](const Run &run) {
         return run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
     });
     if (median == runs.end())
@@ -107,10 +107,11 @@ void Table::printRow(const std::string &work, double seconds, const std::string 
     if (const Target *target = findTarget(work, against)) {
         ++m_targets;
         m_targetsMet += ratio <= target->ratio;
-        out << targetText(*target) << " | " << verdict(*target, ratio) << " |" << std::endl;
+        out << targetText(*target) << " | " << verdict(*target, ratio) << " |\n";
     } else {
-        out << "| |" << std::endl;
+        out << "| |\n";
     }
+    out.flush();
 }
 
 void Table::Finalize()

@@ -25,10 +25,9 @@ constexpr Target targets[] = {
 
 const Target *findTarget(std::string_view work, std::string_view against)
 {
-    const auto found =
-        std::find_if(std::begin(targets), std::end(targets), [&](const Target &target) {
-            return target.work == work && target.against == against;
-        });
+    const auto found = std::ranges::find_if(targets, [&](const Target &target) {
+        return target.work == work && target.against == against;
+    });
     return found == std::end(targets) ? nullptr : found;
 }
 

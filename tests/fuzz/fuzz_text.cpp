@@ -116,7 +116,8 @@ void Subject::set(FuzzedDataProvider &data)
             data.PickValueInArray({Qt::PlainText, Qt::RichText, Qt::AutoText, Qt::MarkdownText}));
         break;
     case 2:
-        m_renderer.setTextAlignment(Qt::Alignment::fromInt(anyInt(data)));
+        m_renderer.setTextAlignment(
+            Qt::Alignment::fromInt(static_cast<Qt::Alignment::Int>(anyInt(data))));
         break;
     case 3:
         requireNone(widthViolation(m_renderer, anyInt(data)));

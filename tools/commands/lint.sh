@@ -12,7 +12,7 @@
 
 readonly lint_checks=(text format scripts cppcheck headers tidy clazy abi)
 readonly lint_marks=$cache/linted
-readonly our_headers='/(include/ovelin|src|examples|tests|benchmarks)/'
+readonly our_headers='/(include/ovelin|src|examples|tests|benchmarks|tools)/'
 
 # The files as they stand, also those that are not added yet.
 list_files()
@@ -67,14 +67,15 @@ check_headers()
 # The tests are left to the other checks: see .clang-tidy.
 check_tidy()
 {
-    list_compiled 'src/*.cpp' 'examples/*.cpp' | check_each clang-tidy --quiet -p "$tree"
+    list_compiled 'src/*.cpp' 'examples/*.cpp' 'benchmarks/*.cpp' 'tools/*.cpp' \
+        | check_each clang-tidy --quiet -p "$tree"
 }
 
 check_clazy()
 {
     local faults=0
-    list_compiled 'src/*.cpp' 'examples/*.cpp' | clazy tools/lint/clazy.txt || faults=1
-    list_compiled 'tests/*.cpp' | clazy tools/lint/clazy{,-tests}.txt || faults=1
+    list_compiled 'src/*.cpp' 'examples/*.cpp' 'benchmarks/*.cpp' | clazy tools/lint/clazy.txt || faults=1
+    list_compiled 'tests/*.cpp' 'tools/*.cpp' | clazy tools/lint/clazy{,-tests}.txt || faults=1
     return "$faults"
 }
 

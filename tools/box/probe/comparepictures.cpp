@@ -28,7 +28,8 @@ QImage read(const char *file)
 
 int main(int argc, char *argv[])
 {
-    if (argc != 5) {
+    constexpr int wordCount = 5; // the program's name and its arguments
+    if (argc != wordCount) {
         std::cerr
             << "usage: comparepictures FIRST SECOND MOST_DIFFERENT_PIXELS LARGEST_DIFFERENCE\n";
         return 2;

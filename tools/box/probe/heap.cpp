@@ -6,6 +6,7 @@
 #include <cerrno>
 
 // The C library's own functions, under the names that it keeps for programs that replace malloc().
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
@@ -13,6 +14,7 @@ void *__libc_realloc(void *block, std::size_t size);
 void *__libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void *block);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -37,6 +39,8 @@ std::size_t heapBytes()
     return held;
 }
 
+// The parameters' names in the C library's headers are reserved.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 void *malloc(std::size_t size)
@@ -81,3 +85,4 @@ void free(void *block)
 }
 
 } // extern "C"
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -63,6 +63,7 @@ int main(int argc, char *argv[])
     const std::size_t before = heapBytes();
     markAction("load", [&] { handle = dlopen(library.c_str(), RTLD_NOW); });
     if (!handle) {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe) there is one thread
         std::cerr << "loadprobe: " << dlerror() << '\n';
         return 1;
     }

@@ -179,14 +179,17 @@ void countTracker()
 {
     constexpr int count = 200;
     Scene scene(count);
-    scene.registerImages(1);
-    scene.registerOne(2);
+    int id = 0;
+    scene.registerImages(++id);
+    scene.registerOne(++id);
 
-    markAction("registration", [&] { scene.registerOne(3); });
+    ++id;
+    markAction("registration", [&] { scene.registerOne(id); });
     // The first message makes the list.
     scene.tracker.setMessagesEnabled(true);
-    scene.registerOne(4);
-    markAction("registration-with-message", [&] { scene.registerOne(5); });
+    scene.registerOne(++id);
+    ++id;
+    markAction("registration-with-message", [&] { scene.registerOne(id); });
 }
 
 void measureThrobber()
@@ -201,6 +204,8 @@ void countThrobber()
     constexpr int size = 160;
     constexpr int rotation = 120;
     constexpr int span = 180;
+    constexpr int rotationStep = 3;
+    constexpr int spanStep = 6;
     ThrobberRenderer throbber(nullptr);
     throbber.setRenderRect({0, 0, size, size});
     throbber.addAngles(rotation, span);
@@ -212,7 +217,7 @@ void countThrobber()
     throbber.draw(painter);
 
     markAction("throbber", [&] {
-        throbber.addAngles(3, 6);
+        throbber.addAngles(rotationStep, spanStep);
         throbber.draw(painter);
     });
 }
