@@ -108,7 +108,7 @@ check_each()
 lint_settings()
 {
     printf '%s\n' "$toolchain_identity" "${@//$repository/}"
-    list_files '*.h' '*.clang-tidy' | xargs cat
+    list_files '*.h' '*.clang-tidy' | sort | xargs cat
     sed "s|$repository||g" "$tree/compile_commands.json"
 }
 
