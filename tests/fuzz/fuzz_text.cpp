@@ -28,6 +28,7 @@ constexpr qsizetype longestRichText = 2000;
 constexpr qsizetype longestTightText = 10'000;
 constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
+constexpr qsizetype mostCharacters = 300'000; // laid out for one input
 constexpr std::size_t mostRenderers = 4;
 constexpr int mostCalls = 60;
 constexpr int canvasSize = 64;
@@ -74,11 +75,11 @@ public:
     Subject() = default;
     Subject(const Subject &other) = default;
 
-    void call(FuzzedDataProvider &data);
+    void call(FuzzedDataProvider &data, qsizetype &charactersLeft);
 
 private:
     void set(FuzzedDataProvider &data);
-    void layOut();
+    void layOut(qsizetype &charactersLeft);
     bool isTooMuchForQt() const;
     bool mayShrink() const;
     void compare() const;
@@ -88,7 +89,7 @@ private:
     int m_availableHeight = 0;
 };
 
-void Subject::call(FuzzedDataProvider &data)
+void Subject::call(FuzzedDataProvider &data, qsizetype &charactersLeft)
 {
     switch (data.ConsumeIntegralInRange(0, 5)) {
     case 0:
@@ -98,7 +99,7 @@ void Subject::call(FuzzedDataProvider &data)
         paint(data);
         break;
     case 2:
-        layOut();
+        layOut(charactersLeft);
         break;
     default:
         set(data);
@@ -143,11 +144,12 @@ void Subject::set(FuzzedDataProvider &data)
     }
 }
 
-void Subject::layOut()
+void Subject::layOut(qsizetype &charactersLeft)
 {
-    if (isTooMuchForQt() || mayShrink())
+    if (isTooMuchForQt() || mayShrink() || m_renderer.text().size() > charactersLeft)
         return;
     const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
+    charactersLeft -= laysOut ? m_renderer.text().size() : 0;
     m_renderer.relayout();
     if (!laysOut)
         return;
@@ -210,10 +212,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
     std::vector<std::unique_ptr<Subject>> subjects;
     subjects.push_back(std::make_unique<Subject>());
 
+    qsizetype charactersLeft = mostCharacters;
     for (int calls = 0; calls < mostCalls && data.remaining_bytes() > 0; ++calls) {
         const auto chosen = data.ConsumeIntegralInRange<std::size_t>(0, subjects.size());
         if (chosen < subjects.size())
-            subjects[chosen]->call(data);
+            subjects[chosen]->call(data, charactersLeft);
         else if (subjects.size() < mostRenderers)
             subjects.push_back(std::make_unique<Subject>(*subjects.back()));
         else
