@@ -49,6 +49,7 @@ private Q_SLOTS:
     void decidesAnEmptyRangeAsOne();
     void decidesAfterAnInsertion();
     void decidesAfterAnInsertionIntoALongLine();
+    void decidesAfterMoreWasAppended();
 
     void mostPerLineIsMoreThanALine();
     void measuresOnlyNearTheLimit();
@@ -171,6 +172,22 @@ void tst_TextMeasure::decidesAfterAnInsertionIntoALongLine()
 
     for (qsizetype to = wide.size(); to <= text.size(); ++to)
         QCOMPARE(measure.decide(text, 0, to, fits), fits(advance(text.first(to))));
+}
+
+void tst_TextMeasure::decidesAfterMoreWasAppended()
+{
+    constexpr qsizetype from = 5;
+    QString text = QStringLiteral("ו").repeated(100);
+    const double limit = 2 * advance(text);
+    const auto fits = [limit](double advance) { return advance < limit; };
+    TextMeasure measure(pixelFont(), limit, manyLines, Method::Ruler);
+    QVERIFY(measure.decide(text, from, 80, fits));
+
+    text += QStringLiteral("ש").repeated(100);
+
+    for (qsizetype to = 100; to <= text.size(); ++to) {
+        QCOMPARE(measure.decide(text, from, to, fits), fits(advance(text.sliced(from, to - from))));
+    }
 }
 
 void tst_TextMeasure::mostPerLineIsMoreThanALine()
@@ -330,16 +347,18 @@ void tst_TextMeasure::knowsWhereLongerIsNarrower()
     QFETCH(QString, beginning);
     QFETCH(QString, end);
     QFETCH(QFont, font);
-    const QString text = beginning + end;
+    const QString line = beginning + end;
+    constexpr qsizetype from = 40;
+    const QString text = QString(from, u'w') + line;
 
     bool isNarrower = false;
-    for (qsizetype last = beginning.size(); last < text.size(); ++last) {
-        const double limit = advance(text.first(last), font);
+    for (qsizetype last = beginning.size(); last < line.size(); ++last) {
+        const double limit = advance(line.first(last), font);
         const auto fits = [limit](double advance) { return advance < limit; };
         TextMeasure measure(font, limit, manyLines, Method::Ruler);
-        for (qsizetype to = beginning.size() - 5; to <= text.size(); ++to) {
-            const double width = advance(text.first(to), font);
-            QCOMPARE(measure.decide(text, 0, to, fits), fits(width));
+        for (qsizetype to = beginning.size() - 5; to <= line.size(); ++to) {
+            const double width = advance(line.first(to), font);
+            QCOMPARE(measure.decide(text, from, from + to, fits), fits(width));
             isNarrower = isNarrower || (to > last && width < limit);
         }
     }
@@ -448,7 +467,13 @@ void tst_TextMeasure::shrinkageIsThatOfTheScript()
 
     QCOMPARE(measure.mostShrinkage(QStringLiteral("Новости")), 10.0);
     // Four emoji may become one.
-    QCOMPARE(measure.mostShrinkage(QStringLiteral("\U0001F468\u200d\U0001F469")), 80.0);
+    const QString emoji = QStringLiteral("\U0001F468\u200d\U0001F469");
+    QCOMPARE(measure.mostShrinkage(emoji), 80.0);
+
+    QFont wide = pixelFont();
+    wide.setStretch(QFont::UltraExpanded);
+    const TextMeasure wideMeasure(wide, lineWidth, manyLines, Method::Ruler);
+    QCOMPARE(wideMeasure.mostShrinkage(emoji), 160.0);
 }
 
 QTEST_MAIN(tst_TextMeasure)
