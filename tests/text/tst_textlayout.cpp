@@ -174,6 +174,7 @@ private Q_SLOTS:
     void endsAtAnyLineLimit();
     void boundsTheSeparatorsBeforeAHyphen_data();
     void boundsTheSeparatorsBeforeAHyphen();
+    void splitsNoSurrogatePair_data();
     void splitsNoSurrogatePair();
     void breaksATextWithABrokenCharacter();
     void replacesBrokenCharactersOnly_data();
@@ -1308,20 +1309,33 @@ void tst_TextLayout::boundsTheSeparatorsBeforeAHyphen()
     }
 }
 
+void tst_TextLayout::splitsNoSurrogatePair_data()
+{
+    QTest::addColumn<QFont>("font");
+
+    QTest::newRow("room for several on a line") << pixelFont();
+    QTest::newRow("room for half of one") << pixelFont(60);
+}
+
 void tst_TextLayout::splitsNoSurrogatePair()
 {
-    const QString faces = QStringLiteral("\U0001F600").repeated(10);
+    QFETCH(QFont, font);
+    const QString face = QStringLiteral("\U0001F600");
+    QVERIFY(advance(face.first(1), font) < advance(face, font));
     const QString text =
-        QStringLiteral("Хит %1 сегодня вечером на нашем канале и завтра").arg(faces);
-    for (int width = 20; width < 200; ++width) {
-        TextRenderer renderer;
-        renderer.setTextFont(pixelFont());
-        renderer.setMaxLineCount(2);
-        renderer.setTextWidth(width);
-        renderer.setText(text);
-        renderer.relayout();
-        QVERIFY(renderer.displayText().isValidUtf16());
-        QVERIFY(renderer.isTextElided());
+        QStringLiteral("Хит %1 сегодня вечером на нашем канале и завтра").arg(face.repeated(10));
+    TextRenderer renderer;
+    renderer.setTextFont(font);
+    renderer.setText(text);
+    for (const int maxLineCount : {2, 3}) {
+        renderer.setMaxLineCount(maxLineCount);
+        for (int width = 20; width < 200; ++width) {
+            renderer.setTextWidth(width);
+            renderer.relayout();
+            QVERIFY(renderer.displayText().isValidUtf16());
+            QVERIFY(!renderer.displayText().contains(QStringLiteral("\n\n")));
+            QVERIFY(renderer.isTextElided());
+        }
     }
 }
 
