@@ -88,9 +88,10 @@ AbstractResourceOwner::AbstractResourceOwner() = default;
 
 /*!
     Destroys the owner. Every tracker where it is still registered, installed or not, forgets it and its
-    resources as SceneResourceTracker::unregisterResources() does, with the same signals. Before the
-    first of them all its states, which the application may still hold, lose their owner; messages show
-    it without address and names. Meanwhile the owner's own functions refuse to register anything.
+    resources as SceneResourceTracker::unregisterResources() does, with the same signals, the owner
+    having left owners() before the first of them. Before any signal the states that the owner and the
+    trackers hold lose it as their owner; the application may hold these still. Messages show it without
+    address and names. Meanwhile the owner's own functions refuse to register anything.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {

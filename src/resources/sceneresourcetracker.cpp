@@ -289,6 +289,9 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
     that is told of a decision may destroy itself. IResourceOwner::resourceOwnerObject() must not call
     back: it is asked while a message is being written.
 
+    While one tracker announces that an item is destroyed, another may still list it in owners(), with a
+    state that has no owner any more: it must not be called by that address.
+
     \since Ovelin 1.0
     \sa {ovelin}{sceneResourceTracker()}, AbstractResourceOwner
 */

@@ -18,9 +18,6 @@ namespace {
 
 constexpr char16_t ellipsis = u'\u2026';
 
-// What comes behind it is not measured: Qt takes it for a shorter form of the text.
-constexpr char16_t endOfMeasuredText = u'\u009c';
-
 // A word is split without a hyphen only if that many characters, its separator counted, go to the
 // next line.
 constexpr qsizetype shortestRest = 5;
@@ -203,7 +200,7 @@ void LineBreaker::loadUpTo(qsizetype position)
 bool LineBreaker::isWiderThanLimit() const
 {
     const QStringView seen = QStringView(m_source).first(std::min(m_loaded, m_source.size()));
-    return m_measure.isWiderThanLine() && !seen.contains(endOfMeasuredText);
+    return m_measure.isWiderThanLine(seen, m_source.size());
 }
 
 bool LineBreaker::fits()

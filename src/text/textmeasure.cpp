@@ -8,9 +8,16 @@ namespace ovelin {
 namespace {
 
 // No character is wider, the longest ligatures of sentences included, but for a tab, which reaches up to
-// the next of Qt's stops.
+// the next of Qt's stops. On average, none of a text is as wide as the other.
 constexpr double widestCharacterInEms = 16;
+constexpr double widestAverageInEms = 4;
 constexpr double tabStopDistance = 80;
+
+// Qt counts 64ths of pixels in an int: greater advances overflow.
+constexpr double greatestAdvance = 1 << 25;
+
+// What comes behind it is not measured: Qt takes it for a shorter form of the text.
+constexpr char16_t endOfMeasuredText = u'\u009c';
 
 // Letters of most scripts are a little over half as wide as high.
 constexpr double usualCharacterInEms = 0.55;
@@ -31,10 +38,10 @@ constexpr double joinedCharactersInEms = 4;
 constexpr qsizetype shortestLongLine = 64;
 constexpr qsizetype fewestAhead = 16;
 
-double widestCharacter(const QFont &font)
+double characterWidth(const QFont &font, double ems)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    const double widest = std::max(widestCharacterInEms * font.pixelSize(), tabStopDistance);
+    const double widest = std::max(ems * font.pixelSize(), tabStopDistance);
     return widest * horizontalScale(font) + (percentage ? 0 : std::abs(font.letterSpacing()))
            + std::abs(font.wordSpacing());
 }
@@ -44,7 +51,7 @@ double characterShrinkage(const QFont &font)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
     const double letterShrinkage = percentage && font.letterSpacing() < 0
-                                       ? widestCharacter(font)
+                                       ? characterWidth(font, widestCharacterInEms)
                                        : std::max(0.0, -font.letterSpacing());
     return letterShrinkage + std::max(0.0, -font.wordSpacing());
 }
@@ -62,12 +69,48 @@ qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
         std::min<double>(usualPerLine(font, lineWidth) * maxLineCount, longestUsualStretch));
 }
 
+bool isOfScript(QStringView text, qsizetype position)
+{
+    const QChar c = text.at(position);
+    const bool isPair = c.isHighSurrogate() && position + 1 < text.size();
+    const char32_t code = isPair ? QChar::surrogateToUcs4(c, text.at(position + 1)) : c.unicode();
+    return QChar::script(code) > QChar::Script_Common;
+}
+
+// A letter behind such signs may turn them around, into wider or narrower ones. The brackets below are as
+// wide as their counterparts.
+bool mayTurnAround(QChar c)
+{
+    return c >= u'\u2200' && c.hasMirrored();
+}
+
+bool mayTurnAround(QStringView text)
+{
+    return std::ranges::any_of(text, [](QChar c) { return mayTurnAround(c); });
+}
+
+// Up to where a longer text tells of the beginning that ends there: signs before the first letter are
+// shaped as that letter asks for.
+qsizetype endOfSameShape(QStringView text, qsizetype from, qsizetype to, qsizetype end)
+{
+    for (qsizetype i = from; i < to; ++i) {
+        if (isOfScript(text, i))
+            return end;
+    }
+    while (to < end && !isOfScript(text, to))
+        ++to;
+    return to;
+}
+
 } // namespace
 
 TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, Method method)
     : m_metrics(font)
     , m_lineWidth(lineWidth)
-    , m_widestCharacter(widestCharacter(font))
+    , m_widestCharacter(characterWidth(font, widestCharacterInEms))
+    , m_mostMeasurable(static_cast<qsizetype>(greatestAdvance / m_widestCharacter))
+    , m_mostInText(
+          static_cast<qsizetype>(greatestAdvance / characterWidth(font, widestAverageInEms)))
     , m_characterShrinkage(characterShrinkage(font))
     , m_tolerance(TextRuler::tolerance(font))
     , m_joinedCharacters(joinedCharactersInEms * font.pixelSize() * horizontalScale(font))
@@ -134,9 +177,10 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 
 // What else is in the text makes it no narrower, but for the two ends of the range, which have
 // other neighbours in it.
-bool TextMeasure::isWiderThanLine() const
+bool TextMeasure::isWiderThanLine(QStringView seen, qsizetype size) const
 {
-    return m_usesRuler && advancesGrow() && m_widestRange > m_lineWidth + m_tolerance;
+    return m_usesRuler && advancesGrow() && m_widestRange > m_lineWidth + m_tolerance
+           && size <= m_mostInText && !seen.contains(endOfMeasuredText) && !mayTurnAround(seen);
 }
 
 // From what was measured ahead, with room to spare for what makes a beginning wider than all of it.
@@ -155,11 +199,16 @@ bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to
     if (from != m_ahead.from)
         m_ahead = {.from = from, .mostMore = text.size()};
     while (!isKnownToFit(from, to, fits)) {
-        const qsizetype more = std::min({m_ahead.mostMore, to - from, text.size() - to});
+        const qsizetype more = std::min(
+            {m_ahead.mostMore, to - from, text.size() - to, m_mostMeasurable - (to - from)});
         if (more < fewestAhead)
             return false;
-        m_ahead.to = to + more;
-        m_ahead.advance = m_metrics.horizontalAdvance(text.mid(from, m_ahead.to - from));
+        const qsizetype end = endOfSameShape(text, from, to, to + more);
+        const QString seen = text.sliced(from, end - from);
+        if (mayTurnAround(seen))
+            return false;
+        m_ahead.to = end;
+        m_ahead.advance = m_metrics.horizontalAdvance(seen);
         if (!isKnownToFit(from, to, fits))
             m_ahead.mostMore = more / 2;
     }

@@ -44,8 +44,9 @@ public:
     void checkOnce(const QString &text, qsizetype from, qsizetype to);
     bool isRulerWrong() const { return m_rulerIsWrong; }
 
-    // Returns whether a range was found with which the whole text is wider than the line.
-    bool isWiderThanLine() const;
+    // Returns whether a range was found with which the whole text, of that size, is wider than the line;
+    // `seen` is its beginning that holds the ranges.
+    bool isWiderThanLine(QStringView seen, qsizetype size) const;
 
 private:
     // What was measured last to know of all of its beginnings.
@@ -67,6 +68,8 @@ private:
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
     const double m_widestCharacter;
+    const qsizetype m_mostMeasurable; // of the widest characters
+    const qsizetype m_mostInText;     // of which Qt knows how wide it is
     const double m_characterShrinkage;
     const double m_tolerance; // of the ruler
     const double m_joinedCharacters;

@@ -328,6 +328,8 @@ private Q_SLOTS:
     void agreesInExtremelySetFonts();
     void agreesInFontsOfExtremeSizes_data();
     void agreesInFontsOfExtremeSizes();
+    void agreesOnLongLinesThatGetNarrower_data();
+    void agreesOnLongLinesThatGetNarrower();
     void resultsAreRepeatable();
 
 private:
@@ -796,6 +798,34 @@ void tst_TextLayoutIdentity::agreesInFontsOfExtremeSizes()
         input.font = fontOfZeroPixels();
     input.text = QStringLiteral("сообщение на-экране");
     compareInBoxes(input, {1, 500, 1'000'000, most}, {0, 1, 2, 5});
+}
+
+// A later letter turns the signs before it around, or gives them its script; or the advance gets too great
+// for Qt.
+void tst_TextLayoutIdentity::agreesOnLongLinesThatGetNarrower_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("spacing");
+    QTest::addColumn<int>("width");
+
+    const QString sign = QStringLiteral("\u29f5 ");
+    QTest::newRow("turned around") << sign.repeated(60) + QStringLiteral("ש") << 0.0 << 1000;
+    QTest::newRow("turned around between letters")
+        << QStringLiteral("aש ") + sign.repeated(60) + QStringLiteral("ש") << 0.0 << 1000;
+    QTest::newRow("short") << sign.repeated(29) + QStringLiteral("ש") << 0.0 << 450;
+    QTest::newRow("too great") << QStringLiteral("של ").repeated(100) << 2e5 << 30'000'000;
+}
+
+void tst_TextLayoutIdentity::agreesOnLongLinesThatGetNarrower()
+{
+    QFETCH(QString, text);
+    QFETCH(double, spacing);
+    QFETCH(int, width);
+    ReferenceInput input;
+    input.text = text;
+    input.font = pixelFont();
+    input.font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    compareInBoxes(input, {width}, {1, 2});
 }
 
 // One renderer that is set up for case after case gives what a fresh one gives.

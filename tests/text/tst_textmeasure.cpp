@@ -443,7 +443,7 @@ void tst_TextMeasure::wholeTextIsWiderThanLine()
     // What has been read may be off by half of the font's size, and so may what stands beside it.
     const double least = lineWidth + (TextRuler::canRead(QStringView(text)) ? 20 : 10);
     QCOMPARE(advance(text, font) > least && spacing >= 0, wider);
-    QCOMPARE(measure.isWiderThanLine(), wider);
+    QCOMPARE(measure.isWiderThanLine(text, text.size()), wider);
 }
 
 // The space behind the last word is none of the text's.
@@ -458,7 +458,7 @@ void tst_TextMeasure::neighbourOfWhatIsCheckedDoesNotCount()
 
     measure.checkOnce(text, 0, 1);
 
-    QVERIFY(!measure.isWiderThanLine());
+    QVERIFY(!measure.isWiderThanLine(text, text.size()));
 }
 
 void tst_TextMeasure::shrinkageIsThatOfTheScript()
