@@ -178,10 +178,7 @@ bool LineBreaker::loadText()
 {
     if (m_loaded > m_source.size())
         return false;
-    qsizetype size = std::max(shortestLoad, m_text.size());
-    const qsizetype last = m_loaded + size - 1;
-    if (last < m_source.size() && m_source.at(last).isHighSurrogate())
-        ++size;
+    const qsizetype size = std::max(shortestLoad, m_text.size());
     m_text +=
         QStringView(m_source).sliced(m_loaded).first(std::min(size, m_source.size() - m_loaded));
     m_loaded += size;

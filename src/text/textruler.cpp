@@ -116,7 +116,6 @@ void TextRuler::shapeStretch(QStringView text, qsizetype from, qsizetype to)
     m_endsEarly = unreadable != wanted.end();
 
     m_stretch.emplace(stretch.toString(), m_font);
-    m_stretch->itemize();
 }
 
 double TextRuler::advance(qsizetype from, qsizetype to)

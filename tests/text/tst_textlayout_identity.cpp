@@ -738,6 +738,8 @@ void tst_TextLayoutIdentity::agreesOnRareWords_data()
     QTest::newRow("surrogate pair that 512 characters end in")
         << QStringLiteral("слово ").repeated(85) + QStringLiteral("а\U0001F600 слово")
         << pixelFont();
+    QTest::newRow("512 characters")
+        << QStringLiteral("слово ").repeated(85) + QStringLiteral("да") << pixelFont();
     QTest::newRow("first place for a hyphen far behind the line")
         << QString(100, u'ш') + QStringLiteral("сообщение") << pixelFont();
 }

@@ -276,6 +276,7 @@ void tst_TextRuler::readsOnAfterAnInsertion()
     });
     QCOMPARE(calls, measurements);
 
+    QCOMPARE(ruler.advance(text, 2, 4, stretchLength).value_or(-1), advance(text.sliced(2, 2)));
     QCOMPARE(ruler.advance(text, 0, 5, stretchLength).value_or(-1), advance(text.first(5)));
     QVERIFY(!ruler.advance(text, 0, 6, stretchLength));
 }
