@@ -7,8 +7,8 @@ namespace ovelin {
 
 namespace {
 
-// No character is wider, the longest ligatures of sentences included, but for a tab, which reaches up to
-// the next of Qt's stops. On average, none of a text is as wide as the other.
+// No character is wider than the first, the longest ligatures of sentences included, but for a tab, which
+// reaches up to the next of Qt's stops; and no text is wider than the second on average.
 constexpr double widestCharacterInEms = 16;
 constexpr double widestAverageInEms = 4;
 constexpr double tabStopDistance = 80;
