@@ -229,8 +229,6 @@ bool LineBreaker::splitWord()
     const bool hyphenated = kept != -1;
     if (!hyphenated)
         kept = mayForceSplit() ? forcedSplitPoint() : 0;
-    if (kept < 1)
-        return false;
 
     // Lower-casing can lengthen a word, and put the point behind the end of the text.
     loadUpTo(m_wordStart + kept);
