@@ -199,8 +199,8 @@ bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to
     if (from != m_ahead.from)
         m_ahead = {.from = from, .mostMore = text.size()};
     while (!isKnownToFit(from, to, fits)) {
-        const qsizetype more = std::min(
-            {m_ahead.mostMore, to - from, text.size() - to, m_mostMeasurable - (to - from)});
+        const qsizetype room = m_mostMeasurable - (to - from);
+        const qsizetype more = std::min({m_ahead.mostMore, to - from, text.size() - to, room});
         if (more < fewestAhead)
             return false;
         const qsizetype end = endOfSameShape(text, from, to, to + more);

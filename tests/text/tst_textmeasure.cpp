@@ -50,6 +50,8 @@ private Q_SLOTS:
     void decidesAfterAnInsertion();
     void decidesAfterAnInsertionIntoALongLine();
     void decidesAfterMoreWasAppended();
+    void decidesInFrontOfTheFirstLetter_data();
+    void decidesInFrontOfTheFirstLetter();
 
     void mostPerLineIsMoreThanALine();
     void measuresOnlyNearTheLimit();
@@ -188,6 +190,28 @@ void tst_TextMeasure::decidesAfterMoreWasAppended()
     for (qsizetype to = 100; to <= text.size(); ++to) {
         QCOMPARE(measure.decide(text, from, to, fits), fits(advance(text.sliced(from, to - from))));
     }
+}
+
+// Signs of no script take that of the first letter.
+void tst_TextMeasure::decidesInFrontOfTheFirstLetter_data()
+{
+    QTest::addColumn<QString>("end");
+
+    QTest::newRow("a letter") << QStringLiteral("שלום");
+    QTest::newRow("a pair that is no letter") << QStringLiteral("\U0001F600");
+    QTest::newRow("half a pair") << QString(QChar(0xd83d));
+}
+
+void tst_TextMeasure::decidesInFrontOfTheFirstLetter()
+{
+    QFETCH(QString, end);
+    const QString text = QStringLiteral("\u3000").repeated(100) + end;
+    const double limit = advance(text.first(95));
+    const auto fits = [limit](double advance) { return advance < limit; };
+    TextMeasure measure(pixelFont(), limit, manyLines, Method::Ruler);
+
+    for (qsizetype to = 0; to <= text.size(); ++to)
+        QCOMPARE(measure.decide(text, 0, to, fits), fits(advance(text.first(to))));
 }
 
 void tst_TextMeasure::mostPerLineIsMoreThanALine()
