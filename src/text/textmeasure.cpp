@@ -79,14 +79,9 @@ bool isOfScript(QStringView text, qsizetype position)
 
 // A letter behind such signs may turn them around, into wider or narrower ones. The brackets below are as
 // wide as their counterparts.
-bool mayTurnAround(QChar c)
-{
-    return c >= u'\u2200' && c.hasMirrored();
-}
-
 bool mayTurnAround(QStringView text)
 {
-    return std::ranges::any_of(text, [](QChar c) { return mayTurnAround(c); });
+    return std::ranges::any_of(text, [](QChar c) { return c >= u'\u2200' && c.hasMirrored(); });
 }
 
 // Up to where a longer text tells of the beginning that ends there: signs before the first letter are

@@ -24,6 +24,13 @@ inline QFont pixelFont(int pixelSize = 20)
     return font;
 }
 
+inline QFont spacedFont(QFont::SpacingType type, double spacing)
+{
+    QFont font = pixelFont();
+    font.setLetterSpacing(type, spacing);
+    return font;
+}
+
 // No setter takes this size, but a font that is read may have it.
 inline QFont fontOfZeroPixels()
 {

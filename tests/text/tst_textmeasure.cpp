@@ -20,17 +20,12 @@ namespace {
 constexpr double lineWidth = 200;
 constexpr int manyLines = 4;
 
-bool fitsOnLine(double advance)
+auto fitsInto(double width)
 {
-    return advance < lineWidth;
+    return [width](double advance) { return advance < width; };
 }
 
-QFont closeFont(double percentage)
-{
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::PercentageSpacing, percentage);
-    return font;
-}
+const auto fitsOnLine = fitsInto(lineWidth);
 
 } // namespace
 
@@ -96,10 +91,11 @@ void tst_TextMeasure::decidesAsMeasured_data()
     QFont spaced = pixelFont();
     spaced.setWordSpacing(500);
     QTest::newRow("words far apart") << QStringLiteral("и в и на и") << spaced;
-    QTest::newRow("narrow letters") << QStringLiteral("illi").repeated(60) << closeFont(30);
-    QTest::newRow("close letters") << QStringLiteral("w").repeated(90) << closeFont(10);
-    QFont shrinking = pixelFont();
-    shrinking.setLetterSpacing(QFont::AbsoluteSpacing, -15);
+    QTest::newRow("narrow letters")
+        << QStringLiteral("illi").repeated(60) << spacedFont(QFont::PercentageSpacing, 30);
+    QTest::newRow("close letters")
+        << QStringLiteral("w").repeated(90) << spacedFont(QFont::PercentageSpacing, 10);
+    const QFont shrinking = spacedFont(QFont::AbsoluteSpacing, -15);
     QTest::newRow("letters that take room away")
         << QStringLiteral("wwwwwwwwwwwwwwwwwwwwiiiiiiiiiiiiii").repeated(4) << shrinking;
 }
@@ -130,7 +126,7 @@ void tst_TextMeasure::tabsFillALine()
     const double limit = advance(tabs, font);
     TextMeasure measure(font, limit, manyLines, Method::Ruler);
 
-    QVERIFY(!measure.decide(tabs, 0, 2, [limit](double advance) { return advance < limit; }));
+    QVERIFY(!measure.decide(tabs, 0, 2, fitsInto(limit)));
 }
 
 void tst_TextMeasure::decidesAnEmptyRangeAsOne()
@@ -164,7 +160,7 @@ void tst_TextMeasure::decidesAfterAnInsertionIntoALongLine()
 {
     QString text = QStringLiteral("ו").repeated(200);
     const double limit = advance(text);
-    const auto fits = [limit](double advance) { return advance < limit; };
+    const auto fits = fitsInto(limit);
     TextMeasure measure(pixelFont(), limit, manyLines, Method::Ruler);
     QVERIFY(measure.decide(text, 0, 90, fits));
 
@@ -181,7 +177,7 @@ void tst_TextMeasure::decidesAfterMoreWasAppended()
     constexpr qsizetype from = 5;
     QString text = QStringLiteral("ו").repeated(100);
     const double limit = 2 * advance(text);
-    const auto fits = [limit](double advance) { return advance < limit; };
+    const auto fits = fitsInto(limit);
     TextMeasure measure(pixelFont(), limit, manyLines, Method::Ruler);
     QVERIFY(measure.decide(text, from, 80, fits));
 
@@ -207,7 +203,7 @@ void tst_TextMeasure::decidesInFrontOfTheFirstLetter()
     QFETCH(QString, end);
     const QString text = QStringLiteral("\u3000").repeated(100) + end;
     const double limit = advance(text.first(95));
-    const auto fits = [limit](double advance) { return advance < limit; };
+    const auto fits = fitsInto(limit);
     TextMeasure measure(pixelFont(), limit, manyLines, Method::Ruler);
 
     for (qsizetype to = 0; to <= text.size(); ++to)
@@ -277,22 +273,21 @@ void tst_TextMeasure::looksAtTheBeginningOfALongWord()
 
 void tst_TextMeasure::looksAtAllOfALongWordThatFits()
 {
-    const QFont font = closeFont(30);
+    const QFont font = spacedFont(QFont::PercentageSpacing, 30);
     bool isLong = false;
     for (qsizetype size = 60; size < 140; ++size) {
         const QString text(size, u'i');
         const double limit = advance(text, font) + 1;
         TextMeasure measure(font, limit, manyLines, Method::Ruler);
         isLong = isLong || size > measure.mostPerLine();
-        QVERIFY(measure.decide(text, 0, size, [&](double advance) { return advance < limit; }));
+        QVERIFY(measure.decide(text, 0, size, fitsInto(limit)));
     }
     QVERIFY(isLong);
 }
 
 void tst_TextMeasure::looksAtAllWhereLettersTakeRoomAway()
 {
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, -8);
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, -8);
     const QString wide = QStringLiteral("w").repeated(150);
     const QString text = wide + QStringLiteral("i").repeated(600);
     TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
@@ -322,13 +317,12 @@ void tst_TextMeasure::measuresAheadOnALongLine()
     QFETCH(QString, word);
     QFETCH(double, spacing);
     QFETCH(Method, method);
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, spacing);
     constexpr qsizetype words = 4000;
     const QString text = word.repeated(words);
     const double limit = std::max(lineWidth, 0.9 * advance(text, font));
     TextMeasure measure(font, limit, manyLines, method);
-    const auto fits = [limit](double advance) { return advance < limit; };
+    const auto fits = fitsInto(limit);
     const int callsForAll = countShaperCalls([&] { advance(text, font); });
     if (callsForAll == 0)
         QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
@@ -356,8 +350,7 @@ void tst_TextMeasure::knowsWhereLongerIsNarrower_data()
     QTest::addColumn<QFont>("font");
 
     const QString hebrew = QStringLiteral("ש").repeated(80);
-    QFont close = pixelFont();
-    close.setLetterSpacing(QFont::AbsoluteSpacing, -8);
+    const QFont close = spacedFont(QFont::AbsoluteSpacing, -8);
     QTest::newRow("close letters") << hebrew << QStringLiteral("ו").repeated(60) << close;
     QFont closeWords = pixelFont();
     closeWords.setWordSpacing(-30);
@@ -378,7 +371,7 @@ void tst_TextMeasure::knowsWhereLongerIsNarrower()
     bool isNarrower = false;
     for (qsizetype last = beginning.size(); last < line.size(); ++last) {
         const double limit = advance(line.first(last), font);
-        const auto fits = [limit](double advance) { return advance < limit; };
+        const auto fits = fitsInto(limit);
         TextMeasure measure(font, limit, manyLines, Method::Ruler);
         for (qsizetype to = beginning.size() - 5; to <= line.size(); ++to) {
             const double width = advance(line.first(to), font);
@@ -458,8 +451,7 @@ void tst_TextMeasure::wholeTextIsWiderThanLine()
     QFETCH(QString, text);
     QFETCH(double, spacing);
     QFETCH(bool, wider);
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, spacing);
     TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
 
     measure.decide(text, 0, text.size(), fitsOnLine);

@@ -11,13 +11,6 @@ namespace {
 
 constexpr qsizetype stretchLength = 40;
 
-QFont spacedFont(QFont::SpacingType type, double spacing)
-{
-    QFont font = pixelFont();
-    font.setLetterSpacing(type, spacing);
-    return font;
-}
-
 QFont stretchedFont(int stretch, double percentage = 0)
 {
     QFont font = spacedFont(QFont::PercentageSpacing, percentage);
