@@ -378,10 +378,13 @@ int LineBreaker::hyphenationPoint()
 
 bool LineBreaker::mayForceSplit()
 {
-    const bool fitsAlone =
-        m_measure.decide(m_text, m_wordStart, m_candidate.end(),
-                         [this](double advance) { return fineWidth(advance) <= m_limits.width; });
-    return m_candidate.wordSize() >= (fitsAlone ? shortestSplitWord : shortestWideWord);
+    const qsizetype size = m_candidate.wordSize();
+    const auto fitsAlone = [this] {
+        return m_measure.decide(m_text, m_wordStart, m_candidate.end(), [this](double advance) {
+            return fineWidth(advance) <= m_limits.width;
+        });
+    };
+    return size >= shortestSplitWord || (size >= shortestWideWord && !fitsAlone());
 }
 
 qsizetype LineBreaker::forcedSplitPoint()

@@ -84,17 +84,25 @@ bool mayTurnAround(QStringView text)
     return std::ranges::any_of(text, [](QChar c) { return c >= u'\u2200' && c.hasMirrored(); });
 }
 
+// Whether a text is as wide as its pieces, but for the ends of these.
+bool addsUp(QStringView text)
+{
+    return !text.contains(endOfMeasuredText) && !mayTurnAround(text);
+}
+
+// The end, if there is none.
+qsizetype firstLetter(QStringView text, qsizetype from, qsizetype to)
+{
+    while (from < to && !isOfScript(text, from))
+        ++from;
+    return from;
+}
+
 // Up to where a longer text tells of the beginning that ends there: signs before the first letter are
 // shaped as that letter asks for.
 qsizetype endOfSameShape(QStringView text, qsizetype from, qsizetype to, qsizetype end)
 {
-    for (qsizetype i = from; i < to; ++i) {
-        if (isOfScript(text, i))
-            return end;
-    }
-    while (to < end && !isOfScript(text, to))
-        ++to;
-    return to;
+    return firstLetter(text, from, to) < to ? end : firstLetter(text, to, end);
 }
 
 } // namespace
@@ -108,7 +116,8 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
           static_cast<qsizetype>(greatestAdvance / characterWidth(font, widestAverageInEms)))
     , m_characterShrinkage(characterShrinkage(font))
     , m_tolerance(TextRuler::tolerance(font))
-    , m_joinedCharacters(joinedCharactersInEms * font.pixelSize() * horizontalScale(font))
+    , m_joinedCharacters(joinedCharactersInEms
+                         * (font.pixelSize() * horizontalScale(font) + m_characterShrinkage))
     , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
                     + fewestPerLine)
     , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
@@ -146,9 +155,8 @@ bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, Fits
     };
     if (reading && (decides(m_tolerance) || decides(m_ruler.tolerance(text, from, to))))
         return fits(*reading);
-    if (!reading && to - from >= shortestLongLine && fitsWithMore(text, from, to, fits))
-        return true;
-
+    if (!reading && to - from >= shortestLongLine)
+        return decideLongLine(text, from, to, fits);
     return fits(measureToo(text, from, to, reading));
 }
 
@@ -156,6 +164,10 @@ void TextMeasure::textInserted(qsizetype before, qsizetype size)
 {
     m_ruler.textInserted(before, size);
     m_ahead = {};
+    if (before - size < m_rest.from)
+        m_rest = {};
+    else
+        m_rest.to += size;
 }
 
 void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
@@ -175,7 +187,18 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 bool TextMeasure::isWiderThanLine(QStringView seen, qsizetype size) const
 {
     return m_usesRuler && advancesGrow() && m_widestRange > m_lineWidth + m_tolerance
-           && size <= m_mostInText && !seen.contains(endOfMeasuredText) && !mayTurnAround(seen);
+           && size <= m_mostInText && addsUp(seen);
+}
+
+bool TextMeasure::decideLongLine(const QString &text, qsizetype from, qsizetype to, Fits fits)
+{
+    if (isKnownNotToFit(text, from, to, fits))
+        return false;
+    if (fitsWithMore(text, from, to, fits))
+        return true;
+    const double advance = measure(text, from, to);
+    noteRest(text, from, to, advance);
+    return fits(advance);
 }
 
 // From what was measured ahead, with room to spare for what makes a beginning wider than all of it.
@@ -208,6 +231,27 @@ bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to
             m_ahead.mostMore = more / 2;
     }
     return true;
+}
+
+// Of a word without an end, what was left for one line tells of what is left for the next ones, until that
+// is little. Signs in front of the first letter may be others than behind one.
+bool TextMeasure::isKnownNotToFit(QStringView text, qsizetype from, qsizetype to, Fits fits) const
+{
+    if (from < m_rest.from || to != m_rest.to)
+        return false;
+    const qsizetype same = from <= m_rest.firstLetter ? from : firstLetter(text, from, to);
+    const double gone = double(same - m_rest.from) * m_widestCharacter;
+    const double shrinkage = m_joinedCharacters + double(same - from) * m_characterShrinkage;
+    return !fits(m_rest.advance - gone - shrinkage);
+}
+
+void TextMeasure::noteRest(QStringView text, qsizetype from, qsizetype to, double advance)
+{
+    const QStringView rest = text.sliced(from, to - from);
+    if (to >= m_rest.to && rest.size() <= m_mostInText && addsUp(rest)) {
+        m_rest = {
+            .from = from, .to = to, .firstLetter = firstLetter(text, from, to), .advance = advance};
+    }
 }
 
 std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)

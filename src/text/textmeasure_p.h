@@ -6,6 +6,7 @@
 #include <QtCore/qxpfunctional.h>
 #include <QtGui/qfontmetrics.h>
 
+#include <limits>
 #include <optional>
 
 namespace ovelin {
@@ -58,8 +59,20 @@ private:
         qsizetype mostMore = 0; // characters than asked for, the next time
     };
 
+    // What was measured last to know of all of its ends.
+    struct Rest
+    {
+        qsizetype from = std::numeric_limits<qsizetype>::max(); // nowhere
+        qsizetype to = -1;
+        qsizetype firstLetter = -1;
+        double advance = 0;
+    };
+
+    bool decideLongLine(const QString &text, qsizetype from, qsizetype to, Fits fits);
     bool isKnownToFit(qsizetype from, qsizetype to, Fits fits) const;
     bool fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits);
+    bool isKnownNotToFit(QStringView text, qsizetype from, qsizetype to, Fits fits) const;
+    void noteRest(QStringView text, qsizetype from, qsizetype to, double advance);
     std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
     double measure(const QString &text, qsizetype from, qsizetype to);
     double measureToo(const QString &text, qsizetype from, qsizetype to,
@@ -82,6 +95,7 @@ private:
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;
     Ahead m_ahead;
+    Rest m_rest;
 };
 
 } // namespace ovelin

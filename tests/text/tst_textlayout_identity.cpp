@@ -130,6 +130,13 @@ private:
             QStringLiteral("ΑΥΡΑ"),
         };
 
+        // Those below have to be measured; signs among their letters are shaped as these, some turned around.
+        static const QStringList alphabets{
+            QStringLiteral("абвгдейо"), QStringLiteral("abcdei"),     QStringLiteral("абвгдейо\t"),
+            QStringLiteral("שלוםןוי"),  QStringLiteral("日テの。"),   QStringLiteral("ابلاسم"),
+            QStringLiteral("שו。、"),   QStringLiteral("שו\u29f5\t"),
+        };
+
         switch (m_kind) {
         case Russian:
         case LongTexts:
@@ -156,7 +163,7 @@ private:
         case Scripts:
             return below(4) ? oneOf(scripts) : oneOf(russian);
         case LongWords:
-            return letters(below(2) ? QStringLiteral("абвгдейо") : QStringLiteral("abcdei"), 900);
+            return letters(oneOf(alphabets), 900);
         }
         return {};
     }

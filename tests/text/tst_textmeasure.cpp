@@ -50,6 +50,7 @@ private Q_SLOTS:
 
     void mostPerLineIsMoreThanALine();
     void measuresOnlyNearTheLimit();
+    void measuresNoFewCharacters();
     void looksAtTheBeginningOfALongWord_data();
     void looksAtTheBeginningOfALongWord();
     void looksAtAllOfALongWordThatFits();
@@ -58,6 +59,10 @@ private Q_SLOTS:
     void measuresAheadOnALongLine();
     void knowsWhereLongerIsNarrower_data();
     void knowsWhereLongerIsNarrower();
+    void knowsWhatIsLeft_data();
+    void knowsWhatIsLeft();
+    void measuresRarelyWhatIsLeft();
+    void forgetsWhatIsLeftAfterAnInsertionBefore();
 
     void checksTheRulerOnce();
     void findsTheRulerWrong_data();
@@ -245,6 +250,18 @@ void tst_TextMeasure::measuresOnlyNearTheLimit()
     QVERIFY(measured <= 1);
 }
 
+void tst_TextMeasure::measuresNoFewCharacters()
+{
+    const QString text = QStringLiteral("ש").repeated(100);
+    constexpr double limit = 1000;
+    TextMeasure measure(pixelFont(), limit, manyLines, Method::Ruler);
+    if (countShaperCalls([&] { advance(text); }) == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+
+    const auto decide = [&] { QVERIFY(measure.decide(text, 50, 52, fitsInto(limit))); };
+    QCOMPARE(countShaperCalls(decide), 0);
+}
+
 void tst_TextMeasure::looksAtTheBeginningOfALongWord_data()
 {
     QTest::addColumn<QString>("letter");
@@ -307,6 +324,7 @@ void tst_TextMeasure::measuresAheadOnALongLine_data()
     QTest::newRow("not readable") << hebrew << 0.0 << Method::Ruler;
     QTest::newRow("narrow letters") << QStringLiteral("ןי ") << 0.0 << Method::Ruler;
     QTest::newRow("letters that join") << QStringLiteral("السلام ") << 0.0 << Method::Ruler;
+    QTest::newRow("ideographs") << QStringLiteral("日本語 ") << 0.0 << Method::Ruler;
     QTest::newRow("all measured") << QStringLiteral("слово ") << 0.0 << Method::MeasureAll;
     QTest::newRow("close letters") << hebrew << -3.0 << Method::Ruler;
     QTest::newRow("letters that take room away") << hebrew << -30.0 << Method::Ruler;
@@ -380,6 +398,85 @@ void tst_TextMeasure::knowsWhereLongerIsNarrower()
         }
     }
     QVERIFY(isNarrower);
+}
+
+void tst_TextMeasure::knowsWhatIsLeft_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("spacing");
+
+    const QString hebrew = QStringLiteral("שלום");
+    const QString signs = QStringLiteral("\u3002").repeated(1000);
+    QTest::newRow("letters") << hebrew.repeated(500) << -1.0;
+    QTest::newRow("letters that take room away")
+        << hebrew.repeated(250) + QStringLiteral("ו").repeated(1000) << -8.0;
+    QTest::newRow("letters that join") << QStringLiteral("السلام").repeated(300) << -3.0;
+    QTest::newRow("ideographs") << QStringLiteral("日テ").repeated(1000) << -3.0;
+    QTest::newRow("pairs that are no letters")
+        << QStringLiteral("\U0001F600").repeated(1000) << -3.0;
+    QTest::newRow("signs before a letter") << signs + hebrew << -3.0;
+    QTest::newRow("signs behind a letter") << hebrew + signs << -3.0;
+    QTest::newRow("signs that a letter turns around")
+        << QStringLiteral("\u29f5").repeated(1000) + hebrew << -1.0;
+    QTest::newRow("letters, then signs of theirs")
+        << (hebrew + QStringLiteral("\u29f5").repeated(30)).repeated(50) << -1.0;
+    QTest::newRow("tabs") << QStringLiteral("ש\t").repeated(500) << -3.0;
+    QTest::newRow("a character that ends what Qt measures")
+        << hebrew.repeated(100) + u'\u009c' + hebrew.repeated(300) << -3.0;
+}
+
+void tst_TextMeasure::knowsWhatIsLeft()
+{
+    QFETCH(QString, text);
+    QFETCH(double, spacing);
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, spacing);
+    const qsizetype end = text.size();
+
+    for (const double limit : {-20.0, 30.0, lineWidth, 0.5 * advance(text, font)}) {
+        const auto fits = fitsInto(limit);
+        TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
+        for (qsizetype from = 0; from < end; from += 13) {
+            QCOMPARE(measure.decide(text, from, end, fits), fits(advance(text.sliced(from), font)));
+        }
+    }
+}
+
+void tst_TextMeasure::measuresRarelyWhatIsLeft()
+{
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, -3);
+    constexpr qsizetype perLine = 100;
+    QString text = QStringLiteral("ש").repeated(40'000);
+    const auto fits = fitsInto(advance(text.first(perLine), font));
+    const int callsForAll = countShaperCalls([&] { advance(text, font); });
+    if (callsForAll == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+    TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
+
+    int calls = 0;
+    for (qsizetype from = 0; from + 20 * perLine < text.size(); from += perLine) {
+        calls += countShaperCalls([&] { QVERIFY(!measure.decide(text, from, text.size(), fits)); });
+        QVERIFY(!measure.decide(text, from, from + perLine, fits));
+        text.insert(from + perLine - 1, lineSeparator);
+        measure.textInserted(from + perLine, 1);
+    }
+    QVERIFY(calls <= 40 * callsForAll);
+}
+
+void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionBefore()
+{
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, -10);
+    const QString narrow = QStringLiteral("ו").repeated(300);
+    constexpr qsizetype from = 50;
+    QString text = QStringLiteral("ש").repeated(500);
+    const auto fits = fitsInto(100);
+    TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
+    const bool fitted = measure.decide(text, from, text.size(), fits);
+
+    text.insert(from - 1, narrow);
+    measure.textInserted(from - 1 + narrow.size(), narrow.size());
+
+    QVERIFY(!fitted);
+    QCOMPARE(measure.decide(text, from, text.size(), fits), fits(advance(text.sliced(from), font)));
 }
 
 void tst_TextMeasure::checksTheRulerOnce()
