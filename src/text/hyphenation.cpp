@@ -63,9 +63,11 @@ QString classString(const QString &word)
 {
     QString classes;
     classes.reserve(word.size() + usualHyphenCount);
-    const QString lowerCase = word.toLower();
-    for (const QChar letter : lowerCase)
-        classes.append(hyphenationLetterClasses.value(letter, letter));
+    // Letter by letter: a word as a whole can be longer in lower case, and its places would shift.
+    for (const QChar letter : word) {
+        const QChar lowerCase = letter.toLower();
+        classes.append(hyphenationLetterClasses.value(lowerCase, lowerCase));
+    }
     return classes;
 }
 

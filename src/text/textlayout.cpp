@@ -230,16 +230,13 @@ bool LineBreaker::splitWord()
     if (!hyphenated)
         kept = mayForceSplit() ? forcedSplitPoint() : 0;
 
-    // Lower-casing can lengthen a word, and put the point behind the end of the text.
-    loadUpTo(m_wordStart + kept);
-    const qsizetype splitPoint = characterStart(std::min(m_wordStart + kept, m_text.size() - 1));
+    const qsizetype splitPoint = characterStart(m_wordStart + kept);
     if (splitPoint <= m_wordStart)
         return false;
 
     const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
     insert(splitPoint, lineEnd);
-    if (splitPoint <= m_candidate.separator)
-        m_knownSeparator = m_candidate.separator + lineEnd.size();
+    m_knownSeparator = m_candidate.separator + lineEnd.size();
     startLine(splitPoint + lineEnd.size());
     ++m_lineCount;
     return true;
@@ -359,8 +356,7 @@ int LineBreaker::hyphenationPoint()
     bool isRejected = false;
     // Also notes whether a point was seen that does not fit.
     const auto fitsWithHyphen = [&](qsizetype kept) {
-        const qsizetype end = std::min(m_wordStart + kept, m_candidate.end());
-        const bool accepted = m_measure.decide(m_text, m_lineStart, end, fits);
+        const bool accepted = m_measure.decide(m_text, m_lineStart, m_wordStart + kept, fits);
         isRejected = !accepted && kept <= mostKept;
         return accepted;
     };
@@ -447,10 +443,9 @@ qsizetype LineBreaker::characterStart(qsizetype position) const
     return isInsidePair ? position - 1 : position;
 }
 
-// A range that ends before it begins is empty.
 QString LineBreaker::range(qsizetype from, qsizetype to) const
 {
-    return m_text.mid(from, std::max<qsizetype>(0, to - from));
+    return m_text.mid(from, to - from);
 }
 
 } // namespace

@@ -42,7 +42,8 @@ QString classString(const QString &word)
     const QString signs = QStringLiteral("йьъ");
 
     QString classes;
-    for (const QChar letter : word.toLower()) {
+    for (const QChar c : word) {
+        const QChar letter = c.toLower();
         if (vowels.contains(letter))
             classes += u'g';
         else if (consonants.contains(letter))

@@ -58,7 +58,7 @@ private Q_SLOTS:
     void nothingFitsIsNotTheSameAsNoPlace();
     void measuresTheLineNotOnlyTheWord();
     void acceptsAPrefixBeforeTheStartOfTheLine();
-    void followsTheLowerCasedWordWhereItsLengthChanges();
+    void countsLettersThatAreLongerInLowerCaseOnce();
     void agreesOnEveryClassString();
 };
 
@@ -266,14 +266,14 @@ void tst_Hyphenation::acceptsAPrefixBeforeTheStartOfTheLine()
     QCOMPARE(pointAt(line, longWord, -1, places), 2);
 }
 
-void tst_Hyphenation::followsTheLowerCasedWordWhereItsLengthChanges()
+void tst_Hyphenation::countsLettersThatAreLongerInLowerCaseOnce()
 {
     const QString word = QStringLiteral("İпрограмма ");
     QCOMPARE(word.toLower().size(), word.size() + 1);
-    QCOMPARE(pointAt(word, word, 0, unlimited), 9);
+    QCOMPARE(pointAt(word, word, 0, unlimited), int(QStringLiteral("İпрограм").size()));
 
     const QString shortWord = QStringLiteral("İİİ-");
-    QCOMPARE(pointAt(shortWord, shortWord, 0, unlimited), 6);
+    QCOMPARE(pointAt(shortWord, shortWord, 0, unlimited), 3);
 }
 
 void tst_Hyphenation::agreesOnEveryClassString()

@@ -329,6 +329,7 @@ private Q_SLOTS:
     void reachesWhatCountingReaches();
     void agreesOnRareWords_data();
     void agreesOnRareWords();
+    void agreesWhereAHyphenFillsTheLine();
     void agreesInExtremelySetFonts_data();
     void agreesInExtremelySetFonts();
     void agreesInFontsOfExtremeSizes_data();
@@ -747,6 +748,12 @@ void tst_TextLayoutIdentity::agreesOnRareWords_data()
         << QStringLiteral("слово ").repeated(85) + QStringLiteral("да") << pixelFont();
     QTest::newRow("first place for a hyphen far behind the line")
         << QString(300, u'ш') + QStringLiteral("сообщение") << pixelFont();
+    QTest::newRow("surrogate pairs between letters")
+        << QStringLiteral("\U0001F600ш").repeated(6) << pixelFont(60);
+    QTest::newRow("places for hyphens far from each other")
+        << QStringLiteral("сообщение") + QString(250, u'т') + QStringLiteral("сообщение")
+               + QString(100, u'ш')
+        << spacedFont(QFont::AbsoluteSpacing, -12);
 }
 
 void tst_TextLayoutIdentity::agreesOnRareWords()
@@ -758,6 +765,20 @@ void tst_TextLayoutIdentity::agreesOnRareWords()
     input.text = text;
     input.font = font;
     compareInBoxes(input, widthsBelow(140, 4), {2, 4, most});
+}
+
+void tst_TextLayoutIdentity::agreesWhereAHyphenFillsTheLine()
+{
+    ReferenceInput input;
+    input.text = QStringLiteral("сообщение");
+    input.font = pixelFont(97);
+    const double hyphenWidth = advance(QStringLiteral("-"), input.font);
+    QCOMPARE(hyphenWidth, std::floor(hyphenWidth));
+
+    QList<int> widths;
+    for (qsizetype kept = 1; kept < input.text.size(); ++kept)
+        widths.append(fineWidth(input.text.first(kept), input.font) + int(hyphenWidth));
+    compareInBoxes(input, widths, {2, most});
 }
 
 // Qt's positions overflow in such a font.
