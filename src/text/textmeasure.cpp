@@ -58,7 +58,7 @@ double characterShrinkage(const QFont &font)
 
 double usualPerLine(const QFont &font, double lineWidth)
 {
-    return std::min(lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize())), longestLine);
+    return std::min(lineWidth / (usualCharacterInEms * font.pixelSize()), longestLine);
 }
 
 qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
@@ -82,12 +82,6 @@ bool isOfScript(QStringView text, qsizetype position)
 bool mayTurnAround(QStringView text)
 {
     return std::ranges::any_of(text, [](QChar c) { return c >= u'\u2200' && c.hasMirrored(); });
-}
-
-// Whether a text is as wide as its pieces, but for the ends of these.
-bool addsUp(QStringView text)
-{
-    return !text.contains(endOfMeasuredText) && !mayTurnAround(text);
 }
 
 // The end, if there is none.
@@ -187,7 +181,7 @@ void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
 bool TextMeasure::isWiderThanLine(QStringView seen, qsizetype size) const
 {
     return m_usesRuler && advancesGrow() && m_widestRange > m_lineWidth + m_tolerance
-           && size <= m_mostInText && addsUp(seen);
+           && size <= m_mostInText && !seen.contains(endOfMeasuredText) && !mayTurnAround(seen);
 }
 
 bool TextMeasure::decideLongLine(const QString &text, qsizetype from, qsizetype to, Fits fits)
@@ -240,15 +234,14 @@ bool TextMeasure::isKnownNotToFit(QStringView text, qsizetype from, qsizetype to
     if (from < m_rest.from || to != m_rest.to)
         return false;
     const qsizetype same = from <= m_rest.firstLetter ? from : firstLetter(text, from, to);
-    const double gone = double(same - m_rest.from) * m_widestCharacter;
-    const double shrinkage = m_joinedCharacters + double(same - from) * m_characterShrinkage;
-    return !fits(m_rest.advance - gone - shrinkage);
+    const double mostGone = double(same - m_rest.from) * (m_widestCharacter + m_characterShrinkage);
+    return !fits(m_rest.advance - mostGone - m_joinedCharacters);
 }
 
 void TextMeasure::noteRest(QStringView text, qsizetype from, qsizetype to, double advance)
 {
     const QStringView rest = text.sliced(from, to - from);
-    if (to >= m_rest.to && rest.size() <= m_mostInText && addsUp(rest)) {
+    if (to >= m_rest.to && rest.size() <= m_mostInText && !mayTurnAround(rest)) {
         m_rest = {
             .from = from, .to = to, .firstLetter = firstLetter(text, from, to), .advance = advance};
     }
