@@ -137,6 +137,7 @@ private Q_SLOTS:
     void alignsVertically_data();
     void alignsVertically();
     void leavesVerticalPositionOfUnalignedText();
+    void hasNoHeightToAlignInAtFirst();
     void resetsVerticalPositionWithoutABox();
     void alignsHorizontally_data();
     void alignsHorizontally();
@@ -872,6 +873,14 @@ void tst_TextRenderer::leavesVerticalPositionOfUnalignedText()
     renderer.setAvailableHeight(height + 1);
     renderer.relayout();
     QCOMPARE(renderer.alignedTextTopLeft().y(), 1);
+}
+
+void tst_TextRenderer::hasNoHeightToAlignInAtFirst()
+{
+    TextRenderer renderer;
+    renderer.setTextAlignment(Qt::AlignVCenter);
+    prepare(renderer, QStringLiteral("a"));
+    QCOMPARE(renderer.alignedTextTopLeft().y(), 0);
 }
 
 void tst_TextRenderer::resetsVerticalPositionWithoutABox()
