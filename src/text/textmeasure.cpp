@@ -19,6 +19,10 @@ constexpr double greatestAdvance = 1 << 25;
 // What comes behind it is not measured: Qt takes it for a shorter form of the text.
 constexpr char16_t endOfMeasuredText = u'\u009c';
 
+// The second halves of the pairs from REGIONAL INDICATOR SYMBOL LETTER A to Z.
+constexpr char16_t firstOfRegion = QChar::lowSurrogate(0x1f1e6);
+constexpr char16_t lastOfRegion = QChar::lowSurrogate(0x1f1ff);
+
 // Letters of most scripts are a little over half as wide as high.
 constexpr double usualCharacterInEms = 0.55;
 
@@ -33,6 +37,9 @@ constexpr qsizetype longestUsualStretch = 256;
 
 // As many emoji of families, which end as one.
 constexpr double joinedCharactersInEms = 4;
+
+// Qt has longer texts shaped in pieces of so many characters, and these do not join.
+constexpr qsizetype longestShaped = 4096;
 
 // On a shorter line what is measured ahead saves nothing.
 constexpr qsizetype shortestLongLine = 64;
@@ -69,12 +76,29 @@ qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
         std::min<double>(usualPerLine(font, lineWidth) * maxLineCount, longestUsualStretch));
 }
 
-bool isOfScript(QStringView text, qsizetype position)
+char32_t characterAt(QStringView text, qsizetype position)
 {
     const QChar c = text.at(position);
     const bool isPair = c.isHighSurrogate() && position + 1 < text.size();
-    const char32_t code = isPair ? QChar::surrogateToUcs4(c, text.at(position + 1)) : c.unicode();
-    return QChar::script(code) > QChar::Script_Common;
+    return isPair ? QChar::surrogateToUcs4(c, text.at(position + 1)) : c.unicode();
+}
+
+bool hasScript(char32_t c)
+{
+    return QChar::script(c) > QChar::Script_Common;
+}
+
+bool isLetter(char32_t c)
+{
+    return hasScript(c) && !QChar::isMark(c);
+}
+
+// Returns the end, if there is none.
+qsizetype find(QStringView text, qsizetype from, qsizetype to, bool (*is)(char32_t))
+{
+    while (from < to && !is(characterAt(text, from)))
+        ++from;
+    return from;
 }
 
 // A letter behind such signs may turn them around, into wider or narrower ones. The brackets below are as
@@ -84,19 +108,21 @@ bool mayTurnAround(QStringView text)
     return std::ranges::any_of(text, [](QChar c) { return c >= u'\u2200' && c.hasMirrored(); });
 }
 
-// The end, if there is none.
-qsizetype firstLetter(QStringView text, qsizetype from, qsizetype to)
+// The end of a text that holds such characters may be another one by itself: a tab reaches up to a stop,
+// controls of the direction act on all behind them, two signs of regions make a flag, and what is behind the
+// end of the measured text has not been measured.
+bool dependsOnBeginning(QChar c)
 {
-    while (from < to && !isOfScript(text, from))
-        ++from;
-    return from;
+    const auto isBetween = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
+    return c == u'\t' || c == endOfMeasuredText || isBetween(u'\u202a', u'\u202e')
+           || isBetween(u'\u2066', u'\u2069') || isBetween(firstOfRegion, lastOfRegion);
 }
 
 // Up to where a longer text tells of the beginning that ends there: signs before the first letter are
 // shaped as that letter asks for.
 qsizetype endOfSameShape(QStringView text, qsizetype from, qsizetype to, qsizetype end)
 {
-    return firstLetter(text, from, to) < to ? end : firstLetter(text, to, end);
+    return find(text, from, to, hasScript) < to ? end : find(text, to, end, hasScript);
 }
 
 } // namespace
@@ -158,10 +184,11 @@ void TextMeasure::textInserted(qsizetype before, qsizetype size)
 {
     m_ruler.textInserted(before, size);
     m_ahead = {};
-    if (before - size < m_rest.from)
-        m_rest = {};
+    const qsizetype position = before - size;
+    if (m_rest && position >= m_rest->from && position < m_rest->to)
+        m_rest->to += size;
     else
-        m_rest.to += size;
+        m_rest.reset();
 }
 
 void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
@@ -228,23 +255,34 @@ bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to
 }
 
 // Of a word without an end, what was left for one line tells of what is left for the next ones, until that
-// is little. Signs in front of the first letter may be others than behind one.
+// is little. Signs in front of its first letter are not counted where they had a letter in front of them:
+// they are shaped as that one asks for.
 bool TextMeasure::isKnownNotToFit(QStringView text, qsizetype from, qsizetype to, Fits fits) const
 {
-    if (from < m_rest.from || to != m_rest.to)
+    if (!m_rest || from < m_rest->from || to != m_rest->to)
         return false;
-    const qsizetype same = from <= m_rest.firstLetter ? from : firstLetter(text, from, to);
-    const double mostGone = double(same - m_rest.from) * (m_widestCharacter + m_characterShrinkage);
-    return !fits(m_rest.advance - mostGone - m_joinedCharacters);
+    if (text.sliced(from, to - from).isRightToLeft() != m_rest->isRightToLeft)
+        return false;
+    const qsizetype same = from <= m_rest->firstOfScript ? from : find(text, from, to, isLetter);
+    const double mostGone =
+        double(same - m_rest->from) * (m_widestCharacter + m_characterShrinkage);
+    const auto pieces = double((to - m_rest->from) / longestShaped + 1);
+    return !fits(m_rest->advance - mostGone - pieces * m_joinedCharacters);
 }
 
+// Only what ends farther than what was noted: the beginnings of its lines are measured, too.
 void TextMeasure::noteRest(QStringView text, qsizetype from, qsizetype to, double advance)
 {
     const QStringView rest = text.sliced(from, to - from);
-    if (to >= m_rest.to && rest.size() <= m_mostInText && !mayTurnAround(rest)) {
-        m_rest = {
-            .from = from, .to = to, .firstLetter = firstLetter(text, from, to), .advance = advance};
+    if (advancesGrow() || (m_rest && to < m_rest->to) || rest.size() > m_mostInText
+        || std::ranges::any_of(rest, dependsOnBeginning)) {
+        return;
     }
+    m_rest = {.from = from,
+              .to = to,
+              .firstOfScript = find(text, from, to, hasScript),
+              .isRightToLeft = rest.isRightToLeft(),
+              .advance = advance};
 }
 
 std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)

@@ -6,7 +6,6 @@
 #include <QtCore/qxpfunctional.h>
 #include <QtGui/qfontmetrics.h>
 
-#include <limits>
 #include <optional>
 
 namespace ovelin {
@@ -62,10 +61,11 @@ private:
     // What was measured last to know of all of its ends.
     struct Rest
     {
-        qsizetype from = std::numeric_limits<qsizetype>::max(); // nowhere
-        qsizetype to = -1;
-        qsizetype firstLetter = -1;
-        double advance = 0;
+        qsizetype from;
+        qsizetype to;
+        qsizetype firstOfScript; // `to`, if no character has one
+        bool isRightToLeft;
+        double advance;
     };
 
     bool decideLongLine(const QString &text, qsizetype from, qsizetype to, Fits fits);
@@ -95,7 +95,7 @@ private:
     bool m_rulerIsWrong = false;
     double m_widestRange = 0;
     Ahead m_ahead;
-    Rest m_rest;
+    std::optional<Rest> m_rest;
 };
 
 } // namespace ovelin

@@ -1,4 +1,5 @@
 #include "kernedfont.h"
+#include "support/reducedrun.h"
 #include "support/shapercalls.h"
 #include "text/textmeasure_p.h"
 #include "textsupport.h"
@@ -63,7 +64,8 @@ private Q_SLOTS:
     void knowsWhatIsLeft();
     void measuresRarelyWhatIsLeft_data();
     void measuresRarelyWhatIsLeft();
-    void forgetsWhatIsLeftAfterAnInsertionBefore();
+    void forgetsWhatIsLeftAfterAnInsertionElsewhere_data();
+    void forgetsWhatIsLeftAfterAnInsertionElsewhere();
 
     void checksTheRulerOnce();
     void findsTheRulerWrong_data();
@@ -421,15 +423,23 @@ void tst_TextMeasure::knowsWhatIsLeft_data()
     QTest::newRow("ideographs") << QStringLiteral("日テ").repeated(1000) << -3.0;
     QTest::newRow("pairs that are no letters")
         << QStringLiteral("\U0001F600").repeated(1000) << -3.0;
-    QTest::newRow("tabs") << QStringLiteral("ש\t").repeated(500) << -3.0;
-    QTest::newRow("a character that ends what Qt measures")
-        << hebrew.repeated(100) + u'\u009c' + hebrew.repeated(300) << -3.0;
+    QTest::newRow("letters far apart") << QStringLiteral("ـ\u200e\u200d").repeated(300) << 100.0;
+    // Each reaches up to a stop from 0 on, and up to 0 from a little before it.
+    QTest::newRow("tabs") << QStringLiteral("\tו").repeated(100)
+                          << -advance(QStringLiteral("ו")) - 0.625;
+    QTest::newRow("behind what Qt measures") << u'\u009c' + hebrew.repeated(100) << -20.0;
+    QTest::newRow("behind an isolate")
+        << u'\u2066' + QStringLiteral("\u29f5").repeated(1000) + u'\u2069' + hebrew << -1.0;
+    QTest::newRow("behind a control of the direction")
+        << u'\u202e' + QStringLiteral("LTa").repeated(300) + hebrew << -6.0;
 
     // Signs of no script take that of the letter in front of them, or of the first one.
     const QString letter = QStringLiteral("क");
     const QString signs = QStringLiteral("\u3002").repeated(1000);
     QTest::newRow("signs before a letter") << signs + letter << -3.0;
     QTest::newRow("signs behind a letter") << letter + signs << -3.0;
+    QTest::newRow("signs behind a mark of another script")
+        << letter + u'\u05b7' + QString(300, u'.') << -3.0;
     QTest::newRow("signs among letters") << (letter + signs.first(30)).repeated(50) << -3.0;
     QTest::newRow("signs that the first letter turns around")
         << QStringLiteral("aש") + QStringLiteral("\u29f5").repeated(1000) << -1.0;
@@ -442,7 +452,7 @@ void tst_TextMeasure::knowsWhatIsLeft()
     const QFont font = spacedFont(QFont::AbsoluteSpacing, spacing);
     const qsizetype end = text.size();
 
-    for (qsizetype gone = 1; gone < end; gone += 1 + gone / 4) {
+    for (qsizetype gone = 1; gone < end; gone += 1 + gone / (isRunReduced() ? 1 : 4)) {
         const double left = advance(text.sliced(gone), font);
         for (const double limit : {left - 1, left + 1}) {
             TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
@@ -485,21 +495,31 @@ void tst_TextMeasure::measuresRarelyWhatIsLeft()
     QVERIFY(calls <= 60 * callsForAll);
 }
 
-void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionBefore()
+void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionElsewhere_data()
 {
+    QTest::addColumn<qsizetype>("position");
+
+    QTest::newRow("in front of it") << qsizetype(49);
+    QTest::newRow("at its end") << qsizetype(500);
+    QTest::newRow("behind it") << qsizetype(501);
+}
+
+void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionElsewhere()
+{
+    QFETCH(qsizetype, position);
     const QFont font = spacedFont(QFont::AbsoluteSpacing, -10);
     const QString narrow = QStringLiteral("ו").repeated(300);
     constexpr qsizetype from = 50;
-    QString text = QStringLiteral("ש").repeated(500);
-    const auto fits = fitsInto(100);
+    constexpr qsizetype to = 500;
+    const qsizetype moved = to + narrow.size();
+    const QString text = QStringLiteral("ש").repeated(to) + narrow;
+    const QString changed = QString(text).insert(position, narrow);
+    const auto fits = fitsInto(advance(changed.sliced(from, moved - from), font) + 1);
     TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
-    const bool fitted = measure.decide(text, from, text.size(), fits);
 
-    text.insert(from - 1, narrow);
-    measure.textInserted(from - 1 + narrow.size(), narrow.size());
-
-    QVERIFY(!fitted);
-    QCOMPARE(measure.decide(text, from, text.size(), fits), fits(advance(text.sliced(from), font)));
+    QVERIFY(!measure.decide(text, from, to, fits));
+    measure.textInserted(position + narrow.size(), narrow.size());
+    QVERIFY(measure.decide(changed, from, moved, fits));
 }
 
 void tst_TextMeasure::checksTheRulerOnce()
