@@ -266,8 +266,8 @@ bool TextMeasure::isKnownNotToFit(QStringView text, qsizetype from, qsizetype to
     const qsizetype same = from <= m_rest->firstOfScript ? from : find(text, from, to, isLetter);
     const double mostGone =
         double(same - m_rest->from) * (m_widestCharacter + m_characterShrinkage);
-    const auto pieces = double((to - m_rest->from) / longestShaped + 1);
-    return !fits(m_rest->advance - mostGone - pieces * m_joinedCharacters);
+    const qsizetype pieces = (to - m_rest->from) / longestShaped + 1;
+    return !fits(m_rest->advance - mostGone - double(pieces) * m_joinedCharacters);
 }
 
 // Only what ends farther than what was noted: the beginnings of its lines are measured, too.
