@@ -65,7 +65,7 @@ double characterShrinkage(const QFont &font)
 
 double usualPerLine(const QFont &font, double lineWidth)
 {
-    return std::min(lineWidth / (usualCharacterInEms * font.pixelSize()), longestLine);
+    return std::min(lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize())), longestLine);
 }
 
 qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
