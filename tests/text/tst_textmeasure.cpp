@@ -428,9 +428,10 @@ void tst_TextMeasure::knowsWhatIsLeft_data()
     QTest::newRow("tabs") << QStringLiteral("\tו").repeated(100)
                           << -advance(QStringLiteral("ו")) - 0.625;
     QTest::newRow("behind what Qt measures") << u'\u009c' + hebrew.repeated(100) << -20.0;
-    QTest::newRow("behind an isolate")
-        << u'\u2066' + QStringLiteral("\u29f5").repeated(1000) + u'\u2069' + hebrew << -1.0;
-    QTest::newRow("behind a control of the direction")
+    const QString turning = QStringLiteral("\u29f5").repeated(1000);
+    QTest::newRow("behind an isolate") << u'\u2066' + turning + u'\u2069' + hebrew << -1.0;
+    QTest::newRow("behind an embedding") << u'\u202a' + turning + hebrew << -1.0;
+    QTest::newRow("behind an override")
         << u'\u202e' + QStringLiteral("LTa").repeated(300) + hebrew << -6.0;
 
     // Signs of no script take that of the letter in front of them, or of the first one.
@@ -442,7 +443,7 @@ void tst_TextMeasure::knowsWhatIsLeft_data()
         << letter + u'\u05b7' + QString(300, u'.') << -3.0;
     QTest::newRow("signs among letters") << (letter + signs.first(30)).repeated(50) << -3.0;
     QTest::newRow("signs that the first letter turns around")
-        << QStringLiteral("aש") + QStringLiteral("\u29f5").repeated(1000) << -1.0;
+        << QStringLiteral("aש") + turning << -1.0;
 }
 
 void tst_TextMeasure::knowsWhatIsLeft()
