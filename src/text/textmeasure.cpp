@@ -274,7 +274,7 @@ bool TextMeasure::isKnownNotToFit(QStringView text, qsizetype from, qsizetype to
 void TextMeasure::noteRest(QStringView text, qsizetype from, qsizetype to, double advance)
 {
     const QStringView rest = text.sliced(from, to - from);
-    if (advancesGrow() || (m_rest && to < m_rest->to) || rest.size() > m_mostInText
+    if (advancesGrow() || (m_rest && to < m_rest->to)
         || std::ranges::any_of(rest, dependsOnBeginning)) {
         return;
     }

@@ -423,6 +423,8 @@ void tst_TextMeasure::knowsWhatIsLeft_data()
     QTest::newRow("ideographs") << QStringLiteral("日テ").repeated(1000) << -3.0;
     QTest::newRow("pairs that are no letters")
         << QStringLiteral("\U0001F600").repeated(1000) << -3.0;
+    QTest::newRow("pairs of regions")
+        << QStringLiteral("\U0001F1F7\U0001F1FA").repeated(300) << -3.0;
     QTest::newRow("letters far apart") << QStringLiteral("ـ\u200e\u200d").repeated(300) << 100.0;
     // Each reaches up to a stop from 0 on, and up to 0 from a little before it.
     QTest::newRow("tabs") << QStringLiteral("\tו").repeated(100)
@@ -458,7 +460,7 @@ void tst_TextMeasure::knowsWhatIsLeft()
         for (const double limit : {left - 1, left + 1}) {
             TextMeasure measure(font, lineWidth, manyLines, Method::Ruler);
             const auto fits = fitsInto(limit);
-            for (const qsizetype from : {qsizetype(0), gone - 1, gone})
+            for (const qsizetype from : {qsizetype(0), gone - 1, gone, qsizetype(0)})
                 QCOMPARE(measure.decide(text, from, end, fits),
                          fits(advance(text.sliced(from), font)));
         }
