@@ -25,7 +25,7 @@ namespace {
 
 constexpr qsizetype longestText = 100'000;
 constexpr qsizetype longestRichText = 2000;
-constexpr qsizetype longestTightText = 30'000;
+constexpr qsizetype longestTightText = 10'000;
 constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
 constexpr qsizetype mostCharacters = 300'000; // laid out for one input
@@ -168,7 +168,8 @@ bool Subject::isTooMuchForQt() const
 }
 
 // Letters that are set closer than they are wide may take hardly any room: where a word is split, each of
-// the thousands that a line holds is tried.
+// the thousands that a line holds is tried. And behind tabs and controls of the direction all that is left
+// of a word is measured for each of its lines.
 bool Subject::mayShrink() const
 {
     const QFont font = m_renderer.textFont();

@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <bit>
+#include <cmath>
 #include <limits>
 
 using namespace ovelin;
@@ -570,8 +571,16 @@ void tst_TextMeasure::findsTheRulerWrong()
     const QString text = QStringLiteral("q w");
     TextMeasure measure(font, 10, 2, method);
     measure.checkOnce(text, 0, 1);
-
     QCOMPARE(measure.isRulerWrong(), wrong);
+
+    // Next to what is read only measuring decides.
+    for (const qsizetype size : {1, 64}) {
+        const QString word(size, u'q');
+        const double limit = advance(word, font) + std::copysign(3, kerning);
+        TextMeasure deciding(font, limit, 2, method);
+        deciding.decide(word + u' ', 0, size, fitsInto(limit));
+        QCOMPARE(deciding.isRulerWrong(), wrong);
+    }
 }
 
 void tst_TextMeasure::wholeTextIsWiderThanLine_data()
