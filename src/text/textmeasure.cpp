@@ -131,7 +131,6 @@ TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, 
     : m_metrics(font)
     , m_lineWidth(lineWidth)
     , m_widestCharacter(characterWidth(font, widestCharacterInEms))
-    , m_mostMeasurable(static_cast<qsizetype>(greatestAdvance / m_widestCharacter))
     , m_mostInText(
           static_cast<qsizetype>(greatestAdvance / characterWidth(font, widestAverageInEms)))
     , m_characterShrinkage(characterShrinkage(font))
@@ -232,13 +231,16 @@ bool TextMeasure::isKnownToFit(qsizetype from, qsizetype to, Fits fits) const
 }
 
 // Of a long line twice as much is measured as is asked for, and less and less ahead where that is too
-// much, so that the measurements are few however many words stand on it.
+// much, so that the measurements are few however many words stand on it; and no more than can be without
+// an overflow.
 bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits)
 {
     if (from != m_ahead.from)
-        m_ahead = {.from = from, .mostMore = text.size()};
+        m_ahead = {.from = from, .to = from, .mostMore = text.size()};
     while (!isKnownToFit(from, to, fits)) {
-        const qsizetype room = m_mostMeasurable - (to - from);
+        const auto unknown = double(std::max<qsizetype>(0, to - m_ahead.to));
+        const auto room = static_cast<qsizetype>(
+            (greatestAdvance - m_ahead.advance) / m_widestCharacter - unknown);
         const qsizetype more = std::min({m_ahead.mostMore, to - from, text.size() - to, room});
         if (more < fewestAhead)
             return false;

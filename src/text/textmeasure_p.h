@@ -81,8 +81,7 @@ private:
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
     const double m_widestCharacter;
-    const qsizetype m_mostMeasurable; // of the widest characters
-    const qsizetype m_mostInText;     // of any, without an overflow
+    const qsizetype m_mostInText; // without an overflow
     const double m_characterShrinkage;
     const double m_tolerance; // of the ruler
     const double m_joinedCharacters;

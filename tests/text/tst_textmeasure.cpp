@@ -330,15 +330,17 @@ void tst_TextMeasure::measuresAheadOnALongLine_data()
     QTest::addColumn<QString>("word");
     QTest::addColumn<double>("spacing");
     QTest::addColumn<Method>("method");
+    QTest::addColumn<int>("pixelSize");
 
     const QString hebrew = QStringLiteral("שלום ");
-    QTest::newRow("not readable") << hebrew << 0.0 << Method::Ruler;
-    QTest::newRow("narrow letters") << QStringLiteral("ןי ") << 0.0 << Method::Ruler;
-    QTest::newRow("letters that join") << QStringLiteral("السلام ") << 0.0 << Method::Ruler;
-    QTest::newRow("ideographs") << QStringLiteral("日本語 ") << 0.0 << Method::Ruler;
-    QTest::newRow("all measured") << QStringLiteral("слово ") << 0.0 << Method::MeasureAll;
-    QTest::newRow("close letters") << hebrew << -3.0 << Method::Ruler;
-    QTest::newRow("letters that take room away") << hebrew << -30.0 << Method::Ruler;
+    QTest::newRow("not readable") << hebrew << 0.0 << Method::Ruler << 20;
+    QTest::newRow("narrow letters") << QStringLiteral("ןי ") << 0.0 << Method::Ruler << 20;
+    QTest::newRow("letters that join") << QStringLiteral("السلام ") << 0.0 << Method::Ruler << 20;
+    QTest::newRow("ideographs") << QStringLiteral("日本語 ") << 0.0 << Method::Ruler << 20;
+    QTest::newRow("all measured") << QStringLiteral("слово ") << 0.0 << Method::MeasureAll << 20;
+    QTest::newRow("close letters") << hebrew << -3.0 << Method::Ruler << 20;
+    QTest::newRow("large letters") << hebrew << 0.0 << Method::Ruler << 200;
+    QTest::newRow("letters that take room away") << hebrew << -30.0 << Method::Ruler << 20;
 }
 
 void tst_TextMeasure::measuresAheadOnALongLine()
@@ -346,7 +348,9 @@ void tst_TextMeasure::measuresAheadOnALongLine()
     QFETCH(QString, word);
     QFETCH(double, spacing);
     QFETCH(Method, method);
-    const QFont font = spacedFont(QFont::AbsoluteSpacing, spacing);
+    QFETCH(int, pixelSize);
+    QFont font = spacedFont(QFont::AbsoluteSpacing, spacing);
+    font.setPixelSize(pixelSize);
     constexpr qsizetype words = 4000;
     const QString text = word.repeated(words);
     const double limit = std::max(lineWidth, 0.9 * advance(text, font));
