@@ -25,7 +25,8 @@ namespace {
 
 constexpr qsizetype longestText = 100'000;
 constexpr qsizetype longestRichText = 2000;
-constexpr qsizetype longestTightText = 10'000;
+constexpr qsizetype longestMeasuredText = 10'000;
+constexpr int largestFont = 1'000'000; // whose advances Qt can hold
 constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
 constexpr qsizetype mostCharacters = 300'000; // laid out for one input
@@ -81,7 +82,7 @@ private:
     void set(FuzzedDataProvider &data);
     void layOut(qsizetype &charactersLeft);
     bool isTooMuchForQt() const;
-    bool mayShrink() const;
+    bool isTooMuchToMeasure() const;
     void compare() const;
     void paint(FuzzedDataProvider &data) const;
 
@@ -146,7 +147,7 @@ void Subject::set(FuzzedDataProvider &data)
 
 void Subject::layOut(qsizetype &charactersLeft)
 {
-    if (isTooMuchForQt() || mayShrink() || m_renderer.text().size() > charactersLeft)
+    if (isTooMuchForQt() || isTooMuchToMeasure() || m_renderer.text().size() > charactersLeft)
         return;
     const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
     charactersLeft -= laysOut ? m_renderer.text().size() : 0;
@@ -169,12 +170,13 @@ bool Subject::isTooMuchForQt() const
 
 // Letters that are set closer than they are wide may take hardly any room: where a word is split, each of
 // the thousands that a line holds is tried. And behind tabs and controls of the direction all that is left
-// of a word is measured for each of its lines.
-bool Subject::mayShrink() const
+// of a word is measured for each of its lines. In larger fonts no advance tells anything of another one.
+bool Subject::isTooMuchToMeasure() const
 {
     const QFont font = m_renderer.textFont();
     const bool isTight = font.letterSpacing() < 0 || font.wordSpacing() < 0;
-    return isTight && m_renderer.text().size() > longestTightText;
+    const bool isTooLarge = font.pixelSize() > largestFont;
+    return (isTight || isTooLarge) && m_renderer.text().size() > longestMeasuredText;
 }
 
 void Subject::compare() const
