@@ -527,6 +527,8 @@ void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionElsewhere()
 
     QVERIFY(!measure.decide(text, from, to, fits));
     measure.textInserted(position + narrow.size(), narrow.size());
+    QCOMPARE(measure.decide(changed, from, to, fits),
+             fits(advance(changed.sliced(from, to - from), font)));
     QVERIFY(measure.decide(changed, from, moved, fits));
 }
 
