@@ -375,12 +375,10 @@ int LineBreaker::hyphenationPoint()
 bool LineBreaker::mayForceSplit()
 {
     const qsizetype size = m_candidate.wordSize();
-    const auto fitsAlone = [this] {
-        return m_measure.decide(m_text, m_wordStart, m_candidate.end(), [this](double advance) {
-            return fineWidth(advance) <= m_limits.width;
-        });
-    };
-    return size >= shortestSplitWord || (size >= shortestWideWord && !fitsAlone());
+    const auto fits = [this](double advance) { return fineWidth(advance) <= m_limits.width; };
+    return size >= shortestSplitWord
+           || (size >= shortestWideWord
+               && !m_measure.decide(m_text, m_wordStart, m_candidate.end(), fits));
 }
 
 qsizetype LineBreaker::forcedSplitPoint()
