@@ -328,8 +328,7 @@ void tst_TextLayout::elidedTextKeepsTheLimit()
 void tst_TextLayout::cutsOneMoreWhereTheEllipsisOverhangs()
 {
     // Qt leaves the spacing behind the ellipsis out when it looks for the place to cut.
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 10);
+    QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
     const QFontMetricsF metrics(font);
     const QString line = QStringLiteral("aaaaaaaa ");
 
@@ -369,8 +368,7 @@ void tst_TextLayout::isEmptyWhereNotEvenTheEllipsisFits()
 
 void tst_TextLayout::ellipsisAloneOverhangs()
 {
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 10);
+    QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
     const QFontMetricsF metrics(font);
     const int width = static_cast<int>(std::ceil(advance(ellipsisText)));
     QCOMPARE(metrics.elidedText(QStringLiteral("aaaa "), Qt::ElideRight, width), ellipsisText);

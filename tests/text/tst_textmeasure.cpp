@@ -484,9 +484,9 @@ void tst_TextMeasure::measuresRarelyWhatIsLeft_data()
 
 void tst_TextMeasure::measuresRarelyWhatIsLeft()
 {
+    QFETCH(QString, text);
     const QFont font = spacedFont(QFont::AbsoluteSpacing, -3);
     constexpr qsizetype perLine = 100;
-    QFETCH(QString, text);
     const auto fits = fitsInto(advance(text.first(perLine - 10), font));
     const int callsForAll = countShaperCalls([&] { advance(text, font); });
     if (callsForAll == 0)

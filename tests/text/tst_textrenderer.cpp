@@ -1706,8 +1706,7 @@ void tst_TextRenderer::extremePositionsAreSafe()
 // A text can be so tight that it ends far left of its beginning, and its width is below zero.
 void tst_TextRenderer::extremeLetterSpacingIsSafe()
 {
-    QFont font = pixelFont();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, -1e6);
+    QFont font = spacedFont(QFont::AbsoluteSpacing, -1e6);
     const QString text = QStringLiteral("слово");
     const double width = fineWidth(text, font);
     QVERIFY(width < 0);
