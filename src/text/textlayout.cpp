@@ -29,7 +29,7 @@ constexpr qsizetype shortestWideWord = 2;
 // What is taken of the text at first, in characters; more is where the lines want it.
 constexpr qsizetype shortestLoad = 512;
 
-// How often a hyphen is moved to yet another line before the text is cut there.
+// How often a hyphen is moved to yet another line, up to a limit, before the text is cut there.
 constexpr qsizetype usualHyphenMoves = 64;
 
 // All that a wrap depends on, apart from how many lines are left. The text only ever grows: with as
@@ -286,8 +286,8 @@ void LineBreaker::breakAfterSeparator()
 }
 
 // Breaks the line in front of the hyphen, which begins the next one. A word for which that line is
-// too narrow as well comes back here, and does so until the limit, or for ever: all its empty lines
-// are made at once then, and where there are too many of them the text is cut.
+// too narrow as well comes back here, and does so until the limit: all its empty lines are made at once
+// then, and where there are too many of them the text is cut. Without a limit it is taken as if it fitted.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype movedHyphen = m_wordStart - m_inserted;
@@ -295,19 +295,21 @@ void LineBreaker::moveHyphenToNextLine()
         m_movedHyphen = movedHyphen;
         m_hyphenMoves = 0;
     }
-    const qsizetype movesLeft = std::max(usualHyphenMoves, m_source.size()) - m_hyphenMoves;
+    const bool limited = m_limits.maxLineCount > 0;
+    const qsizetype mostMoves = limited ? std::max(usualHyphenMoves, m_source.size()) : 1;
+    const qsizetype movesLeft = mostMoves - m_hyphenMoves;
     if (movesLeft == 0) {
-        elide();
+        if (limited)
+            elide();
+        else
+            acceptWord();
         return;
     }
 
     qsizetype moves = 1;
     const bool hyphenBeginsLine = m_lineStart == m_wordStart - 1;
-    if (hyphenBeginsLine) {
-        const bool limited = m_limits.maxLineCount > 0;
-        const qsizetype linesLeft = limited ? m_limits.maxLineCount - m_lineCount : movesLeft;
-        moves = std::min(movesLeft, linesLeft);
-    }
+    if (limited && hyphenBeginsLine)
+        moves = std::min<qsizetype>(movesLeft, m_limits.maxLineCount - m_lineCount);
 
     m_hyphenMoves += moves;
     m_lineCount += static_cast<int>(moves - 1);

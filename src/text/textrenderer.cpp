@@ -213,7 +213,7 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     so that at least five characters, the separator counted, go to the next line. A word whose places
     all leave too much on the line moves as a whole. On the last line allowed the text is cut with an
     ellipsis, and spaces and punctuation before the ellipsis are dropped. With a line limit of 0 or
-    less nothing is split, and elided only where a hyphen would have to begin ever more lines.
+    less nothing is split or elided.
 
     Every layout ends: a word that fits on no line and cannot be split is cut at the line limit,
     however large, or, where there is none, stands on its line as if it fitted.

@@ -243,7 +243,11 @@ QString sourceViolation(const TextRenderer &renderer)
 QString lineLimitViolation(const TextRenderer &renderer)
 {
     const int limit = renderer.maxLineCount();
-    if (limit < 1 || !isBrokenByTheLibrary(renderer) || renderer.text().contains(newline))
+    if (!isBrokenByTheLibrary(renderer))
+        return {};
+    if (limit < 1)
+        return renderer.isTextElided() ? QStringLiteral("elided without a limit") : QString();
+    if (renderer.text().contains(newline))
         return {};
     const QString shown = renderer.displayText();
     if (shown.count(newline) < limit)

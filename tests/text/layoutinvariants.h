@@ -18,8 +18,8 @@ struct ReferenceLayout;
 // without a width, is the source itself.
 QString sourceViolation(const TextRenderer &renderer);
 
-// The library has made no more lines than allowed, if there is a limit. Those that Qt makes of them, where
-// it wraps at a space, are compared with the plain formulation.
+// The library has made no more lines than allowed, or, if there is no limit, cut nothing. The lines that Qt
+// makes of these, where it wraps at a space, are compared with the plain formulation.
 QString lineLimitViolation(const TextRenderer &renderer);
 
 // Laying out again changes nothing.

@@ -19,7 +19,7 @@ constexpr int shortestForcedRest = 5; // characters of a split word that go to t
 constexpr int shortestSplitWord = 9;  // a word that would fit a line of its own
 constexpr int leastSeparatorsBeforeHyphen = 64;
 
-enum class Next { HardBreakCheck, NextMatch, Elide, Split, Wrap };
+enum class Next { Accept, HardBreakCheck, NextMatch, Elide, Split, Wrap };
 
 // The characters from `from` up to but not including `to`.
 QString range(const QString &text, qsizetype from, qsizetype to)
@@ -137,7 +137,9 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
 
     const double W = limit;
     const qint64 maxLineCount = input.maxLineCount;
-    const qsizetype mostSeparators = std::max<qsizetype>(leastSeparatorsBeforeHyphen, text.size());
+    const bool limited = maxLineCount >= 1;
+    const qsizetype mostSeparators =
+        limited ? std::max<qsizetype>(leastSeparatorsBeforeHyphen, text.size()) : 1;
     const QRegularExpression pattern(QStringLiteral("( |\u2028|-[^\\d])"));
 
     // What stands alone of a surrogate pair is shown, and broken, as the replacement character.
@@ -161,13 +163,10 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
         const bool loneSeparator = word == u'-' || word == u' ' || word == lineSeparator;
 
         Next next = Next::Wrap;
-        if (w < W) {
-            previousWordStart = wordStart;
-            wordStart = pos + 1;
-            next = Next::HardBreakCheck;
-        } else if (lineCount < maxLineCount - 1 && (input.hyphenationEnabled || line == word)) {
+        if (w < W)
+            next = Next::Accept;
+        else if (lineCount < maxLineCount - 1 && (input.hyphenationEnabled || line == word))
             next = Next::Split;
-        }
 
         if (next == Next::Split) {
             next = Next::Wrap;
@@ -204,12 +203,10 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
 
         // Without a line limit a state that comes back would come back for ever: the word is taken
         // as if its line fitted.
-        if (next == Next::Wrap && maxLineCount < 1
+        if (next == Next::Wrap && !limited
             && !overflows.insert({lineStart, wordStart, previousWordStart, workText.size()})
                     .second) {
-            previousWordStart = wordStart;
-            wordStart = pos + 1;
-            next = Next::HardBreakCheck;
+            next = Next::Accept;
         }
 
         if (next == Next::Wrap) {
@@ -225,7 +222,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
                 const qsizetype hyphen = wordStart - 1;
                 separatorsBeforeIt = hyphen == separatedHyphen ? separatorsBeforeIt : 0;
                 if (separatorsBeforeIt == mostSeparators) {
-                    next = Next::Elide;
+                    next = limited ? Next::Elide : Next::Accept;
                 } else {
                     workText.insert(hyphen, lineSeparator);
                     ++separatorsBeforeIt;
@@ -239,6 +236,12 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
                 pos = wordStart;
                 next = Next::HardBreakCheck;
             }
+        }
+
+        if (next == Next::Accept) {
+            previousWordStart = wordStart;
+            wordStart = pos + 1;
+            next = Next::HardBreakCheck;
         }
 
         if (next == Next::HardBreakCheck && word.contains(lineSeparator)) {

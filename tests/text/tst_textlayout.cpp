@@ -169,6 +169,8 @@ private Q_SLOTS:
     void endsWithoutLineLimit_data();
     void endsWithoutLineLimit();
     void separatesHyphensWithoutLineLimit();
+    void separatesAHyphenOnceWithoutLineLimit_data();
+    void separatesAHyphenOnceWithoutLineLimit();
     void endlessRoundsOfTwoLinesReachTheLimit();
     void endsAtAnyLineLimit_data();
     void endsAtAnyLineLimit();
@@ -1204,6 +1206,38 @@ void tst_TextLayout::separatesHyphensWithoutLineLimit()
         QCOMPARE(layOut({text, width, maxLineCount}).text, QStringLiteral("aaaa\n-bbbb\n-cccc"));
 }
 
+// Every further separator would leave the word as wide as it is, on yet another line.
+void tst_TextLayout::separatesAHyphenOnceWithoutLineLimit_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shown");
+
+    QTest::newRow("wide word") << QStringLiteral("x-wwww") << QStringLiteral("x\n-wwww");
+    QTest::newRow("wide words") << QStringLiteral("x-wwww-wwww wwww-i")
+                                << QStringLiteral("x\n-wwww\n-wwww wwww\n-i");
+    QTest::newRow("at the beginning") << QStringLiteral("-wwww") << QStringLiteral("\n-wwww");
+    QTest::newRow("wide paragraph")
+        << QStringLiteral("x-wwww\u2028i x") << QStringLiteral("x\n-wwww\ni x");
+    QTest::newRow("spaces behind it")
+        << QStringLiteral("x-wwww  i") << QStringLiteral("x\n-wwww  i");
+}
+
+void tst_TextLayout::separatesAHyphenOnceWithoutLineLimit()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, shown);
+    constexpr int width = 45;
+    QVERIFY(advance(QStringLiteral("wwww")) >= width);
+
+    for (const int maxLineCount : {0, -1, least}) {
+        for (const bool hyphenation : {true, false}) {
+            const Shown laidOut = layOut({text, width, maxLineCount, hyphenation});
+            QCOMPARE(laidOut.text, shown);
+            QCOMPARE(laidOut.elided, false);
+        }
+    }
+}
+
 // A last word of a paragraph that fits no line counts two lines in every round. Whether the first
 // or the second of them reaches the limit decides where the line begins that is cut.
 void tst_TextLayout::endlessRoundsOfTwoLinesReachTheLimit()
@@ -1282,9 +1316,6 @@ void tst_TextLayout::boundsTheSeparatorsBeforeAHyphen_data()
     QTest::newRow("longer text") << 200 << most << 200;
     QTest::newRow("longer text, fewer lines") << 200 << 100 << 99;
     QTest::newRow("longer text, as many lines") << 200 << 201 << 200;
-    QTest::newRow("no limit") << 5 << 0 << 64;
-    QTest::newRow("longer text, no limit") << 200 << -1 << 200;
-    QTest::newRow("least limit") << 5 << least << 64;
 }
 
 void tst_TextLayout::boundsTheSeparatorsBeforeAHyphen()
