@@ -180,6 +180,19 @@ bool isReadAsDocument(const TextRenderer &renderer)
                && Qt::mightBeRichText(renderer.displayText()));
 }
 
+// Where text and box begin.
+QString cornerViolation(const TextRenderer &renderer, const Appearance &actual)
+{
+    const QPoint boxCorner = renderer.textTopLeft();
+    const QPoint textCorner =
+        actual.alignedTextTopLeft.isNull() ? boxCorner : actual.alignedTextTopLeft;
+    if (actual.boundingRect.topLeft() != textCorner)
+        return QStringLiteral("the text is elsewhere");
+    if (actual.geometry.topLeft() != (renderer.textWidth() >= 1 ? boxCorner : textCorner))
+        return QStringLiteral("the box is elsewhere");
+    return {};
+}
+
 // The alignment starts at the corner, from where an earlier alignment may have moved it.
 void resetAlignment(TextRenderer &renderer)
 {
@@ -315,14 +328,13 @@ QString moveViolation(TextRenderer &renderer, const QPoint &topLeft)
     expected.alignedTextTopLeft = {moved(expected.alignedTextTopLeft.x(), from.x(), topLeft.x()),
                                    moved(expected.alignedTextTopLeft.y(), from.y(), topLeft.y())};
 
-    renderer.move(topLeft);
+    if (countShaperCalls([&] { renderer.move(topLeft); }) > 0)
+        return QStringLiteral("moved, and measured");
+
     const Appearance actual(renderer);
-    const QPoint textCorner =
-        actual.alignedTextTopLeft.isNull() ? topLeft : actual.alignedTextTopLeft;
-    if (actual.boundingRect.topLeft() != textCorner)
-        return QStringLiteral("moved, but not the text");
-    if (actual.geometry.topLeft() != (renderer.textWidth() >= 1 ? topLeft : textCorner))
-        return QStringLiteral("moved, but not the box");
+    const QString misplaced = cornerViolation(renderer, actual);
+    if (!misplaced.isEmpty())
+        return misplaced;
     expected.boundingRect = actual.boundingRect;
     expected.geometry = actual.geometry;
     return actual.difference("moved", expected);
@@ -332,13 +344,16 @@ QString widthViolation(TextRenderer &renderer, int width)
 {
     Appearance expected(renderer);
     const bool wasDirty = renderer.isNeedRelayout();
-    renderer.setTextWidth(width);
+    const int calls = countShaperCalls([&] { renderer.setTextWidth(width); });
     if (renderer.isNeedRelayout())
         return {};
-    if (wasDirty)
+    if (wasDirty || calls > 0)
         return QStringLiteral("laid out by setting the width");
 
     const Appearance actual(renderer);
+    const QString misplaced = cornerViolation(renderer, actual);
+    if (!misplaced.isEmpty())
+        return misplaced;
     // Computed anew, which puts right what a move has bounded.
     expected.alignedTextTopLeft.setY(actual.alignedTextTopLeft.y());
     if (width >= 1) {
