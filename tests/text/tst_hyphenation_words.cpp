@@ -1,10 +1,13 @@
 #include "text/hyphenation_p.h"
 #include "textsupport.h"
 
+#include <ovelin/textrenderer.h>
+
 #include <QFile>
 #include <QTest>
 
 #include <array>
+#include <limits>
 #include <numeric>
 
 using namespace ovelin;
@@ -21,6 +24,7 @@ constexpr int fewestWords = 100'000;
 constexpr int reducedStep = 100; // of so many words one is tried under a slow tool
 
 constexpr std::array lineWidths{10, 40, 70, 110, 1000};
+constexpr std::array boxWidths{40, 60, 80, 110, 150};
 
 struct Rule
 {
@@ -95,6 +99,27 @@ int expectedPoint(const QList<int> &places, const std::function<bool(qsizetype)>
     return point;
 }
 
+// How a text begins that is shown with this word behind another: up to the word's first hyphen, or all of it
+// where the word has none. Nothing if no rule tells. A beginning of the word is measured with what stands in
+// front of it, two pixels of margin, and the hyphen.
+QString expectedBeginning(const QString &firstWord, const QString &word, int boxWidth)
+{
+    static const double hyphenAdvance = advance(QString(hyphen));
+    const QList<int> places = placesOf(word + u' ');
+    for (const QString &before : {firstWord, QString()}) {
+        if (advance(before + word) < boxWidth)
+            return firstWord + word;
+        const int point = expectedPoint(places, [&](qsizetype kept) {
+            return fineWidth(before + word.left(kept)) + hyphenAdvance < boxWidth;
+        });
+        if (point > 0)
+            return firstWord + word.left(point) + u"-\n"_s;
+        if (point == -1)
+            break; // It may be split without a hyphen.
+    }
+    return {};
+}
+
 QStringList dictionaryWords()
 {
     QFile file(dictionary);
@@ -116,6 +141,7 @@ class tst_HyphenationWords : public QObject
 private Q_SLOTS:
     void initTestCase();
     void dividesEveryWordAsTheRulesSay();
+    void laysEveryWordOutAsTheRulesSay();
 };
 
 void tst_HyphenationWords::initTestCase()
@@ -158,6 +184,34 @@ void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
     QCOMPARE_GT(divided, words.size() / step);
     qInfo("%lld words at %d widths, divided %lld times", qlonglong((words.size() - 1) / step + 1),
           int(lineWidths.size()), qlonglong(divided));
+}
+
+// Each of them at one of the widths.
+void tst_HyphenationWords::laysEveryWordOutAsTheRulesSay()
+{
+    const QString firstWord = u"и "_s;
+    TextRenderer renderer;
+    renderer.setTextFont(pixelFont());
+    renderer.setTextFormat(Qt::PlainText);
+    renderer.setMaxLineCount(std::numeric_limits<int>::max());
+
+    const QStringList words = dictionaryWords();
+    const qsizetype step = isRunReduced() ? reducedStep + 1 : 1; // prime to the number of widths
+    qsizetype divided = 0;
+    for (qsizetype i = 0; i < words.size(); i += step) {
+        const QString &word = words.at(i);
+        const int boxWidth = boxWidths.at(std::size_t(i) % boxWidths.size());
+        const QString beginning = expectedBeginning(firstWord, word, boxWidth);
+        if (word.contains(hyphen) || beginning.isEmpty())
+            continue;
+
+        renderer.setTextWidth(boxWidth);
+        renderer.setText(firstWord + word);
+        renderer.relayout();
+        QVERIFY2(renderer.displayText().startsWith(beginning), qPrintable(word));
+        divided += beginning.endsWith(u'\n');
+    }
+    QCOMPARE_GT(divided, words.size() / step / 2);
 }
 
 QTEST_MAIN(tst_HyphenationWords)
