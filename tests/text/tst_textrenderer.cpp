@@ -173,6 +173,7 @@ private Q_SLOTS:
     void drawTextRendererPaintsAtTheOrigin();
     void drawTextRendererLeavesItsStateSet();
 
+    void alignsInExtremeBoxes();
     void extremeValuesAreSafe_data();
     void extremeValuesAreSafe();
     void extremePositionsAreSafe();
@@ -1625,6 +1626,37 @@ void tst_TextRenderer::drawTextRendererLeavesItsStateSet()
         QCOMPARE(painter.brush(), QBrush(Qt::NoBrush));
     }
     QCOMPARE(recorder.kinds(), QList<PaintCall::Kind>());
+}
+
+void tst_TextRenderer::alignsInExtremeBoxes()
+{
+    const QPoint topLeft(3, 4);
+    const QString text = QStringLiteral("слово");
+    const double width = fineWidth(text);
+    const double height = lineHeight();
+    const auto bounded = [](double position) {
+        return static_cast<int>(std::min<double>(position, most));
+    };
+
+    for (const int extent : {least, least + 1, -1, 0, 1000, most - 1, most}) {
+        TextRenderer renderer;
+        renderer.setTextTopLeft(topLeft);
+        renderer.setAvailableHeight(extent);
+        prepare(renderer, text, extent);
+        const bool isBox = extent >= 1;
+
+        renderer.setTextAlignment(Qt::AlignRight | Qt::AlignBottom);
+        renderer.relayout();
+        const QPoint farthest(bounded(extent - width + topLeft.x()),
+                              bounded(extent - std::ceil(height) + topLeft.y()));
+        QCOMPARE(renderer.alignedTextTopLeft(), isBox ? farthest : topLeft);
+
+        renderer.setTextAlignment(Qt::AlignCenter);
+        renderer.relayout();
+        const QPoint middle(bounded(std::ceil((extent - width) / 2) + topLeft.x()),
+                            bounded(std::ceil((extent - height) / 2) + topLeft.y()));
+        QCOMPARE(renderer.alignedTextTopLeft(), isBox ? middle : topLeft);
+    }
 }
 
 void tst_TextRenderer::extremeValuesAreSafe_data()
