@@ -151,6 +151,7 @@ private Q_SLOTS:
 
     void showsTheSource();
     void keepsTheLineLimit();
+    void paintsNoMoreLinesThanAllowed();
     void staysTheSameLaidOutAgain();
     void copyShowsTheSame();
     void geometryIsThatOfANewRenderer();
@@ -219,6 +220,39 @@ void tst_TextLayoutInvariants::showsTheSource()
 void tst_TextLayoutInvariants::keepsTheLineLimit()
 {
     checkRule(400, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
+}
+
+// In plain words, which Qt parts where the library has counted a line.
+void tst_TextLayoutInvariants::paintsNoMoreLinesThanAllowed()
+{
+    TextRenderer line;
+    line.setTextFont(pixelFont());
+    line.setText(QStringLiteral("a"));
+    const int lineHeight = line.boundingSize().height();
+
+    int full = 0;
+    checkProperty(1000, [lineHeight, &full] {
+        const auto wordSizes = *rc::gen::container<std::vector<int>>(rc::gen::inRange(1, 20));
+        QString text;
+        for (const int size : wordSizes) {
+            for (int letter = 0; letter < size; ++letter)
+                text += QChar(*rc::gen::inRange<char16_t>(u'а', u'я' + 1));
+            text += u' ';
+        }
+        RC_PRE(!text.isEmpty());
+
+        const int most = *rc::gen::inRange(1, 6);
+        TextRenderer renderer;
+        renderer.setTextFont(pixelFont());
+        renderer.setMaxLineCount(most);
+        renderer.setHyphenationEnabled(*rc::gen::arbitrary<bool>());
+        renderer.setTextWidth(*rc::gen::inRange(1, 400));
+        renderer.setText(text);
+        const int lines = qRound(double(renderer.boundingSize().height()) / lineHeight);
+        RC_ASSERT(lines <= most);
+        full += lines == most && renderer.isTextElided() ? 1 : 0;
+    });
+    QVERIFY(full > 0);
 }
 
 void tst_TextLayoutInvariants::staysTheSameLaidOutAgain()
