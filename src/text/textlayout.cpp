@@ -23,8 +23,6 @@ constexpr char16_t ellipsis = u'\u2026';
 constexpr qsizetype shortestRest = 5;
 // A word that fits on a line of its own is split only from this length on.
 constexpr qsizetype shortestSplitWord = 9;
-// The shortest word that is split because no line is wide enough for it.
-constexpr qsizetype shortestWideWord = 2;
 
 // What is taken of the text at first, in characters; more is where the lines want it.
 constexpr qsizetype shortestLoad = 512;
@@ -376,11 +374,9 @@ int LineBreaker::hyphenationPoint()
 
 bool LineBreaker::mayForceSplit()
 {
-    const qsizetype size = m_candidate.wordSize();
     const auto fits = [this](double advance) { return fineWidth(advance) <= m_limits.width; };
-    return size >= shortestSplitWord
-           || (size >= shortestWideWord
-               && !m_measure.decide(m_text, m_wordStart, m_candidate.end(), fits));
+    return m_candidate.wordSize() >= shortestSplitWord
+           || !m_measure.decide(m_text, m_wordStart, m_candidate.end(), fits);
 }
 
 qsizetype LineBreaker::forcedSplitPoint()
