@@ -178,6 +178,7 @@ private Q_SLOTS:
     void boundsTheSeparatorsBeforeAHyphen();
     void splitsNoSurrogatePair_data();
     void splitsNoSurrogatePair();
+    void splitsInFrontOfASurrogatePair();
     void breaksATextWithABrokenCharacter();
     void replacesBrokenCharactersOnly_data();
     void replacesBrokenCharactersOnly();
@@ -1365,6 +1366,20 @@ void tst_TextLayout::splitsNoSurrogatePair()
             QVERIFY(!renderer.displayText().contains(QStringLiteral("\n\n")));
             QVERIFY(renderer.isTextElided());
         }
+    }
+}
+
+void tst_TextLayout::splitsInFrontOfASurrogatePair()
+{
+    const QString face = QStringLiteral("\U0001F600");
+    const QString end = QStringLiteral("wwwwwwwww");
+    const QFont font = pixelFont(60);
+    for (const QString &beginning : {QString(), QStringLiteral("www")}) {
+        const int width = fineWidth(beginning + face.first(1), font) + 1;
+        QVERIFY(fineWidth(beginning + face, font) >= width);
+        const Shown shown = layOut({beginning + face + end, width, 3, true, font});
+        QVERIFY(shown.text.isValidUtf16());
+        QCOMPARE(shown.text.section(newline, 0, 0), beginning.isEmpty() ? shown.text : beginning);
     }
 }
 
