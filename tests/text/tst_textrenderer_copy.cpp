@@ -16,8 +16,9 @@ using namespace ovelin::tests;
 
 namespace {
 
-std::optional<int> allocationsLeft; // any number, where not set
-int liveAllocations = 0;
+// Of this thread: QtTest has one that watches.
+thread_local std::optional<int> allocationsLeft; // any number, where not set
+thread_local int liveAllocations = 0;
 
 } // namespace
 
