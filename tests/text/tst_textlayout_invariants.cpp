@@ -241,16 +241,16 @@ void tst_TextLayoutInvariants::paintsNoMoreLinesThanAllowed()
         }
         RC_PRE(!text.isEmpty());
 
-        const int most = *rc::gen::inRange(1, 6);
+        const int allowed = *rc::gen::inRange(1, 6);
         TextRenderer renderer;
         renderer.setTextFont(pixelFont());
-        renderer.setMaxLineCount(most);
+        renderer.setMaxLineCount(allowed);
         renderer.setHyphenationEnabled(*rc::gen::arbitrary<bool>());
         renderer.setTextWidth(*rc::gen::inRange(1, 400));
         renderer.setText(text);
         const int lines = qRound(double(renderer.boundingSize().height()) / lineHeight);
-        RC_ASSERT(lines <= most);
-        full += lines == most && renderer.isTextElided() ? 1 : 0;
+        RC_ASSERT(lines <= allowed);
+        full += lines == allowed && renderer.isTextElided() ? 1 : 0;
     });
     QVERIFY(full > 0);
 }
