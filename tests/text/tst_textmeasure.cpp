@@ -505,18 +505,21 @@ void tst_TextMeasure::measuresRarelyWhatIsLeft()
 
 void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionElsewhere_data()
 {
-    QTest::addColumn<qsizetype>("position");
+    QTest::addColumn<int>("position");
+    QTest::addColumn<int>("size");
 
-    QTest::newRow("in front of it") << qsizetype(49);
-    QTest::newRow("at its end") << qsizetype(500);
-    QTest::newRow("behind it") << qsizetype(501);
+    QTest::newRow("in front of it") << 49 << 300;
+    QTest::newRow("across its beginning") << 40 << 100;
+    QTest::newRow("at its end") << 500 << 300;
+    QTest::newRow("behind it") << 501 << 300;
 }
 
 void tst_TextMeasure::forgetsWhatIsLeftAfterAnInsertionElsewhere()
 {
-    QFETCH(qsizetype, position);
+    QFETCH(int, position);
+    QFETCH(int, size);
     const QFont font = spacedFont(QFont::AbsoluteSpacing, -10);
-    const QString narrow = QStringLiteral("ו").repeated(300);
+    const QString narrow = QStringLiteral("ו").repeated(size);
     constexpr qsizetype from = 50;
     constexpr qsizetype to = 500;
     const qsizetype moved = to + narrow.size();
