@@ -1635,7 +1635,7 @@ void tst_TextRenderer::alignsInExtremeBoxes()
     const double width = fineWidth(text);
     const double height = lineHeight();
     const auto bounded = [](double position) {
-        return static_cast<int>(std::min<double>(position, most));
+        return static_cast<int>(std::clamp<double>(position, least, most));
     };
 
     for (const int extent : {least, least + 1, -1, 0, 1000, most - 1, most}) {
