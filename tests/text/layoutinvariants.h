@@ -32,11 +32,12 @@ QString copyViolation(const TextRenderer &renderer);
 // height for vertical alignment cannot be asked for.
 QString geometryViolation(TextRenderer &renderer, int availableHeight);
 
-// Moves the renderer: what it shows stays, at a place as far from the old one as the new corner.
+// Moves the renderer, which measures nothing: what it shows stays, at a place as far from the old one as the
+// new corner.
 QString moveViolation(TextRenderer &renderer, const QPoint &topLeft);
 
-// Sets the width: where the layout is kept the whole text is in the box, aligned in it; without a box, it
-// stays where it is.
+// Sets the width: where the layout is kept nothing is measured, and the whole text is in the box, aligned in
+// it; without a box, it stays where it is.
 QString widthViolation(TextRenderer &renderer, int width);
 
 // Laying out has Qt shape texts at most so often for each line end that is shown, however long the text
