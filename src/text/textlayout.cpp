@@ -75,6 +75,7 @@ public:
     bool isRulerWrong() const { return m_measure.isRulerWrong(); }
 
 private:
+    bool isLimited() const { return m_limits.maxLineCount > 0; }
     bool nextCandidate();
     bool loadText();
     void loadUpTo(qsizetype position);
@@ -246,7 +247,7 @@ void LineBreaker::wrapWord()
     const auto seen = m_lineCountAtWrap.constFind(state);
     if (seen == m_lineCountAtWrap.cend()) {
         m_lineCountAtWrap.insert(state, m_lineCount);
-    } else if (m_limits.maxLineCount <= 0) {
+    } else if (!isLimited()) {
         acceptWord();
         return;
     } else {
@@ -293,11 +294,10 @@ void LineBreaker::moveHyphenToNextLine()
         m_movedHyphen = movedHyphen;
         m_hyphenMoves = 0;
     }
-    const bool limited = m_limits.maxLineCount > 0;
-    const qsizetype mostMoves = limited ? std::max(usualHyphenMoves, m_source.size()) : 1;
+    const qsizetype mostMoves = isLimited() ? std::max(usualHyphenMoves, m_source.size()) : 1;
     const qsizetype movesLeft = mostMoves - m_hyphenMoves;
     if (movesLeft == 0) {
-        if (limited)
+        if (isLimited())
             elide();
         else
             acceptWord();
@@ -306,7 +306,7 @@ void LineBreaker::moveHyphenToNextLine()
 
     qsizetype moves = 1;
     const bool hyphenBeginsLine = m_lineStart == m_wordStart - 1;
-    if (limited && hyphenBeginsLine)
+    if (isLimited() && hyphenBeginsLine)
         moves = std::min<qsizetype>(movesLeft, m_limits.maxLineCount - m_lineCount);
 
     m_hyphenMoves += moves;
