@@ -48,9 +48,6 @@ constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](cons
                                   }).before.size();
 static_assert(hyphenationReach == qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1));
 
-// What a word gains in hyphens before its class string has to grow.
-constexpr qsizetype usualHyphenCount = 4;
-
 QHash<QChar, QChar> makeLetterClasses()
 {
     QHash<QChar, QChar> classes;
@@ -61,12 +58,11 @@ QHash<QChar, QChar> makeLetterClasses()
 
 QString classString(const QString &word)
 {
-    QString classes;
-    classes.reserve(word.size() + usualHyphenCount);
+    QString classes = word;
     // Letter by letter: a word as a whole can be longer in lower case, and its places would shift.
-    for (const QChar letter : word) {
-        const QChar lowerCase = letter.toLower();
-        classes.append(hyphenationLetterClasses.value(lowerCase, lowerCase));
+    for (QChar &letter : classes) {
+        letter = letter.toLower();
+        letter = hyphenationLetterClasses.value(letter, letter);
     }
     return classes;
 }
