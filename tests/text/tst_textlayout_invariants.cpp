@@ -137,6 +137,16 @@ QString shapingViolationInBox(const QString &text, int width, int maxLineCount)
     return QStringLiteral("Width %1, %2 lines: %3").arg(width).arg(maxLineCount).arg(violation);
 }
 
+int layoutCalls(const QString &text, int width, int maxLineCount)
+{
+    TextRenderer renderer;
+    renderer.setTextFont(pixelFont());
+    renderer.setTextWidth(width);
+    renderer.setMaxLineCount(maxLineCount);
+    renderer.setText(text);
+    return countShaperCalls([&] { renderer.relayout(); });
+}
+
 } // namespace
 
 class tst_TextLayoutInvariants : public QObject
@@ -165,6 +175,8 @@ private Q_SLOTS:
     void shapesNoMoreThanItShowsInAnyBox_data();
     void shapesNoMoreThanItShowsInAnyBox();
     void shapesNoMoreThanItShowsOfAnEndlessWord();
+    void shapesNothingOfWhatIsCutOff();
+    void shapesFewBeginningsOfAWordThatIsSplit();
 };
 
 void tst_TextLayoutInvariants::initTestCase()
@@ -375,6 +387,30 @@ void tst_TextLayoutInvariants::shapesNoMoreThanItShowsOfAnEndlessWord()
         const QString violation = shapingViolationInBox(word, 300, maxLineCount);
         QVERIFY2(violation.isEmpty(), qPrintable(violation));
     }
+}
+
+void tst_TextLayoutInvariants::shapesNothingOfWhatIsCutOff()
+{
+    constexpr int width = 300;
+    constexpr int maxLineCount = 3;
+    const QString words = QStringLiteral("программа передач ");
+    const int calls = layoutCalls(words.repeated(40), width, maxLineCount);
+
+    QVERIFY(calls > 0);
+    QCOMPARE(layoutCalls(words.repeated(2000), width, maxLineCount), calls);
+}
+
+// Of letters that are measured, few of those that a line holds are tried for its end.
+void tst_TextLayoutInvariants::shapesFewBeginningsOfAWordThatIsSplit()
+{
+    constexpr int width = 1000;
+    constexpr int maxLineCount = 20;
+    const QString letter = QStringLiteral("ש");
+    const double lettersPerLine = width / QFontMetricsF(pixelFont()).horizontalAdvance(letter);
+
+    const int calls = layoutCalls(letter.repeated(5000), width, maxLineCount);
+    QVERIFY(calls > 0);
+    QVERIFY(calls < maxLineCount * lettersPerLine / 2);
 }
 
 QTEST_MAIN(tst_TextLayoutInvariants)

@@ -53,6 +53,8 @@ private Q_SLOTS:
     void mostPerLineIsMoreThanALine();
     void measuresOnlyNearTheLimit();
     void measuresNoFewCharacters();
+    void shapesAtOnceWhatTheLinesHold_data();
+    void shapesAtOnceWhatTheLinesHold();
     void looksAtTheBeginningOfALongWord_data();
     void looksAtTheBeginningOfALongWord();
     void looksAtAllOfALongWordThatFits();
@@ -271,6 +273,40 @@ void tst_TextMeasure::measuresNoFewCharacters()
 
     const auto decide = [&] { QVERIFY(measure.decide(text, 50, 52, fitsInto(limit))); };
     QCOMPARE(countShaperCalls(decide), 0);
+}
+
+void tst_TextMeasure::shapesAtOnceWhatTheLinesHold_data()
+{
+    QTest::addColumn<int>("maxLineCount");
+    QTest::addColumn<qsizetype>("stretch");
+
+    // A usual letter takes 0.55 of the font's size.
+    constexpr double perLine = lineWidth / (0.55 * 20);
+    constexpr qsizetype longest = 256;
+    QTest::newRow("one line") << 1 << qsizetype(perLine);
+    QTest::newRow("some lines") << 3 << qsizetype(3 * perLine);
+    QTest::newRow("many lines") << 15 << longest;
+    QTest::newRow("no limit") << 0 << longest;
+    QTest::newRow("no limit, negative") << -1 << longest;
+}
+
+void tst_TextMeasure::shapesAtOnceWhatTheLinesHold()
+{
+    QFETCH(int, maxLineCount);
+    QFETCH(qsizetype, stretch);
+    const QString text = QStringLiteral("абвгд").repeated(80);
+    const QFont font = pixelFont(20);
+    TextMeasure measure(font, lineWidth, maxLineCount, Method::Ruler);
+    if (countShaperCalls([&] { advance(text); }) == 0)
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+
+    const auto callsForOne = [&](qsizetype position) {
+        return countShaperCalls([&] { measure.decide(text, position, position + 1, fitsOnLine); });
+    };
+    QVERIFY(callsForOne(0) > 0);
+    for (qsizetype position = 0; position < stretch; ++position)
+        QCOMPARE(callsForOne(position), 0);
+    QVERIFY(callsForOne(stretch) > 0);
 }
 
 void tst_TextMeasure::looksAtTheBeginningOfALongWord_data()
