@@ -281,7 +281,8 @@ void LineBreaker::breakAfterSeparator()
 
 // Breaks the line in front of the hyphen, which begins the next one. A word for which that line is
 // too narrow as well comes back here, and does so until the limit: all its empty lines are made at once
-// then, and where there are too many of them the text is cut. Without a limit it is taken as if it fitted.
+// then. Where there are too many of them, or no limit, nothing is changed, and wrapWord() sees that it is
+// where it has been.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype movedHyphen = m_wordStart - m_inserted;
@@ -291,13 +292,8 @@ void LineBreaker::moveHyphenToNextLine()
     }
     const qsizetype mostMoves = isLimited() ? std::max(usualHyphenMoves, m_source.size()) : 1;
     const qsizetype movesLeft = mostMoves - m_hyphenMoves;
-    if (movesLeft == 0) {
-        if (isLimited())
-            elide();
-        else
-            acceptWord();
+    if (movesLeft == 0)
         return;
-    }
 
     qsizetype moves = 1;
     const bool hyphenBeginsLine = m_lineStart == m_wordStart - 1;

@@ -177,6 +177,7 @@ private Q_SLOTS:
     void shapesNoMoreThanItShowsOfAnEndlessWord();
     void shapesNothingOfWhatIsCutOff();
     void shapesFewBeginningsOfAWordThatIsSplit();
+    void readsOnBehindAHyphenThatWasMoved();
 };
 
 void tst_TextLayoutInvariants::initTestCase()
@@ -411,6 +412,21 @@ void tst_TextLayoutInvariants::shapesFewBeginningsOfAWordThatIsSplit()
     const int calls = layoutCalls(letter.repeated(5000), width, maxLineCount);
     QVERIFY(calls > 0);
     QVERIFY(calls < maxLineCount * lettersPerLine / 2);
+}
+
+void tst_TextLayoutInvariants::readsOnBehindAHyphenThatWasMoved()
+{
+    constexpr int width = 400;
+    constexpr int maxLineCount = 3;
+    const QString first = QStringLiteral("w").repeated(20);
+    const QString second = QStringLiteral("-") + QStringLiteral("w").repeated(7); // too short to be split
+    const QString fewMore = second + QStringLiteral(" и и");
+    const QString more = second + QStringLiteral(" и и и и и и и");
+    QVERIFY(advance(first + second) > width);
+    QVERIFY(advance(more) < width - pixelFont().pixelSize());
+
+    QCOMPARE(layoutCalls(first + more, width, maxLineCount),
+             layoutCalls(first + fewMore, width, maxLineCount));
 }
 
 QTEST_MAIN(tst_TextLayoutInvariants)
