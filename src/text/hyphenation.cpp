@@ -48,6 +48,9 @@ constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](cons
                                   }).before.size();
 static_assert(hyphenationReach == qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1));
 
+// What a word gains in hyphens before its class string has to grow.
+constexpr qsizetype usualHyphenCount = 4;
+
 QHash<QChar, QChar> makeLetterClasses()
 {
     QHash<QChar, QChar> classes;
@@ -58,11 +61,12 @@ QHash<QChar, QChar> makeLetterClasses()
 
 QString classString(const QString &word)
 {
-    QString classes = word;
+    QString classes;
+    classes.reserve(word.size() + usualHyphenCount);
     // Letter by letter: a word as a whole can be longer in lower case, and its places would shift.
-    for (QChar &letter : classes) {
-        letter = letter.toLower();
-        letter = hyphenationLetterClasses.value(letter, letter);
+    for (const QChar letter : word) {
+        const QChar lowerCase = letter.toLower();
+        classes.append(hyphenationLetterClasses.value(lowerCase, lowerCase));
     }
     return classes;
 }

@@ -131,6 +131,11 @@ LineBreaker::LineBreaker(const QString &text, const QFont &font, const LineLimit
     , m_source(text)
     , m_measure(font, limits.width, limits.maxLineCount, method)
 {
+    // A break inserts a separator and at most one hyphen. Few texts are shown of which more than the first
+    // piece is looked at.
+    const qsizetype shown = std::min(text.size(), shortestLoad) + 1;
+    const qsizetype breaks = std::clamp<qsizetype>(limits.maxLineCount, 1, shown) - 1;
+    m_text.reserve(shown + 2 * breaks);
 }
 
 BrokenText LineBreaker::run()
