@@ -129,9 +129,8 @@ void tst_FineTextWidth::toIntTruncatesAndSaturates()
 
 void tst_FineTextWidth::toIntOfNoNumberEnds()
 {
-    // Any result will do; under the undefined behaviour sanitizer the conversion must not trap.
-    const int first = toInt(std::numeric_limits<double>::quiet_NaN());
-    QCOMPARE(toInt(std::numeric_limits<double>::quiet_NaN()), first);
+    // Which number is arbitrary; under the undefined behaviour sanitizer the conversion must not trap.
+    QCOMPARE(toInt(std::numeric_limits<double>::quiet_NaN()), std::numeric_limits<int>::min());
 }
 
 QTEST_MAIN(tst_FineTextWidth)

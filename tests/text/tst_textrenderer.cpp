@@ -177,6 +177,7 @@ private Q_SLOTS:
     void extremeValuesAreSafe_data();
     void extremeValuesAreSafe();
     void extremePositionsAreSafe();
+    void rectanglesEndWhereIntsDo();
     void extremeLetterSpacingIsSafe();
 };
 
@@ -346,7 +347,7 @@ void tst_TextRenderer::validityNeedsTextAndPixelSize()
     QVERIFY(!renderer.isValid());
     renderer.relayout();
     QVERIFY(renderer.isNeedRelayout());
-    QCOMPARE(renderer.boundingSize(), renderer.boundingSize());
+    renderer.boundingSize();
     QVERIFY(renderer.isNeedRelayout());
     QCOMPARE(renderer.displayText(), QString());
 
@@ -1729,10 +1730,28 @@ void tst_TextRenderer::extremePositionsAreSafe()
             }
         }
     }
-    TextRenderer margins;
-    prepare(margins, QStringLiteral("слово"));
-    margins.boundingSize(QMargins(most, most, most, most));
-    margins.boundingSize(QMargins(least, least, least, least));
+}
+
+void tst_TextRenderer::rectanglesEndWhereIntsDo()
+{
+    TextRenderer renderer;
+    prepare(renderer, QStringLiteral("слово"), ampleWidth);
+    const QSize size = renderer.boundingSize();
+
+    const QPoint farRight(most - 1, most - 2);
+    renderer.move(farRight);
+    QCOMPARE(renderer.boundingRect(), QRect(farRight, QPoint(most, most)));
+    QCOMPARE(renderer.geometry(), QRect(farRight, QPoint(most, most)));
+
+    const QPoint farLeft(least, least);
+    renderer.move(farLeft);
+    QCOMPARE(renderer.boundingRect(), QRect(farLeft, size));
+    QCOMPARE(renderer.geometry().topLeft(), farLeft);
+    QCOMPARE(renderer.geometry().width(), ampleWidth);
+
+    QCOMPARE(renderer.boundingSize(QMargins(most, most, 0, 0)), QSize(most, most));
+    QCOMPARE(renderer.boundingSize(QMargins(most, most, most, most)), QSize(most, most));
+    QCOMPARE(renderer.boundingSize(QMargins(least, least, least, least)), QSize(least, least));
 }
 
 // A text can be so tight that it ends far left of its beginning, and its width is below zero.
