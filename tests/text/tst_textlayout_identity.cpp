@@ -21,8 +21,6 @@ namespace {
 
 constexpr int most = std::numeric_limits<int>::max();
 
-// The cases per row; OVELIN_TEXT_CASES sets another number.
-constexpr int defaultCases = 1000;
 constexpr int reducedCases = 60;
 // Of fewer cases none may be the one in which a font is read so wrong that all is measured.
 constexpr int fewestFontCases = 25;
@@ -35,7 +33,7 @@ int caseCount()
     const int count = qEnvironmentVariableIntValue("OVELIN_TEXT_CASES", &ok);
     if (ok)
         return count;
-    return isRunReduced() ? reducedCases : defaultCases;
+    return isRunReduced() ? reducedCases : usualTextCases;
 }
 
 class CaseMaker
@@ -453,7 +451,7 @@ void tst_TextLayoutIdentity::agreesWithThePlainFormulation()
     }
 
     // The cases have to be of every sort, or agreeing on them says nothing.
-    if (caseCount() < defaultCases)
+    if (caseCount() < usualTextCases)
         return;
     const QByteArray counts = QStringLiteral("%1 compared, %2 elided, %3 hyphenated, %4 broken, "
                                              "%5 counted")
@@ -709,7 +707,7 @@ void tst_TextLayoutIdentity::reachesWhatCountingReaches()
     QFont tight = spacedFont(QFont::AbsoluteSpacing, -10);
     tight.setWordSpacing(30);
 
-    const bool reduced = caseCount() < defaultCases;
+    const bool reduced = caseCount() < usualTextCases;
     for (const QFont &font : {pixelFont(), pixelFont(27), tight}) {
         input.font = font;
         const int step = reduced ? 31 : font == tight ? 1 : 3;
