@@ -49,6 +49,8 @@ tree_configure()
     rm --force "$tree/configured-from"
     mkdir --parents "$tree"
     ! inside which ccache >/dev/null || set -- -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "$@"
+    # Of a compiler that nobody has tried before warnings are to be expected.
+    [[ $toolchain != host ]] || set -- --compile-no-warning-as-error "$@"
     inside_repository cmake --fresh --preset "$preset" -B "$tree" "$@" >"$tree/configure.log" \
         || fail "CMake could not configure $(short_path "$tree"); its message is above." \
             "The rest of what it said is in $(short_path "$tree")/configure.log"
