@@ -212,8 +212,8 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     characters or more, its separator counted, or one that fits on no line, is split without a hyphen
     so that at least five characters, the separator counted, go to the next line. A word whose places
     all leave too much on the line moves as a whole. On the last line allowed the text is cut with an
-    ellipsis, and spaces and punctuation before the ellipsis are dropped. With a line limit of 0 or
-    less nothing is split or elided.
+    ellipsis, and spaces and punctuation before the ellipsis are dropped. No line begins inside a
+    surrogate pair. With a line limit of 0 or less nothing is split or elided.
 
     Every layout ends: a word that fits on no line and cannot be split is cut at the line limit,
     however large, or, where there is none, stands on its line as if it fitted.
@@ -531,7 +531,8 @@ bool TextRenderer::isTextElided() const
 /*!
     Returns the text as the last layout shows it, with hyphens and ellipsis, and with newlines between
     its lines where the text itself or the layout broke it. Lines that end at a space stand together:
-    Qt breaks them. Empty before the first layout.
+    Qt breaks them. Half of a surrogate pair that stands alone is a replacement character (U+FFFD) in a
+    text that the layout broke into lines. Empty before the first layout.
 */
 QString TextRenderer::displayText() const
 {
