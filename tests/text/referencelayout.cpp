@@ -1,5 +1,6 @@
 #include "referencelayout.h"
 
+#include "hyphenplaces.h"
 #include "textsupport.h"
 
 #include <QFontMetricsF>
@@ -35,43 +36,6 @@ bool isRemovedBeforeEllipsis(QChar c)
     return whiteSpace || c.isPunct();
 }
 
-QString classString(const QString &word)
-{
-    const QString vowels = QStringLiteral("аеёиоуыэюя");
-    const QString consonants = QStringLiteral("бвгджзклмнпрстфхцчшщ");
-    const QString signs = QStringLiteral("йьъ");
-
-    QString classes;
-    for (const QChar c : word) {
-        const QChar letter = c.toLower();
-        if (vowels.contains(letter))
-            classes += u'g';
-        else if (consonants.contains(letter))
-            classes += u's';
-        else if (signs.contains(letter))
-            classes += u'x';
-        else
-            classes += letter;
-    }
-    return classes;
-}
-
-QString withHyphens(QString classes)
-{
-    const char *const rules[][2] = {
-        {"xgg", "x-gg"},   {"xgs", "x-gs"},     {"xsg", "x-sg"},       {"xss", "x-ss"},
-        {"ggg", "g-gg"},   {"ggs", "g-gs"},     {"ggx", "g-gx"},       {"gssg", "gs-sg"},
-        {"sgsg", "sg-sg"}, {"gsssg", "gs-ssg"}, {"gssssg", "gss-ssg"},
-    };
-    for (const auto &rule : rules) {
-        const QString before = QString::fromLatin1(rule[0]);
-        const QString after = QString::fromLatin1(rule[1]);
-        classes.replace(before, after);
-        classes.replace(before, after);
-    }
-    return classes;
-}
-
 bool splitsPair(const QString &text, qsizetype position)
 {
     return position >= 1 && position < text.size() && text.at(position - 1).isHighSurrogate()
@@ -79,26 +43,6 @@ bool splitsPair(const QString &text, qsizetype position)
 }
 
 } // namespace
-
-int referenceHyphenationPoint(const QString &line, const QString &word, int wordOffset,
-                              double maxWidth, const QFont &font)
-{
-    const QString classes = withHyphens(classString(word));
-    if (!classes.contains(u'-'))
-        return -1;
-
-    const double hyphenAdvance = QFontMetricsF(font).horizontalAdvance(u'-');
-    qsizetype next = 0;
-    qsizetype accepted = 0;
-    for (qsizetype p = classes.indexOf(u'-'); p >= 0; p = classes.indexOf(u'-', next)) {
-        const QString prefix = range(line, 0, wordOffset + p - accepted);
-        if (maxWidth <= double(fineWidth(prefix, font)) + hyphenAdvance)
-            break;
-        next = p + 1;
-        ++accepted;
-    }
-    return int(next - accepted);
-}
 
 ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
 {
@@ -136,6 +80,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
     }
 
     const double W = limit;
+    const double hyphenAdvance = metrics.horizontalAdvance(u'-');
     const qint64 maxLineCount = input.maxLineCount;
     const bool limited = maxLineCount >= 1;
     const qsizetype mostSeparators =
@@ -170,8 +115,10 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
 
         if (next == Next::Split) {
             next = Next::Wrap;
-            qsizetype k =
-                referenceHyphenationPoint(line, word, int(wordStart - lineStart), W, input.font);
+            qsizetype k = lastFittingPlace(placesOf(word), [&](qsizetype place) {
+                const QString prefix = range(line, 0, wordStart - lineStart + place);
+                return fineWidth(prefix, input.font) + hyphenAdvance < W;
+            });
             const bool hyphenated = k != -1;
             if (!hyphenated) {
                 const int fw = fineWidth(word, input.font);

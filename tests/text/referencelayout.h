@@ -41,10 +41,6 @@ constexpr int restPeriod = 60;
 constexpr int mostCountableLines = 40 * restPeriod;
 ReferenceLayout countableReferenceLayout(ReferenceInput input, int roundBudget);
 
-// Where a word may be divided with a hyphen, in the same plain form.
-int referenceHyphenationPoint(const QString &line, const QString &word, int wordOffset,
-                              double maxWidth, const QFont &font);
-
 } // namespace ovelin::tests
 
 #endif

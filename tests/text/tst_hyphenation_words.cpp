@@ -1,3 +1,4 @@
+#include "hyphenplaces.h"
 #include "text/hyphenation_p.h"
 #include "textsupport.h"
 
@@ -14,8 +15,7 @@ using namespace ovelin;
 using namespace ovelin::tests;
 using namespace Qt::StringLiterals;
 
-// Every word of a Russian dictionary is divided as the rules say, which are written down here once more:
-// letter by letter and as slowly as they can be read.
+// Every word of a Russian dictionary is divided as the rules say.
 
 namespace {
 
@@ -25,79 +25,6 @@ constexpr int reducedStep = 100; // of so many words one is tried under a slow t
 
 constexpr std::array lineWidths{10, 40, 70, 110, 1000};
 constexpr std::array boxWidths{40, 60, 80, 110, 150};
-
-struct Rule
-{
-    QString before;
-    QString after;
-};
-
-const std::array rules{
-    Rule{u"xgg"_s, u"x-gg"_s},     Rule{u"xgs"_s, u"x-gs"_s},       Rule{u"xsg"_s, u"x-sg"_s},
-    Rule{u"xss"_s, u"x-ss"_s},     Rule{u"ggg"_s, u"g-gg"_s},       Rule{u"ggs"_s, u"g-gs"_s},
-    Rule{u"ggx"_s, u"g-gx"_s},     Rule{u"gssg"_s, u"gs-sg"_s},     Rule{u"sgsg"_s, u"sg-sg"_s},
-    Rule{u"gsssg"_s, u"gs-ssg"_s}, Rule{u"gssssg"_s, u"gss-ssg"_s},
-};
-
-QChar classOf(QChar letter)
-{
-    if (u"аеёиоуыэюя"_s.contains(letter))
-        return u'g';
-    if (u"бвгджзклмнпрстфхцчшщ"_s.contains(letter))
-        return u's';
-    if (u"йьъ"_s.contains(letter))
-        return u'x';
-    return letter;
-}
-
-QString appliedOnce(const Rule &rule, const QString &classes)
-{
-    QString result;
-    for (qsizetype place = 0; place < classes.size();) {
-        if (classes.mid(place, rule.before.size()) == rule.before) {
-            result += rule.after;
-            place += rule.before.size();
-        } else {
-            result += classes.at(place);
-            ++place;
-        }
-    }
-    return result;
-}
-
-// How many letters stand before each hyphen, the word's own ones not counted as letters either.
-QList<int> placesOf(const QString &word)
-{
-    QString classes;
-    for (const QChar letter : word)
-        classes += classOf(letter.toLower());
-    for (const Rule &rule : rules)
-        classes = appliedOnce(rule, appliedOnce(rule, classes));
-
-    QList<int> places;
-    int letters = 0;
-    for (const QChar c : std::as_const(classes)) {
-        if (c == hyphen)
-            places.append(letters);
-        else
-            ++letters;
-    }
-    return places;
-}
-
-// The last place before which everything fits; 0 if not even the first one does, -1 if there is none.
-int expectedPoint(const QList<int> &places, const std::function<bool(qsizetype)> &fits)
-{
-    if (places.isEmpty())
-        return -1;
-    int point = 0;
-    for (const int place : places) {
-        if (!fits(place))
-            break;
-        point = place;
-    }
-    return point;
-}
 
 // How a text begins that is shown with this word behind another: up to the word's first hyphen, or all of it
 // where the word has none. Nothing if no rule tells. A beginning of the word is measured with what stands in
@@ -109,7 +36,7 @@ QString expectedBeginning(const QString &firstWord, const QString &word, int box
     for (const QString &before : {firstWord, QString()}) {
         if (advance(before + word) < boxWidth)
             return firstWord + word;
-        const int point = expectedPoint(places, [&](qsizetype kept) {
+        const int point = lastFittingPlace(places, [&](qsizetype kept) {
             return fineWidth(before + word.left(kept)) + hyphenAdvance < boxWidth;
         });
         if (point > 0)
@@ -177,7 +104,7 @@ void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
                        < lineWidth;
             };
             const int point = hyphenationPoint(word, fits);
-            QVERIFY2(point == expectedPoint(places, fits), qPrintable(word));
+            QVERIFY2(point == lastFittingPlace(places, fits), qPrintable(word));
             divided += point > 0;
         }
     }
