@@ -1,3 +1,4 @@
+#include "guideinvariants.h"
 #include "xmltvreader.h"
 
 #include <QBuffer>
@@ -7,6 +8,7 @@
 #include <QTimeZone>
 
 using namespace tvguide;
+using namespace tvguide::tests;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -25,6 +27,12 @@ struct Reading
     }
 };
 
+void requireNone(const QString &violation)
+{
+    QVERIFY2(violation.isEmpty(), qPrintable(violation));
+}
+
+// What holds of every guide and of every problem is seen to here.
 Reading readBytes(QByteArray bytes, const QString &language = u"ru"_s)
 {
     QBuffer buffer(&bytes);
@@ -32,6 +40,9 @@ Reading readBytes(QByteArray bytes, const QString &language = u"ru"_s)
     Reading reading;
     reading.result = readXmltv(buffer, fileName, language,
                                [&](const QString &line) { reading.problems += line; });
+    requireNone(guideViolation(reading.result.guide));
+    for (const QString &line : std::as_const(reading.problems))
+        requireNone(problemViolation(line));
     return reading;
 }
 
@@ -54,6 +65,8 @@ class tst_XmltvReader : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void everyBrokenRuleIsReported();
+
     void readsChannelsAndProgrammes();
     void keepsTheOrderOfChannels();
     void numbersChannels();
@@ -82,6 +95,41 @@ private Q_SLOTS:
     void boundsTexts();
     void readsManyProgrammes();
 };
+
+// Or the rules would tell nothing of what is read.
+void tst_XmltvReader::everyBrokenRuleIsReported()
+{
+    using std::chrono::seconds;
+    const auto lasting = [](int from, int to) {
+        Programme programme;
+        programme.start = Instant(seconds(from));
+        programme.stop = Instant(seconds(to));
+        return programme;
+    };
+    Channel sound;
+    sound.id = sound.number = sound.name = u"1"_s;
+    sound.programmes = {lasting(0, 10), lasting(10, 20)};
+    QCOMPARE(channelViolation(sound), QString());
+    QCOMPARE(guideViolation(Guide({sound}, {})), QString());
+    QVERIFY(!guideViolation(Guide({sound, sound}, {})).isEmpty());
+
+    for (QString Channel::*text : {&Channel::id, &Channel::number, &Channel::name}) {
+        Channel channel = sound;
+        (channel.*text).clear();
+        QVERIFY(!channelViolation(channel).isEmpty());
+    }
+    using Programmes = std::vector<Programme>;
+    for (const Programmes &programmes :
+         {Programmes{}, Programmes{lasting(0, 0)}, Programmes{lasting(0, 10), lasting(9, 20)}}) {
+        Channel channel = sound;
+        channel.programmes = programmes;
+        QVERIFY(!channelViolation(channel).isEmpty());
+    }
+
+    QCOMPARE(problemViolation(u"guide.xml:1:2: «»"_s), QString());
+    QVERIFY(!problemViolation(u"\u001b[2J"_s).isEmpty());
+    QVERIFY(!problemViolation(u"one\ntwo"_s).isEmpty());
+}
 
 void tst_XmltvReader::readsChannelsAndProgrammes()
 {
