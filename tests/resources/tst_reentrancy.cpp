@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <set>
 #include <span>
+#include <utility>
 
 using namespace ovelin;
 using namespace Qt::StringLiterals;
@@ -113,9 +115,12 @@ struct Scene
     // The first rule that the tracker's lists break; empty when all is well.
     QString violation() const
     {
+        std::set<std::pair<const IResourceOwner *, int>> identifiers;
         for (const ResourceInfo &info : tracker.resources()) {
             if (!info.ownerState)
                 return u"an entry without state"_s;
+            if (!identifiers.emplace(info.ownerState->owner, info.id).second)
+                return u"two entries with an owner's identifier"_s;
             const auto known = tracker.owners().find(info.ownerState->owner);
             if (known == tracker.owners().end())
                 return u"an entry of an unknown owner"_s;
@@ -127,11 +132,12 @@ struct Scene
                 return u"a dangling owner"_s;
             if (state->owner != owner)
                 return u"a state with another owner"_s;
-            const bool hasEntry = std::any_of(
-                tracker.resources().begin(), tracker.resources().end(),
-                [owner](const ResourceInfo &info) { return info.ownerState->owner == owner; });
-            if (!hasEntry)
+            const auto count =
+                std::ranges::count(tracker.resources(), state, &ResourceInfo::ownerState);
+            if (count == 0)
                 return u"an owner without entries"_s;
+            if (state->resourceCount != count)
+                return u"a count of %1 for %2 entries"_s.arg(state->resourceCount).arg(count);
         }
         return {};
     }
