@@ -396,8 +396,9 @@ void tst_TextLayoutInvariants::shapesNothingOfWhatIsCutOff()
     constexpr int maxLineCount = 3;
     const QString words = QStringLiteral("программа передач ");
     const int calls = layoutCalls(words.repeated(40), width, maxLineCount);
+    if (calls == 0)
+        QSKIP("This Qt contains the text shaper, whose calls cannot be counted.");
 
-    QVERIFY(calls > 0);
     QCOMPARE(layoutCalls(words.repeated(2000), width, maxLineCount), calls);
 }
 
@@ -410,7 +411,9 @@ void tst_TextLayoutInvariants::shapesFewBeginningsOfAWordThatIsSplit()
     const double lettersPerLine = width / QFontMetricsF(pixelFont()).horizontalAdvance(letter);
 
     const int calls = layoutCalls(letter.repeated(5000), width, maxLineCount);
-    QVERIFY(calls > 0);
+    if (calls == 0)
+        QSKIP("This Qt contains the text shaper, whose calls cannot be counted.");
+
     QVERIFY(calls < maxLineCount * lettersPerLine / 2);
 }
 
@@ -425,8 +428,11 @@ void tst_TextLayoutInvariants::readsOnBehindAHyphenThatWasMoved()
     QVERIFY(advance(first + second) > width);
     QVERIFY(advance(more) < width - pixelFont().pixelSize());
 
-    QCOMPARE(layoutCalls(first + more, width, maxLineCount),
-             layoutCalls(first + fewMore, width, maxLineCount));
+    const int calls = layoutCalls(first + fewMore, width, maxLineCount);
+    if (calls == 0)
+        QSKIP("This Qt contains the text shaper, whose calls cannot be counted.");
+
+    QCOMPARE(layoutCalls(first + more, width, maxLineCount), calls);
 }
 
 QTEST_MAIN(tst_TextLayoutInvariants)
