@@ -13,6 +13,12 @@ constexpr int fallbackDpi = 96;
 constexpr double millimetresPerInch = 25.4;
 constexpr int colorDepth = 32;
 
+// As Qt's own conversion, for rectangles wider than an int, too.
+QRectF toRectF(const QRect &rect)
+{
+    return {QPointF(rect.topLeft()), QPointF(rect.bottomRight()) + QPointF(1, 1)};
+}
+
 class RecordingEngine : public QPaintEngine
 {
 public:
@@ -44,7 +50,7 @@ public:
     {
         PaintCall &call = record(PaintCall::Kind::Rects);
         for (int i = 0; i < count; ++i)
-            call.rects.append(QRectF(rects[i]));
+            call.rects.append(toRectF(rects[i]));
     }
 
     void drawRects(const QRectF *rects, int count) override
@@ -54,7 +60,7 @@ public:
 
     void drawEllipse(const QRect &rect) override
     {
-        record(PaintCall::Kind::Ellipse).rects = {QRectF(rect)};
+        record(PaintCall::Kind::Ellipse).rects = {toRectF(rect)};
     }
 
     void drawEllipse(const QRectF &rect) override
