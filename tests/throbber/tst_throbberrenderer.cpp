@@ -535,7 +535,8 @@ void tst_ThrobberRenderer::extremeRectsDoNoHarm()
     const QPoint topLeft(moved(renderRect.left(), half), moved(renderRect.top(), half));
     const QPoint bottomRight(moved(renderRect.right(), -half), moved(renderRect.bottom(), -half));
     const QRect arcRect(topLeft, bottomRight);
-    QCOMPARE(drawn(throbber).first().rects, drawnByHand(arcRect, 0, 0).first().rects);
+    const auto byHand = recorded([&](QPainter &hand) { hand.drawEllipse(arcRect); });
+    QCOMPARE(drawn(throbber).first().rects, byHand.first().rects);
 }
 
 void tst_ThrobberRenderer::setBackgroundColorSetsTrackOnly()
