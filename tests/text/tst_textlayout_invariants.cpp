@@ -422,7 +422,8 @@ void tst_TextLayoutInvariants::readsOnBehindAHyphenThatWasMoved()
     constexpr int width = 400;
     constexpr int maxLineCount = 3;
     const QString first = QStringLiteral("w").repeated(20);
-    const QString second = QStringLiteral("-") + QStringLiteral("w").repeated(7); // too short to be split
+    // Too short to be split.
+    const QString second = QStringLiteral("-") + QStringLiteral("w").repeated(7);
     const QString fewMore = second + QStringLiteral(" и и");
     const QString more = second + QStringLiteral(" и и и и и и и");
     QVERIFY(advance(first + second) > width);
