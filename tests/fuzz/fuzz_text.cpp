@@ -29,7 +29,8 @@ constexpr qsizetype longestMeasuredText = 10'000;
 constexpr int largestFont = 1'000'000; // whose advances Qt can hold
 constexpr qsizetype longestComparedText = 1200;
 constexpr int comparedRounds = 3000;
-constexpr qsizetype mostCharacters = longestText; // laid out for one input; its checks do that again
+// Of all layouts of an input, whose checks repeat them.
+constexpr qsizetype mostCharacters = longestText;
 constexpr std::size_t mostRenderers = 4;
 constexpr int mostCalls = 60;
 constexpr int canvasSize = 64;
