@@ -3,9 +3,10 @@
 #include <QTest>
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
-// Every length that a screen could have, and more, against the definition.
+// Every length that a screen could have, and more, and the ends of what may be asked, against the definition.
 
 using ovelin::chooseGradientLength;
 
@@ -41,6 +42,8 @@ class tst_GradientLength : public QObject
 
 private Q_SLOTS:
     void everyLengthIsAsDefined();
+    void negativeLengthsGetTheShortestTexture();
+    void greatestLengthsAreAsDefined();
 };
 
 void tst_GradientLength::everyLengthIsAsDefined()
@@ -53,6 +56,24 @@ void tst_GradientLength::everyLengthIsAsDefined()
                                  .arg(length)
                                  .arg(defined[std::size_t(length)])));
         }
+    }
+}
+
+void tst_GradientLength::negativeLengthsGetTheShortestTexture()
+{
+    for (int length = -1000; length < 0; ++length)
+        QCOMPARE(chooseGradientLength(length), shortestTexture);
+}
+
+void tst_GradientLength::greatestLengthsAreAsDefined()
+{
+    constexpr int greatest = std::numeric_limits<int>::max();
+    for (int length = greatest; length > greatest - 1000; --length) {
+        int times = 10;
+        while (times >= 3 && length % times != 0)
+            --times;
+        const int tenth = length / 10 + (length % 10 > 0);
+        QCOMPARE(chooseGradientLength(length), times >= 3 ? length / times : tenth);
     }
 }
 
