@@ -122,7 +122,7 @@ void checkRule(int caseCount, const Rule &rule)
     });
 }
 
-QString shapingViolationInBox(const QString &text, int width, int maxLineCount)
+TextRenderer rendererInBox(const QString &text, int width, int maxLineCount)
 {
     TextRenderer renderer;
     renderer.setTextFont(pixelFont());
@@ -130,6 +130,12 @@ QString shapingViolationInBox(const QString &text, int width, int maxLineCount)
     renderer.setTextWidth(width);
     renderer.setMaxLineCount(maxLineCount);
     renderer.setText(text);
+    return renderer;
+}
+
+QString shapingViolationInBox(const QString &text, int width, int maxLineCount)
+{
+    TextRenderer renderer = rendererInBox(text, width, maxLineCount);
     renderer.relayout();
     const QString violation = shapingViolation(renderer);
     if (violation.isEmpty())
@@ -139,11 +145,7 @@ QString shapingViolationInBox(const QString &text, int width, int maxLineCount)
 
 int layoutCalls(const QString &text, int width, int maxLineCount)
 {
-    TextRenderer renderer;
-    renderer.setTextFont(pixelFont());
-    renderer.setTextWidth(width);
-    renderer.setMaxLineCount(maxLineCount);
-    renderer.setText(text);
+    TextRenderer renderer = rendererInBox(text, width, maxLineCount);
     return countShaperCalls([&] { renderer.relayout(); });
 }
 
