@@ -29,11 +29,7 @@ constexpr int roundBudget = 20 * (mostCountableLines + restPeriod);
 
 int caseCount()
 {
-    bool ok = false;
-    const int count = qEnvironmentVariableIntValue("OVELIN_TEXT_CASES", &ok);
-    if (ok)
-        return count;
-    return isRunReduced() ? reducedCases : usualTextCases;
+    return wantedTextCases().value_or(isRunReduced() ? reducedCases : usualTextCases);
 }
 
 class CaseMaker
