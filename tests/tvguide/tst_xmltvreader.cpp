@@ -65,7 +65,7 @@ class tst_XmltvReader : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyBrokenRuleIsReported();
+    void brokenRulesAreReported();
 
     void readsChannelsAndProgrammes();
     void keepsTheOrderOfChannels();
@@ -97,7 +97,7 @@ private Q_SLOTS:
 };
 
 // Or the rules would tell nothing of what is read.
-void tst_XmltvReader::everyBrokenRuleIsReported()
+void tst_XmltvReader::brokenRulesAreReported()
 {
     using std::chrono::seconds;
     const auto lasting = [](int from, int to) {
