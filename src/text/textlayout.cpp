@@ -286,8 +286,8 @@ void LineBreaker::breakAfterSeparator()
 
 // Breaks the line in front of the hyphen, which begins the next one. A word for which that line is
 // too narrow as well comes back here, and does so until the limit: all its empty lines are made at once
-// then. Where there are too many of them, or no limit, nothing is changed, and wrapWord() sees that it is
-// where it has been.
+// then. Behind too many of them, or behind the first one where there is no limit, nothing is changed, and
+// wrapWord() sees that it is where it has been.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype movedHyphen = m_wordStart - m_inserted;
