@@ -1,7 +1,10 @@
 #include "trackermodel.h"
 
 #include <algorithm>
+#include <iterator>
+#include <ranges>
 #include <tuple>
+#include <utility>
 
 namespace ovelin::tests {
 
@@ -46,15 +49,20 @@ QString described(const QList<Message> &messages)
     return texts.join(u"; "_s);
 }
 
-// As SignalRecorder writes them down.
-void emitSignal(TrackerModel::Tracker &tracker, const char *name)
+auto entryWithNumber(TrackerModel::Tracker &tracker, int number)
 {
-    QStringList idTexts;
-    for (const TrackerModel::Entry &entry : tracker.resources)
-        idTexts.append(QString::number(entry.id));
-    tracker.emissions.append(u"%1 [%2] owners %3 messages %4"_s.arg(
-        QLatin1StringView(name), idTexts.join(u' '), QString::number(tracker.owners.size()),
-        QString::number(tracker.messages.size())));
+    return std::ranges::find(tracker.resources, number, &TrackerModel::Entry::number);
+}
+
+bool contains(TrackerModel::Tracker &tracker, int number)
+{
+    return entryWithNumber(tracker, number) != tracker.resources.end();
+}
+
+std::optional<int> knownState(const TrackerModel::Tracker &tracker, int item)
+{
+    const auto known = tracker.owners.find(item);
+    return known == tracker.owners.end() ? std::nullopt : std::optional(known->second);
 }
 
 void clear(TrackerModel::Tracker &tracker)
@@ -123,24 +131,46 @@ QString TrackerStep::described() const
 
 TrackerModel::TrackerModel()
 {
-    for (ItemAtPlace &item : items)
+    for (ModelItem &item : items)
         item = {.item = itemCount++, .heldState = {}};
 }
 
-void TrackerModel::apply(const TrackerStep &step)
+void TrackerModel::apply(const TrackerStep &step, const Reactions &reactions)
 {
     for (Tracker &tracker : trackers)
         tracker.emissions.clear();
-    Tracker &tracker = trackers[std::size_t(step.tracker)];
-    Tracker *const installedTracker = installed ? &trackers[std::size_t(*installed)] : nullptr;
-    ItemAtPlace &item = items[std::size_t(step.place)];
-    const std::optional<int> state = usableState(step);
-    const bool mayRegister = installedTracker && !installedTracker->registrationBlocked;
-    const bool mayUnregister = installedTracker && item.heldState;
+    calls.clear();
+    m_reactions = reactions;
+    m_nextReaction = 0;
+    call(step);
+}
 
+void TrackerModel::runSlot()
+{
+    while (m_nextReaction < m_reactions.size()) {
+        const std::optional<TrackerStep> step = m_reactions[m_nextReaction++];
+        if (!step)
+            break;
+        call(*step);
+    }
+    calls.push_back(std::nullopt);
+}
+
+void TrackerModel::call(const TrackerStep &step)
+{
+    Tracker &tracker = trackers[std::size_t(step.tracker)];
+    ModelItem &itemAtPlace = items[std::size_t(step.place)];
+    ModelItem *const dying = dyingItem(step);
+    ModelItem &item = dying ? *dying : itemAtPlace;
+    const std::optional<int> state = usableState(step);
+    if (step.kind == TrackerStep::Destroy && itemAtPlace.runningCalls > 0)
+        return;
+    calls.push_back(TrackerCall{step, state});
+
+    item.runningCalls += step.isOfTheItem();
     switch (step.kind) {
     case TrackerStep::RegisterDirectly:
-        registerResource(tracker, item.item, step.info());
+        registerResource(tracker, itemAtPlace.item, step.info());
         break;
     case TrackerStep::UnregisterDirectly:
         unregisterResource(tracker, item.item, step.id);
@@ -149,42 +179,28 @@ void TrackerModel::apply(const TrackerStep &step)
         unregisterResources(tracker, item.item);
         break;
     case TrackerStep::RegisterImage:
-        if (mayRegister)
-            item.heldState = registerResource(*installedTracker, item.item,
-                                              image(step.id, step.info().url.toString()));
+        registerItem(item, image(step.id, step.info().url.toString()));
         break;
     case TrackerStep::Register:
-        if (mayRegister) {
-            const ResourceInfo info = step.info();
-            item.heldState = registerResource(*installedTracker, item.item,
-                                              named(info.id, info.name, info.type));
-        }
+        registerItem(item, named(step.id, step.info().name, step.info().type));
         break;
     case TrackerStep::Unregister:
-        if (!mayUnregister)
-            break;
-        unregisterResource(*installedTracker, item.item, step.id);
-        if (states[std::size_t(*item.heldState)].resourceCount == 0)
-            item.heldState.reset();
+        unregisterItem(item, step.id);
         break;
     case TrackerStep::UnregisterAll:
-        if (!mayUnregister)
-            break;
-        unregisterResources(*installedTracker, item.item);
-        item.heldState.reset();
+        unregisterItem(item);
         break;
     case TrackerStep::SetStatus:
         if (state)
             setStatus(tracker, *state, step.status());
         break;
     case TrackerStep::Allow:
+        if (state)
+            decide(*state, &ModelItem::allowCalls);
+        break;
     case TrackerStep::Release:
-        if (!state)
-            break;
-        for (ItemAtPlace &told : items) {
-            if (states[std::size_t(*state)].owner == told.item)
-                ++(step.kind == TrackerStep::Allow ? told.allowCalls : told.releaseCalls);
-        }
+        if (state)
+            decide(*state, &ModelItem::releaseCalls);
         break;
     case TrackerStep::SetGeometry:
         if (state)
@@ -210,9 +226,10 @@ void TrackerModel::apply(const TrackerStep &step)
         installed = step.flag ? std::optional(step.tracker) : std::nullopt;
         break;
     case TrackerStep::Destroy:
-        destroy(item);
+        destroy(itemAtPlace);
         break;
     }
+    item.runningCalls -= step.isOfTheItem();
 }
 
 std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
@@ -221,12 +238,19 @@ std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
         return std::nullopt;
     const int state = step.number % int(states.size());
     const std::optional<int> owner = states[std::size_t(state)].owner;
-    const bool isThere =
-        std::ranges::any_of(items, [&](const ItemAtPlace &item) { return owner == item.item; });
+    const bool isThere = std::ranges::find(items, owner, &ModelItem::item) != items.end();
     return owner && !isThere ? std::nullopt : std::optional(state);
 }
 
-bool TrackerModel::isAllowed(const ItemAtPlace &item) const
+// The item that the step calls instead of the one at the place; null for none.
+TrackerModel::ModelItem *TrackerModel::dyingItem(const TrackerStep &step)
+{
+    if (!step.flag || m_dying.empty())
+        return nullptr;
+    return &*std::next(m_dying.begin(), step.place % std::ptrdiff_t(m_dying.size()));
+}
+
+bool TrackerModel::isAllowed(const ModelItem &item) const
 {
     if (!item.heldState)
         return true;
@@ -234,10 +258,55 @@ bool TrackerModel::isAllowed(const ItemAtPlace &item) const
     return status == ResourceOwnerState::CreationAllowed || status == ResourceOwnerState::Ignored;
 }
 
-int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInfo &info)
+void TrackerModel::registerItem(ModelItem &item, const ResourceInfo &info)
+{
+    const bool isDying = std::ranges::find(m_dying, item.item, &ModelItem::item) != m_dying.end();
+    if (!installed || isDying)
+        return;
+    Tracker &tracker = trackers[std::size_t(*installed)];
+    if (tracker.registrationBlocked)
+        return;
+    registerResource(tracker, item.item, info);
+    item.heldState = knownState(tracker, item.item);
+    ++registrations;
+}
+
+// The item gives up a state in which nothing is left, for another one if it was registered anew.
+void TrackerModel::unregisterItem(ModelItem &item, int id)
+{
+    if (!installed || !item.heldState)
+        return;
+    Tracker &tracker = trackers[std::size_t(*installed)];
+    const std::optional<int> before = knownState(tracker, item.item);
+    unregisterResource(tracker, item.item, id);
+    if (!item.heldState || states[std::size_t(*item.heldState)].resourceCount > 0)
+        return;
+    const std::optional<int> now = knownState(tracker, item.item);
+    item.heldState = now == before ? std::nullopt : now;
+}
+
+void TrackerModel::unregisterItem(ModelItem &item)
+{
+    if (!installed || !item.heldState)
+        return;
+    Tracker &tracker = trackers[std::size_t(*installed)];
+    unregisterResources(tracker, item.item);
+    item.heldState = knownState(tracker, item.item);
+}
+
+void TrackerModel::decide(int state, int ModelItem::*toldCalls)
+{
+    const auto told = std::ranges::find(items, states[std::size_t(state)].owner, &ModelItem::item);
+    if (told == items.end())
+        return;
+    ++(*told.*toldCalls);
+    runSlot();
+}
+
+void TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInfo &info)
 {
     const auto known = std::ranges::find_if(tracker.resources, [&](const Entry &entry) {
-        return belongsTo(entry, item) && entry.id == info.id;
+        return belongsTo(entry, item) && entry.id == info.id && !entry.isLeaving;
     });
     if (known != tracker.resources.end()) {
         known->type = info.type;
@@ -245,7 +314,7 @@ int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInf
         known->url = info.url;
         addMessage(tracker, *known, Message::Updated);
         emitSignal(tracker, "resourcesChanged");
-        return known->state;
+        return;
     }
 
     const bool added = !tracker.owners.contains(item);
@@ -257,44 +326,84 @@ int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInf
     ++states[std::size_t(state)].resourceCount;
     const auto place =
         info.type == ResourceInfo::Image ? tracker.resources.end() : tracker.resources.begin();
-    const auto entry =
-        tracker.resources.insert(place, {info.url, info.name, info.id, info.type, state});
+    const auto entry = tracker.resources.insert(
+        place, {info.url, info.name, info.id, info.type, state, m_entryCount++});
     addMessage(tracker, *entry, Message::Registered);
     if (added)
         emitSignal(tracker, "resourceOwnerAdded");
     emitSignal(tracker, "resourcesChanged");
-    return state;
 }
 
+// A slot may clear the tracker while the entry is leaving it, and register the item with another state.
 void TrackerModel::unregisterResource(Tracker &tracker, int item, int id)
 {
     const auto entry = std::ranges::find_if(tracker.resources, [&](const Entry &candidate) {
-        return belongsTo(candidate, item) && candidate.id == id;
+        return belongsTo(candidate, item) && candidate.id == id && !candidate.isLeaving;
     });
     if (entry == tracker.resources.end())
         return;
+    const int number = entry->number;
+    const int state = entry->state;
+    entry->isLeaving = true;
     addMessage(tracker, *entry, Message::Unregistered);
-    if (--states[std::size_t(entry->state)].resourceCount == 0 && tracker.owners.erase(item) > 0)
+    if (!contains(tracker, number))
+        return;
+    if (--states[std::size_t(state)].resourceCount == 0 && knownState(tracker, item) == state) {
+        tracker.owners.erase(item);
         emitSignal(tracker, "resourceOwnerRemoved");
+    }
+    if (!contains(tracker, number))
+        return;
     tracker.resources.erase(entry);
     emitSignal(tracker, "resourcesChanged");
 }
 
 void TrackerModel::unregisterResources(Tracker &tracker, int item)
 {
-    const std::size_t count = tracker.resources.size();
-    for (auto entry = tracker.resources.begin(); entry != tracker.resources.end();) {
-        if (belongsTo(*entry, item)) {
-            addMessage(tracker, *entry, Message::Unregistered);
-            entry = tracker.resources.erase(entry);
-        } else {
-            ++entry;
-        }
+    std::vector<int> entries;
+    for (const Entry &entry : tracker.resources) {
+        if (belongsTo(entry, item) && !entry.isLeaving)
+            entries.push_back(entry.number);
     }
-    if (tracker.owners.erase(item) > 0)
+    const bool removed = remove(tracker, entries);
+    if (!keepsOwner(tracker, item) && tracker.owners.erase(item) > 0)
         emitSignal(tracker, "resourceOwnerRemoved");
-    if (tracker.resources.size() != count)
+    if (removed)
         emitSignal(tracker, "resourcesChanged");
+}
+
+// Whether it removed any: slots may have removed all of them.
+bool TrackerModel::remove(Tracker &tracker, const std::vector<int> &entries)
+{
+    bool removed = false;
+    for (const int number : entries) {
+        const auto entry = entryWithNumber(tracker, number);
+        if (entry == tracker.resources.end())
+            continue;
+        entry->isLeaving = true;
+        addMessage(tracker, *entry, Message::Unregistered);
+        if (!contains(tracker, number))
+            continue;
+        tracker.resources.erase(entry);
+        removed = true;
+    }
+    return removed;
+}
+
+// A slot may have registered something for an item that was to leave: the item stays, and its count is
+// that of what is there.
+bool TrackerModel::keepsOwner(const Tracker &tracker, int item)
+{
+    const std::optional<int> state = knownState(tracker, item);
+    if (!state || states[std::size_t(*state)].owner != item)
+        return false;
+    const auto isItsOwn = [&](const Entry &entry) { return entry.state == *state; };
+    const auto stays = [&](const Entry &entry) { return isItsOwn(entry) && !entry.isLeaving; };
+    if (std::ranges::none_of(tracker.resources, stays))
+        return false;
+    states[std::size_t(*state)].resourceCount =
+        int(std::ranges::count_if(tracker.resources, isItsOwn));
+    return true;
 }
 
 void TrackerModel::setStatus(Tracker &tracker, int state, int status)
@@ -303,15 +412,22 @@ void TrackerModel::setStatus(Tracker &tracker, int state, int status)
     if (!owner)
         return;
     states[std::size_t(state)].status = status;
+
+    std::vector<int> entries;
     for (const Entry &entry : tracker.resources) {
         if (belongsTo(entry, *owner))
-            addMessage(tracker, entry, Message::StatusChanged);
+            entries.push_back(entry.number);
+    }
+    for (const int number : entries) {
+        const auto entry = entryWithNumber(tracker, number);
+        if (entry != tracker.resources.end())
+            addMessage(tracker, *entry, Message::StatusChanged);
     }
 }
 
 // The item's states lose it before anything else happens. An item is known by its states even when the
-// application took it out of them.
-void TrackerModel::destroy(ItemAtPlace &place)
+// application took it out of them. Slots find the next item at the place already.
+void TrackerModel::destroy(ModelItem &place)
 {
     const int item = place.item;
     std::set<int> itsStates;
@@ -322,33 +438,30 @@ void TrackerModel::destroy(ItemAtPlace &place)
             if (belongsTo(entry, item))
                 itsStates.insert(entry.state);
         }
-        if (const auto known = tracker.owners.find(item); known != tracker.owners.end())
-            itsStates.insert(known->second);
+        if (const std::optional<int> known = knownState(tracker, item))
+            itsStates.insert(*known);
     }
 
+    m_dying.push_back(std::exchange(place, {.item = itemCount++, .heldState = {}}));
     for (const int state : itsStates)
         states[std::size_t(state)].owner.reset();
-    for (Tracker &tracker : trackers)
+    for (Tracker &tracker : std::views::reverse(trackers)) // the last one that was made begins
         forget(tracker, item, itsStates);
-    place = {.item = itemCount++, .heldState = {}};
+    m_dying.pop_back();
 }
 
 void TrackerModel::forget(Tracker &tracker, int item, const std::set<int> &itsStates)
 {
-    const bool isKnown = tracker.owners.erase(item) > 0;
-    bool left = false;
-    for (auto entry = tracker.resources.begin(); entry != tracker.resources.end();) {
-        if (itsStates.contains(entry->state)) {
-            addMessage(tracker, *entry, Message::Unregistered);
-            entry = tracker.resources.erase(entry);
-            left = true;
-        } else {
-            ++entry;
-        }
+    std::vector<int> entries;
+    for (const Entry &entry : tracker.resources) {
+        if (itsStates.contains(entry.state) && !entry.isLeaving)
+            entries.push_back(entry.number);
     }
+    const bool isKnown = tracker.owners.erase(item) > 0;
+    const bool removed = remove(tracker, entries);
     if (isKnown)
         emitSignal(tracker, "resourceOwnerRemoved");
-    if (left)
+    if (removed)
         emitSignal(tracker, "resourcesChanged");
 }
 
@@ -379,7 +492,7 @@ Message TrackerModel::composed(const Entry &entry, Message::Event event) const
     return message;
 }
 
-void TrackerModel::addMessage(Tracker &tracker, const Entry &entry, Message::Event event) const
+void TrackerModel::addMessage(Tracker &tracker, const Entry &entry, Message::Event event)
 {
     if (!tracker.messagesEnabled)
         return;
@@ -389,10 +502,20 @@ void TrackerModel::addMessage(Tracker &tracker, const Entry &entry, Message::Eve
         tracker.messages.clear();
 }
 
+// Written down as SignalRecorder does it.
+void TrackerModel::emitSignal(Tracker &tracker, const char *name)
+{
+    QStringList idTexts;
+    for (const Entry &entry : tracker.resources)
+        idTexts.append(QString::number(entry.id));
+    tracker.emissions.append(u"%1 [%2] owners %3 messages %4"_s.arg(
+        QLatin1StringView(name), idTexts.join(u' '), QString::number(tracker.owners.size()),
+        QString::number(tracker.messages.size())));
+    runSlot();
+}
+
 QString TrackerModel::violation() const
 {
-    if (dyingItemRegistered)
-        return u"an item registered something while it was being destroyed"_s;
     for (const Tracker &tracker : trackers) {
         for (const QString &violation : {entryViolation(tracker), ownerViolation(tracker)}) {
             if (!violation.isEmpty())
@@ -409,8 +532,6 @@ QString TrackerModel::entryViolation(const Tracker &tracker) const
 {
     std::set<std::pair<int, int>> identifiers;
     for (const Entry &entry : tracker.resources) {
-        if (entry.state == unseenState)
-            return u"an entry with a state that no owner had"_s;
         const std::optional<int> owner = states[std::size_t(entry.state)].owner;
         if (!owner)
             continue;
@@ -428,10 +549,6 @@ QString TrackerModel::entryViolation(const Tracker &tracker) const
 QString TrackerModel::ownerViolation(const Tracker &tracker) const
 {
     for (const auto &[item, number] : tracker.owners) {
-        if (item == goneItem)
-            return u"a dangling owner"_s;
-        if (number == unseenState)
-            return u"an owner with a state never seen"_s;
         const State &state = states[std::size_t(number)];
         if (state.owner && *state.owner != item)
             return u"a state with another owner"_s;
@@ -446,6 +563,13 @@ QString TrackerModel::ownerViolation(const Tracker &tracker) const
 
 TrackerSubject::TrackerSubject()
 {
+    using Signal = void (SceneResourceTracker::*)();
+    for (const auto &watched : trackers) {
+        for (const Signal signal :
+             {&SceneResourceTracker::resourcesChanged, &SceneResourceTracker::resourceOwnerAdded,
+              &SceneResourceTracker::resourceOwnerRemoved, &SceneResourceTracker::messagesAdded})
+            QObject::connect(&watched.tracker, signal, &m_context, [this] { makeCalls(); });
+    }
     setSceneResourceTracker(&trackers.front().tracker);
     for (int place = 0; place < placeCount; ++place)
         create(place);
@@ -462,10 +586,7 @@ void TrackerSubject::create(int place)
     m_itemNumbers[at] = m_itemCount++;
     items[at] = std::make_unique<Item>();
     items[at]->setObjectName(itemName(m_itemNumbers[at]));
-    items[at]->onAllow = items[at]->onRelease = [this] {
-        if (onDecision)
-            onDecision();
-    };
+    items[at]->onAllow = items[at]->onRelease = [this] { makeCalls(); };
 }
 
 // Slots find the next item at the place already.
@@ -487,20 +608,38 @@ AbstractResourceOwner *TrackerSubject::dyingItem(const TrackerStep &step) const
     return m_dying[std::size_t(step.place) % m_dying.size()];
 }
 
-void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
+void TrackerSubject::run(const TrackerCalls &calls)
 {
     for (Watched &watched : trackers)
         watched.recorder.clear();
+    m_calls = calls;
+    m_nextCall = 0;
+    makeCalls();
+}
+
+// A state that comes up is seen by the first slot behind.
+void TrackerSubject::makeCalls()
+{
+    noteStates();
+    while (m_nextCall < m_calls.size()) {
+        const std::optional<TrackerCall> next = m_calls[m_nextCall++];
+        if (!next)
+            return;
+        call(*next);
+    }
+}
+
+void TrackerSubject::call(const TrackerCall &call)
+{
+    const TrackerStep &step = call.step;
     Watched &called = trackers[std::size_t(step.tracker)];
     SceneResourceTracker &tracker = called.tracker;
     Item *const itemAtPlace = items[std::size_t(step.place)].get();
     AbstractResourceOwner *const dying = dyingItem(step);
     AbstractResourceOwner *const item = dying ? dying : itemAtPlace;
     const ResourceInfo info = step.info();
-    const std::optional<int> usable = model.usableState(step);
     const auto state =
-        usable ? m_states[std::size_t(*usable)] : QSharedPointer<ResourceOwnerState>();
-    bool registered = false;
+        call.state ? m_states[std::size_t(*call.state)] : QSharedPointer<ResourceOwnerState>();
 
     switch (step.kind) {
     case TrackerStep::RegisterDirectly:
@@ -513,10 +652,10 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
         tracker.unregisterResources(item);
         break;
     case TrackerStep::RegisterImage:
-        registered = item->registerImage(info.id, info.url);
+        m_registrations += item->registerImage(info.id, info.url);
         break;
     case TrackerStep::Register:
-        registered = item->registerResource(info.id, info.name, info.type);
+        m_registrations += item->registerResource(info.id, info.name, info.type);
         break;
     case TrackerStep::Unregister:
         item->unregisterResource(step.id);
@@ -564,8 +703,6 @@ void TrackerSubject::run(const TrackerStep &step, const TrackerModel &model)
         destroy(step.place);
         break;
     }
-    m_dyingItemRegistered |= dying && registered;
-    noteStates();
 }
 
 void TrackerSubject::noteStates()
@@ -601,7 +738,7 @@ TrackerModel TrackerSubject::model() const
     TrackerModel result;
     result.itemCount = m_itemCount;
     result.installed.reset();
-    result.dyingItemRegistered = m_dyingItemRegistered;
+    result.registrations = m_registrations;
     for (const auto &state : m_states) {
         result.states.push_back(
             {state->status, itemNumber(state->owner), state->resourceCount, state->geometry});
@@ -642,6 +779,9 @@ QString TrackerSubject::difference(const TrackerModel &expected) const
     const TrackerModel actual = model();
     if (actual.installed != expected.installed)
         return u"tracker %1 is installed"_s.arg(actual.installed.value_or(-1));
+    if (actual.registrations != expected.registrations)
+        return u"%1 registrations; expected %2"_s.arg(actual.registrations)
+            .arg(expected.registrations);
     for (std::size_t i = 0; i < trackers.size(); ++i) {
         const QString found = difference(actual.trackers[i], expected.trackers[i]);
         if (!found.isEmpty())

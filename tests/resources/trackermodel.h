@@ -24,7 +24,8 @@ constexpr int goneItem = -1;
 constexpr int unseenState = -1;
 
 // One call of a tracker or of an item. A state is any that a tracker ever made, by its number; no
-// step uses a state whose owner was destroyed after it left the tracker, as the application must not.
+// step uses a state whose owner was destroyed after it left the tracker, and none destroys an item inside
+// one of its own functions, as the application must not.
 struct TrackerStep
 {
     enum Kind {
@@ -63,8 +64,21 @@ struct TrackerStep
     QString described() const;
 };
 
-// What the trackers and the items should be after each step, by the plain rules: no slot calls back.
-// Items and states are numbered as they come up.
+// What slots, and items that are told of a decision, call back, in the order in which they are called:
+// a slot takes steps up to the next nothing. Behind the last one they call nothing any more.
+using Reactions = std::vector<std::optional<TrackerStep>>;
+
+// A step, and the state that it uses, if it may use it.
+struct TrackerCall
+{
+    TrackerStep step;
+    std::optional<int> state;
+};
+// A step and what was called back inside it; nothing where a slot returned.
+using TrackerCalls = std::vector<std::optional<TrackerCall>>;
+
+// What the trackers and the items should be after each step, by the plain rules. Items and states are
+// numbered as they come up.
 struct TrackerModel
 {
     struct State
@@ -81,6 +95,8 @@ struct TrackerModel
         int id;
         ResourceInfo::Type type;
         int state;
+        int number = 0;         // of its registration
+        bool isLeaving = false; // while its removal is announced
     };
     using Message = SceneResourceTracker::Message; // without the owner's address
     struct Tracker
@@ -92,21 +108,20 @@ struct TrackerModel
         bool registrationBlocked = false;
         QStringList emissions; // of the last step
     };
-    struct ItemAtPlace
+    struct ModelItem
     {
         int item;
         std::optional<int> heldState;
         int allowCalls = 0;
         int releaseCalls = 0;
+        int runningCalls = 0; // of its own functions
     };
 
     TrackerModel();
 
-    void apply(const TrackerStep &step);
+    void apply(const TrackerStep &step, const Reactions &reactions = {});
 
-    // The state that the step uses, if it may be used.
-    std::optional<int> usableState(const TrackerStep &step) const;
-    bool isAllowed(const ItemAtPlace &item) const;
+    bool isAllowed(const ModelItem &item) const;
 
     // Which rule is broken of those that hold whatever slots have done; empty when none is.
     QString violation() const;
@@ -114,24 +129,43 @@ struct TrackerModel
     std::vector<State> states;
     std::array<Tracker, trackerCount> trackers;
     std::optional<int> installed = 0;
-    std::array<ItemAtPlace, placeCount> items;
+    std::array<ModelItem, placeCount> items;
     int itemCount = 0;
-    bool dyingItemRegistered = false;
+    int registrations = 0; // that items were told to have succeeded
+    TrackerCalls calls;    // of the last step
 
 private:
-    int registerResource(Tracker &tracker, int item, const ResourceInfo &info);
+    void call(const TrackerStep &step);
+    void runSlot();
+    std::optional<int> usableState(const TrackerStep &step) const;
+    ModelItem *dyingItem(const TrackerStep &step);
+
+    void registerItem(ModelItem &item, const ResourceInfo &info);
+    void unregisterItem(ModelItem &item, int id);
+    void unregisterItem(ModelItem &item);
+    void decide(int state, int ModelItem::*toldCalls);
+    void destroy(ModelItem &place);
+
+    void registerResource(Tracker &tracker, int item, const ResourceInfo &info);
     void unregisterResource(Tracker &tracker, int item, int id);
     void unregisterResources(Tracker &tracker, int item);
     void setStatus(Tracker &tracker, int state, int status);
-    void destroy(ItemAtPlace &place);
     void forget(Tracker &tracker, int item, const std::set<int> &itsStates);
+    bool remove(Tracker &tracker, const std::vector<int> &entries);
+    bool keepsOwner(const Tracker &tracker, int item);
 
     bool belongsTo(const Entry &entry, int item) const;
     Message composed(const Entry &entry, Message::Event event) const;
-    void addMessage(Tracker &tracker, const Entry &entry, Message::Event event) const;
+    void addMessage(Tracker &tracker, const Entry &entry, Message::Event event);
+    void emitSignal(Tracker &tracker, const char *name);
 
     QString entryViolation(const Tracker &tracker) const;
     QString ownerViolation(const Tracker &tracker) const;
+
+    Reactions m_reactions; // of the last step
+    std::size_t m_nextReaction = 0;
+    std::list<ModelItem> m_dying; // the last one began last
+    int m_entryCount = 0;
 };
 
 // The trackers and the items themselves.
@@ -141,13 +175,11 @@ public:
     TrackerSubject();
     ~TrackerSubject();
 
-    // The model is what holds before the step.
-    void run(const TrackerStep &step, const TrackerModel &model);
+    // Makes the first call, and the others from inside slots.
+    void run(const TrackerCalls &calls);
 
     // How the subject differs from the model after a step; empty when it does not.
     QString difference(const TrackerModel &model) const;
-    // The subject as it is now.
-    TrackerModel model() const;
 
     struct Watched
     {
@@ -157,7 +189,6 @@ public:
     };
     std::array<Watched, trackerCount> trackers;
     std::array<std::unique_ptr<Item>, placeCount> items;
-    std::function<void()> onDecision; // called by an item that is told to allow or release
 
 private:
     Q_DISABLE_COPY_MOVE(TrackerSubject)
@@ -165,7 +196,10 @@ private:
     void create(int place);
     void destroy(int place);
     AbstractResourceOwner *dyingItem(const TrackerStep &step) const;
+    void makeCalls();
+    void call(const TrackerCall &call);
     void noteStates();
+    TrackerModel model() const;
     TrackerModel::Tracker model(const Watched &watched) const;
     QString difference(const TrackerModel::Tracker &actual,
                        const TrackerModel::Tracker &expected) const;
@@ -177,7 +211,10 @@ private:
     std::array<int, placeCount> m_itemNumbers{};
     int m_itemCount = 0;
     std::vector<AbstractResourceOwner *> m_dying; // the last one began last
-    bool m_dyingItemRegistered = false;
+    int m_registrations = 0;
+    TrackerCalls m_calls;
+    std::size_t m_nextCall = 0;
+    QObject m_context; // of the slots, which go first
 };
 
 } // namespace ovelin::tests
