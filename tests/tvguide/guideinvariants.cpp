@@ -47,4 +47,12 @@ QString guideViolation(const Guide &guide)
     return {};
 }
 
+QString resultViolation(const XmltvResult &result, int problems)
+{
+    const int ofTheFile = problems - result.skippedEntries;
+    if (ofTheFile < 0 || ofTheFile > 1)
+        return u"%1 problems with %2 entries left out"_s.arg(problems).arg(result.skippedEntries);
+    return guideViolation(result.guide);
+}
+
 } // namespace tvguide::tests

@@ -1,7 +1,7 @@
 #ifndef OVELIN_TESTS_TVGUIDE_GUIDEINVARIANTS_H
 #define OVELIN_TESTS_TVGUIDE_GUIDEINVARIANTS_H
 
-#include "guide.h"
+#include "xmltvreader.h"
 
 namespace tvguide::tests {
 
@@ -11,6 +11,8 @@ namespace tvguide::tests {
 QString problemViolation(const QString &line);
 QString channelViolation(const Channel &channel);
 QString guideViolation(const Guide &guide);
+// Each entry left out is a problem, and so is a file that breaks off.
+QString resultViolation(const XmltvResult &result, int problems);
 
 } // namespace tvguide::tests
 

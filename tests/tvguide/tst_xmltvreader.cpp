@@ -40,7 +40,7 @@ Reading readBytes(QByteArray bytes, const QString &language = u"ru"_s)
     Reading reading;
     reading.result = readXmltv(buffer, fileName, language,
                                [&](const QString &line) { reading.problems += line; });
-    requireNone(guideViolation(reading.result.guide));
+    requireNone(resultViolation(reading.result, int(reading.problems.size())));
     for (const QString &line : std::as_const(reading.problems))
         requireNone(problemViolation(line));
     return reading;
@@ -125,6 +125,14 @@ void tst_XmltvReader::brokenRulesAreReported()
         channel.programmes = programmes;
         QVERIFY(!channelViolation(channel).isEmpty());
     }
+
+    const XmltvResult twoLeftOut{.guide = Guide({sound}, {}), .skippedEntries = 2};
+    QCOMPARE(resultViolation(twoLeftOut, 2), QString());
+    QCOMPARE(resultViolation(twoLeftOut, 3), QString());
+    QVERIFY(!resultViolation(twoLeftOut, 1).isEmpty());
+    QVERIFY(!resultViolation(twoLeftOut, 4).isEmpty());
+    QVERIFY(
+        !resultViolation({.guide = Guide({sound, sound}, {}), .skippedEntries = 0}, 0).isEmpty());
 
     QCOMPARE(problemViolation(u"guide.xml:1:2: «»"_s), QString());
     QVERIFY(!problemViolation(u"\u001b[2J"_s).isEmpty());
