@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace ovelin {
 
@@ -236,7 +237,7 @@ bool TextMeasure::isKnownToFit(qsizetype from, qsizetype to, Fits fits) const
 bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits)
 {
     if (from != m_ahead.from)
-        m_ahead = {.from = from, .to = from, .mostMore = text.size()};
+        m_ahead = {.from = from, .to = from, .mostMore = std::numeric_limits<qsizetype>::max()};
     while (!isKnownToFit(from, to, fits)) {
         const auto unknown = double(std::max<qsizetype>(0, to - m_ahead.to));
         const auto room = static_cast<qsizetype>(

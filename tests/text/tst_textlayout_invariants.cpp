@@ -180,6 +180,7 @@ private Q_SLOTS:
     void shapesNothingOfWhatIsCutOff();
     void shapesFewBeginningsOfAWordThatIsSplit();
     void readsOnBehindAHyphenThatWasMoved();
+    void measuresFartherAheadOnALongerLine();
 };
 
 void tst_TextLayoutInvariants::initTestCase()
@@ -436,6 +437,22 @@ void tst_TextLayoutInvariants::readsOnBehindAHyphenThatWasMoved()
         QSKIP("This Qt contains the text shaper, whose calls cannot be counted.");
 
     QCOMPARE(layoutCalls(first + more, width, maxLineCount), calls);
+}
+
+// Of words that have to be measured, on one line: no more calls for each where there are more of them.
+void tst_TextLayoutInvariants::measuresFartherAheadOnALongerLine()
+{
+    constexpr int width = 10'000;
+    constexpr int words = 100;
+    const QString word = QStringLiteral("ש") + QStringLiteral("\u05b0").repeated(60) + u' ';
+    const QString line = word.repeated(4 * words);
+    QVERIFY(advance(line) < width);
+
+    const int calls = layoutCalls(word.repeated(words), width, 1);
+    if (calls == 0)
+        QSKIP("This Qt contains the text shaper, whose calls cannot be counted.");
+
+    QCOMPARE_LE(layoutCalls(line, width, 1), 4 * calls);
 }
 
 QTEST_MAIN(tst_TextLayoutInvariants)
