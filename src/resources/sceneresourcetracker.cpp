@@ -314,7 +314,8 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
     \fn void ovelin::SceneResourceTracker::resourceOwnerRemoved()
 
     Emitted when an owner left owners(), before resourcesChanged(). After unregisterResource() the
-    owner's last entry is still in the list at that moment; after unregisterResources() none is.
+    owner's last entry is still in the list at that moment; after unregisterResources() none is, but for
+    one whose removal is just being announced.
 */
 
 /*!
