@@ -18,11 +18,6 @@ namespace ovelin::tests {
 constexpr int trackerCount = 2;
 constexpr int placeCount = 3;
 
-// What an owner is called that is at no place.
-constexpr int goneItem = -1;
-// What a state is called that no owner was seen with.
-constexpr int unseenState = -1;
-
 // One call of a tracker or of an item. A state is any that a tracker ever made, by its number; no
 // step uses a state whose owner was destroyed after it left the tracker, and none destroys an item inside
 // one of its own functions, as the application must not.
@@ -53,8 +48,8 @@ struct TrackerStep
     Kind kind;
     int tracker;
     int place;
-    int id;
-    int number; // of the state, the status, the type, the geometry
+    int id;     // of the resource; makes the status and the geometry, too
+    int number; // chooses the state; makes the type, the URL and the name
     bool flag;  // what is switched on; whether a dying item is called, while there is one
 
     ResourceInfo info() const;
@@ -65,7 +60,7 @@ struct TrackerStep
 };
 
 // What slots, and items that are told of a decision, call back, in the order in which they are called:
-// a slot takes steps up to the next nothing. Behind the last one they call nothing any more.
+// a slot takes steps up to the next nothing. When all are taken, the others call nothing.
 using Reactions = std::vector<std::optional<TrackerStep>>;
 
 // A step, and the state that it uses, if it may use it.
@@ -74,12 +69,9 @@ struct TrackerCall
     TrackerStep step;
     std::optional<int> state;
 };
-// A step and what was called back inside it; nothing where a slot returned.
-using TrackerCalls = std::vector<std::optional<TrackerCall>>;
 
-// What the trackers and the items should be after each step, by the plain rules. Items and states are
-// numbered as they come up.
-struct TrackerModel
+// What there is to see of the trackers and of the items. Items and states are numbered as they come up.
+struct TrackerSituation
 {
     struct State
     {
@@ -95,8 +87,9 @@ struct TrackerModel
         int id;
         ResourceInfo::Type type;
         int state;
-        int number = 0;         // of its registration
-        bool isLeaving = false; // while its removal is announced
+        // Only the model knows:
+        int number = 0;         // of the registration
+        bool isLeaving = false; // while the removal is announced
     };
     using Message = SceneResourceTracker::Message; // without the owner's address
     struct Tracker
@@ -104,49 +97,62 @@ struct TrackerModel
         std::list<Entry> resources;
         std::map<int, int> owners; // items and their states
         QList<Message> messages;
-        bool messagesEnabled = false;
+        bool messagesEnabled = false; // only the model knows
         bool registrationBlocked = false;
-        QStringList emissions; // of the last step
     };
-    struct ModelItem
+    struct ItemAtPlace
     {
         int item;
         std::optional<int> heldState;
-        int allowCalls = 0;
-        int releaseCalls = 0;
-        int runningCalls = 0; // of its own functions
+        bool isAllowed = true;
+        int runningCalls = 0; // of its own functions; only the model knows
+    };
+
+    // How it differs from the other one; empty when it does not.
+    QString difference(const TrackerSituation &expected) const;
+
+    std::vector<State> states;
+    std::array<Tracker, trackerCount> trackers;
+    std::optional<int> installed;
+    std::array<ItemAtPlace, placeCount> items;
+};
+
+// What the trackers and the items should be after each step, and whenever a slot or an item is called in
+// it, by the plain rules.
+struct TrackerModel : TrackerSituation
+{
+    struct Moment
+    {
+        QString cause;
+        TrackerSituation situation;
     };
 
     TrackerModel();
 
     void apply(const TrackerStep &step, const Reactions &reactions = {});
 
-    bool isAllowed(const ModelItem &item) const;
-
     // Which rule is broken of those that hold whatever slots have done; empty when none is.
     QString violation() const;
 
-    std::vector<State> states;
-    std::array<Tracker, trackerCount> trackers;
-    std::optional<int> installed = 0;
-    std::array<ModelItem, placeCount> items;
-    int itemCount = 0;
-    int registrations = 0; // that items were told to have succeeded
-    TrackerCalls calls;    // of the last step
+    // Of the last step: itself and what was called back inside it, with nothing where a slot returned; and
+    // the moments in between, of which the last one is the end.
+    std::vector<std::optional<TrackerCall>> calls;
+    std::vector<Moment> moments;
 
 private:
     void call(const TrackerStep &step);
-    void runSlot();
+    void runSlot(const QString &cause);
+    void noteMoment(const QString &cause);
     std::optional<int> usableState(const TrackerStep &step) const;
-    ModelItem *dyingItem(const TrackerStep &step);
+    ItemAtPlace *dyingItem(const TrackerStep &step);
 
-    void registerItem(ModelItem &item, const ResourceInfo &info);
-    void unregisterItem(ModelItem &item, int id);
-    void unregisterItem(ModelItem &item);
-    void decide(int state, int ModelItem::*toldCalls);
-    void destroy(ModelItem &place);
+    void registerItem(ItemAtPlace &item, const ResourceInfo &info);
+    void unregisterItem(ItemAtPlace &item, int id);
+    void unregisterItem(ItemAtPlace &item);
+    void decide(int state, const QString &decision);
+    void destroy(ItemAtPlace &place);
 
-    void registerResource(Tracker &tracker, int item, const ResourceInfo &info);
+    int registerResource(Tracker &tracker, int item, const ResourceInfo &info);
     void unregisterResource(Tracker &tracker, int item, int id);
     void unregisterResources(Tracker &tracker, int item);
     void setStatus(Tracker &tracker, int state, int status);
@@ -157,14 +163,16 @@ private:
     bool belongsTo(const Entry &entry, int item) const;
     Message composed(const Entry &entry, Message::Event event) const;
     void addMessage(Tracker &tracker, const Entry &entry, Message::Event event);
-    void emitSignal(Tracker &tracker, const char *name);
+    void emitSignal(const Tracker &tracker, const QString &name);
+    bool isAllowed(const ItemAtPlace &item) const;
 
     QString entryViolation(const Tracker &tracker) const;
     QString ownerViolation(const Tracker &tracker) const;
 
     Reactions m_reactions; // of the last step
     std::size_t m_nextReaction = 0;
-    std::list<ModelItem> m_dying; // the last one began last
+    std::list<ItemAtPlace> m_dying; // the last one began last
+    int m_itemCount = 0;
     int m_entryCount = 0;
 };
 
@@ -175,20 +183,11 @@ public:
     TrackerSubject();
     ~TrackerSubject();
 
-    // Makes the first call, and the others from inside slots.
-    void run(const TrackerCalls &calls);
+    // Makes the calls of the model's last step, each where the model made it, and compares the situation at
+    // each of the model's moments. Tells the first difference; empty when there is none.
+    QString run(const TrackerModel &model);
 
-    // How the subject differs from the model after a step; empty when it does not.
-    QString difference(const TrackerModel &model) const;
-
-    struct Watched
-    {
-        SceneResourceTracker tracker;
-        SignalRecorder recorder{tracker};
-        bool messagesEnabled = false;
-    };
-    std::array<Watched, trackerCount> trackers;
-    std::array<std::unique_ptr<Item>, placeCount> items;
+    std::array<SceneResourceTracker, trackerCount> trackers;
 
 private:
     Q_DISABLE_COPY_MOVE(TrackerSubject)
@@ -196,25 +195,39 @@ private:
     void create(int place);
     void destroy(int place);
     AbstractResourceOwner *dyingItem(const TrackerStep &step) const;
-    void makeCalls();
-    void call(const TrackerCall &call);
-    void noteStates();
-    TrackerModel model() const;
-    TrackerModel::Tracker model(const Watched &watched) const;
-    QString difference(const TrackerModel::Tracker &actual,
-                       const TrackerModel::Tracker &expected) const;
-    int stateNumber(const QSharedPointer<ResourceOwnerState> &state) const;
-    std::optional<int> itemNumber(const IResourceOwner *owner) const;
-    QString objectAddress(const QString &objectName) const;
 
-    std::vector<QSharedPointer<ResourceOwnerState>> m_states;
-    std::array<int, placeCount> m_itemNumbers{};
+    void call(const TrackerCall &call);
+    void runSlot(const QString &cause);
+    void compare(const QString &cause);
+
+    void noteStates();
+    TrackerSituation situation() const;
+    TrackerSituation::Tracker situation(const SceneResourceTracker &tracker) const;
+    std::optional<int> stateNumber(const QSharedPointer<ResourceOwnerState> &state) const;
+    std::optional<int> ownerNumber(const IResourceOwner *owner) const;
+    bool hasWrongAddress(const SceneResourceTracker &tracker) const;
+
+    struct State
+    {
+        QSharedPointer<ResourceOwnerState> state;
+        std::optional<int> goneOwner; // which it still points to
+    };
+    struct NumberedItem
+    {
+        int number;
+        std::unique_ptr<Item> item;
+    };
+
+    std::vector<State> m_states;
+    std::array<NumberedItem, placeCount> m_items;
     int m_itemCount = 0;
-    std::vector<AbstractResourceOwner *> m_dying; // the last one began last
-    int m_registrations = 0;
-    TrackerCalls m_calls;
+    std::vector<std::pair<int, AbstractResourceOwner *>> m_dying; // the last one began last
+
+    const TrackerModel *m_model = nullptr; // while its calls are made
     std::size_t m_nextCall = 0;
-    QObject m_context; // of the slots, which go first
+    std::size_t m_nextMoment = 0;
+    QString m_difference;
+    QObject m_context; // destroyed first, so that no slot runs while the items go
 };
 
 } // namespace ovelin::tests
