@@ -6,11 +6,13 @@
 #include <QBuffer>
 #include <QXmlStreamWriter>
 
-#include <array>
+#include <algorithm>
+#include <iterator>
+#include <vector>
 
 // Any file, and guides of any elements. Whatever stands in it, the guide that comes of it is one that can
-// be shown, and each problem is told on one line. Bytes that begin as a file does are the file; others say
-// how one is written.
+// be shown, and each problem is told on one line. Behind a byte of zero stands how a file is written, call by
+// call; other bytes are the file.
 
 using namespace tvguide;
 using namespace tvguide::tests;
@@ -24,38 +26,51 @@ constexpr std::size_t longestText = 40;
 struct Element
 {
     QLatin1StringView name;
-    std::array<QLatin1StringView, 3> attributes; // null where there are fewer
+    QList<QLatin1StringView> attributes;
+    QList<QLatin1StringView> children;
 };
 
-constexpr Element elements[] = {
-    {"channel"_L1, {"id"_L1}},    {"programme"_L1, {"channel"_L1, "start"_L1, "stop"_L1}},
-    {"title"_L1, {"lang"_L1}},    {"desc"_L1, {"lang"_L1}},
-    {"category"_L1, {"lang"_L1}}, {"display-name"_L1, {"lang"_L1}},
-    {"icon"_L1, {"src"_L1}},      {"tv"_L1, {}},
-    {"credits"_L1, {}},
+const Element elements[] = {
+    {"tv"_L1, {}, {"channel"_L1, "programme"_L1}},
+    {"channel"_L1, {"id"_L1}, {"display-name"_L1, "icon"_L1}},
+    {"programme"_L1,
+     {"channel"_L1, "start"_L1, "stop"_L1},
+     {"title"_L1, "desc"_L1, "category"_L1, "icon"_L1}},
+    {"display-name"_L1, {"lang"_L1}, {}},
+    {"title"_L1, {"lang"_L1}, {}},
+    {"desc"_L1, {"lang"_L1}, {"title"_L1}},
+    {"category"_L1, {"lang"_L1}, {}},
+    {"icon"_L1, {"src"_L1}, {}},
 };
+
+// In one of eight cases.
+bool isOdd(FuzzedDataProvider &data)
+{
+    return data.ConsumeIntegralInRange(0, 7) == 0;
+}
 
 QString anyText(FuzzedDataProvider &data)
 {
     return QString::fromStdString(data.ConsumeRandomLengthString(longestText));
 }
 
-// In an evening, as a rule: programmes meet there.
+// In one evening, so that programmes meet.
 QString anyTime(FuzzedDataProvider &data)
 {
-    const auto twoDigits = [&](int highest) {
-        return u"%1"_s.arg(data.ConsumeIntegralInRange(0, highest), 2, 10, QChar(u'0'));
-    };
-    const QString offset =
-        data.PickValueInArray({u""_s, u" +0300"_s, u" -0930"_s, u" UTC"_s, u" +2400"_s});
-    const QString day = data.PickValueInArray(
-        {u"20250314"_s, u"20250315"_s, u"00010101"_s, u"99991231"_s, u"20250230"_s});
-    return day + twoDigits(24) + twoDigits(60) + twoDigits(60) + offset;
+    if (isOdd(data)) {
+        return data.PickValueInArray({u"20250230190000"_s, u"00010101000000"_s,
+                                      u"99991231235959 -2359"_s, u"20250314"_s, u"2025031419 UTC"_s,
+                                      u"20250314196000"_s, u"20250314190060 +2400"_s});
+    }
+    const int hour = data.ConsumeIntegralInRange(19, 24);
+    const QString minute = data.PickValueInArray({u"00"_s, u"30"_s, u"59"_s});
+    const QString offset = data.PickValueInArray({u" +0300"_s, u""_s, u" +0330"_s});
+    return u"20250314%1%2"_s.arg(QString::number(hour), minute) + u"00"_s + offset;
 }
 
 QString anyValue(QLatin1StringView attribute, FuzzedDataProvider &data)
 {
-    if (data.ConsumeIntegralInRange(0, 7) == 0)
+    if (isOdd(data))
         return anyText(data);
     if (attribute == "start"_L1 || attribute == "stop"_L1)
         return anyTime(data);
@@ -66,64 +81,115 @@ QString anyValue(QLatin1StringView attribute, FuzzedDataProvider &data)
     return data.PickValueInArray({u"a"_s, u"b"_s, u" a "_s, u""_s});
 }
 
-void startElement(QXmlStreamWriter &writer, FuzzedDataProvider &data)
+// Writes a guide that is mostly as it should be.
+class Writer
 {
-    const Element &element = data.PickValueInArray(elements);
-    writer.writeStartElement(element.name);
+public:
+    Writer(QIODevice &device, FuzzedDataProvider &data)
+        : m_writer(&device)
+        , m_data(data)
+    {
+    }
+
+    void write();
+
+private:
+    void startElement(const Element &element);
+    void endElement();
+    const Element &anyChild();
+    void writeContent();
+
+    QXmlStreamWriter m_writer;
+    FuzzedDataProvider &m_data;
+    std::vector<const Element *> m_open;
+};
+
+void Writer::write()
+{
+    m_writer.writeStartDocument();
+    m_writer.writeDTD(u"<!DOCTYPE tv [<!ENTITY a \"&#x43a;\"><!ENTITY b \"&a;&a;\">]>"_s);
+    startElement(elements[0]);
+    for (int calls = 0; calls < mostCalls && m_data.remaining_bytes() > 0; ++calls) {
+        switch (m_data.ConsumeIntegralInRange(0, 3)) {
+        case 0:
+            writeContent();
+            break;
+        case 1:
+            endElement();
+            break;
+        default:
+            startElement(anyChild());
+        }
+    }
+    m_writer.writeEndDocument();
+}
+
+void Writer::startElement(const Element &element)
+{
+    m_open.push_back(&element);
+    m_writer.writeStartElement(element.name);
     for (const QLatin1StringView attribute : element.attributes) {
-        if (!attribute.isNull() && data.ConsumeIntegralInRange(0, 7) > 0)
-            writer.writeAttribute(attribute, anyValue(attribute, data));
+        if (!isOdd(m_data))
+            m_writer.writeAttribute(attribute, anyValue(attribute, m_data));
     }
 }
 
-void write(QXmlStreamWriter &writer, FuzzedDataProvider &data)
+// Nothing is read behind the end of the guide, which is left to the end of the document.
+void Writer::endElement()
 {
-    switch (data.ConsumeIntegralInRange(0, 9)) {
+    if (m_open.size() == 1)
+        return;
+    m_open.pop_back();
+    m_writer.writeEndElement();
+}
+
+const Element &Writer::anyChild()
+{
+    const QList<QLatin1StringView> &usual = m_open.back()->children;
+    if (usual.isEmpty() || isOdd(m_data))
+        return elements[m_data.ConsumeIntegralInRange<std::size_t>(0, std::size(elements) - 1)];
+    const auto name = usual[m_data.ConsumeIntegralInRange<qsizetype>(0, usual.size() - 1)];
+    return *std::ranges::find(elements, name, &Element::name);
+}
+
+void Writer::writeContent()
+{
+    switch (m_data.ConsumeIntegralInRange(0, 31)) {
     case 0:
-        writer.writeComment(anyText(data));
+        m_writer.device()->write(
+            anyText(m_data).toUtf8()); // into a tag that is not closed yet, too
         break;
     case 1:
-        writer.writeCDATA(anyText(data));
+        m_writer.writeComment(anyText(m_data).remove(u'-')); // of which two would end it
         break;
     case 2:
-        writer.writeEntityReference(data.PickValueInArray({u"a"_s, u"amp"_s, u"#x41"_s, u"b"_s}));
-        break;
     case 3:
-        writer.device()->write(anyText(data).toUtf8()); // into a tag that is not closed yet, too
+        m_writer.writeCDATA(anyText(m_data));
         break;
     case 4:
     case 5:
-        writer.writeCharacters(anyText(data));
+        m_writer.writeEntityReference(m_data.PickValueInArray({u"a"_s, u"b"_s, u"amp"_s, u"c"_s}));
         break;
     case 6:
     case 7:
-        writer.writeEndElement();
+    case 8:
+    case 9:
+        m_writer.writeCharacters(QString::number(m_data.ConsumeIntegral<quint8>()));
         break;
     default:
-        startElement(writer, data);
+        m_writer.writeCharacters(anyText(m_data));
     }
-}
-
-QByteArray writtenFile(FuzzedDataProvider &data)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    QXmlStreamWriter writer(&buffer);
-    writer.writeStartDocument();
-    writer.writeDTD(u"<!DOCTYPE tv [<!ENTITY a \"&#x43a;\"><!ENTITY b \"&a;&a;\">]>"_s);
-    writer.writeStartElement("tv"_L1);
-    for (int calls = 0; calls < mostCalls && data.remaining_bytes() > 0; ++calls)
-        write(writer, data);
-    writer.writeEndDocument();
-    return buffer.data();
 }
 
 QByteArray anyFile(const uint8_t *bytes, size_t size)
 {
-    if (size > 0 && bytes[0] == '<')
+    if (size == 0 || bytes[0] != 0)
         return {reinterpret_cast<const char *>(bytes), qsizetype(size)};
-    FuzzedDataProvider data(bytes, size);
-    return writtenFile(data);
+    FuzzedDataProvider data(bytes + 1, size - 1);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    Writer(buffer, data).write();
+    return buffer.data();
 }
 
 } // namespace
