@@ -76,7 +76,9 @@ fi
 use_workshop
 build_tree fuzz "${targets[@]/#/fuzz_}"
 if (($#)) && ! is_number "$1"; then
-    fuzzer_run "${targets[0]}" "$@" || fail "The input still fails; what was found is above."
+    mkdir --parents "$fuzzer_results"
+    fuzzer_run "${targets[0]}" "-artifact_prefix=$fuzzer_results/" "$@" \
+        || fail "The input still fails; what was found is above."
     exit
 fi
 for target in "${targets[@]}"; do
