@@ -27,9 +27,12 @@ is_number()
     [[ $1 =~ ^[0-9]+$ ]]
 }
 
+# fuzzer_run TARGET ARGS
 fuzzer_run()
 {
-    UBSAN_OPTIONS=print_stacktrace=1 inside "$tree/tests/fuzz/fuzz_$1" "${@:2}"
+    mkdir --parents "$fuzzer_results/$1"
+    UBSAN_OPTIONS=print_stacktrace=1 inside "$tree/tests/fuzz/fuzz_$1" \
+        "-artifact_prefix=$fuzzer_results/$1/" "${@:2}"
 }
 
 fuzzer_log_value()
@@ -45,7 +48,7 @@ fuzz()
     mkdir --parents "$results/corpus"
     say "Fuzzing $target for $seconds seconds; its log is $(short_path "$log")"
     fuzzer_run "$target" "$results/corpus" "$corpus" "-dict=$fuzzer_sources/$target.dict" \
-        "-artifact_prefix=$results/" "-max_total_time=$seconds" "-timeout=$most_seconds_per_input" \
+        "-max_total_time=$seconds" "-timeout=$most_seconds_per_input" \
         "-max_len=$longest_input" -print_final_stats=1 >"$log" 2>&1 \
         || fuzzing_failed "$target" "$log"
     say "$target: $(fuzzer_log_value stat::number_of_executed_units: "$log") executions," \
@@ -76,9 +79,7 @@ fi
 use_workshop
 build_tree fuzz "${targets[@]/#/fuzz_}"
 if (($#)) && ! is_number "$1"; then
-    mkdir --parents "$fuzzer_results"
-    fuzzer_run "${targets[0]}" "-artifact_prefix=$fuzzer_results/" "$@" \
-        || fail "The input still fails; what was found is above."
+    fuzzer_run "${targets[0]}" "$@" || fail "The input still fails; what was found is above."
     exit
 fi
 for target in "${targets[@]}"; do
