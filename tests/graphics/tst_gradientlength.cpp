@@ -15,6 +15,11 @@ namespace {
 constexpr int shortestTexture = 8;
 constexpr int longestLength = 100'000;
 
+int tenthOf(int length)
+{
+    return length / 10 + (length % 10 > 0);
+}
+
 // What the texture's length is to be for every length up to the longest: the shortest of those that
 // cover it three to ten times without a rest; where there is none, a tenth, rounded up, within the
 // length and no shorter than the shortest texture.
@@ -26,10 +31,9 @@ std::vector<int> definedLengths()
             lengths[std::size_t(texture * times)] = texture;
     }
     for (int length = 0; length <= longestLength; ++length) {
-        const int tenth = length / 10 + (length % 10 > 0);
         int &texture = lengths[std::size_t(length)];
         if (texture == 0)
-            texture = std::max(shortestTexture, std::min(length, tenth));
+            texture = std::max(shortestTexture, std::min(length, tenthOf(length)));
     }
     return lengths;
 }
@@ -72,8 +76,7 @@ void tst_GradientLength::greatestLengthsAreAsDefined()
         int times = 10;
         while (times >= 3 && length % times != 0)
             --times;
-        const int tenth = length / 10 + (length % 10 > 0);
-        QCOMPARE(chooseGradientLength(length), times >= 3 ? length / times : tenth);
+        QCOMPARE(chooseGradientLength(length), times >= 3 ? length / times : tenthOf(length));
     }
 }
 
