@@ -156,11 +156,12 @@ void Writer::writeContent()
 {
     switch (m_data.ConsumeIntegralInRange(0, 31)) {
     case 0:
-        m_writer.device()->write(
-            anyText(m_data).toUtf8()); // into a tag that is not closed yet, too
+        // Into a tag that is not closed yet, too.
+        m_writer.device()->write(anyText(m_data).toUtf8());
         break;
     case 1:
-        m_writer.writeComment(anyText(m_data).remove(u'-')); // of which two would end it
+        // Two of these would end it.
+        m_writer.writeComment(anyText(m_data).remove(u'-'));
         break;
     case 2:
     case 3:
