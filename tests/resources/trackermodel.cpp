@@ -1,7 +1,6 @@
 #include "trackermodel.h"
 
 #include <algorithm>
-#include <iterator>
 #include <ranges>
 #include <tuple>
 #include <utility>
@@ -81,8 +80,7 @@ QString described(const std::pair<const int, int> &owner)
 
 QString described(const Message &message)
 {
-    return QStringList{message.ownerAddress,
-                       message.objectName,
+    return QStringList{message.objectName,
                        message.className,
                        message.geometry,
                        message.status,
@@ -127,6 +125,18 @@ QString returned(int result)
 auto entryWithNumber(TrackerSituation::Tracker &tracker, int number)
 {
     return std::ranges::find(tracker.resources, number, &TrackerSituation::Entry::number);
+}
+
+// As they are now: slots may remove some of them before their turn.
+template<typename Is>
+std::vector<int> numbersOf(const TrackerSituation::Tracker &tracker, const Is &is)
+{
+    std::vector<int> numbers;
+    for (const TrackerSituation::Entry &entry : tracker.resources) {
+        if (is(entry))
+            numbers.push_back(entry.number);
+    }
+    return numbers;
 }
 
 bool contains(TrackerSituation::Tracker &tracker, int number)
@@ -351,7 +361,7 @@ TrackerModel::ItemAtPlace *TrackerModel::dyingItem(const TrackerStep &step)
 {
     if (!step.flag || m_dying.empty())
         return nullptr;
-    return &*std::next(m_dying.begin(), step.place % std::ptrdiff_t(m_dying.size()));
+    return &m_dying[std::size_t(step.place) % m_dying.size()];
 }
 
 bool TrackerModel::isAllowed(const ItemAtPlace &item) const
@@ -406,9 +416,7 @@ void TrackerModel::decide(int state, const QString &decision)
 
 int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInfo &info)
 {
-    const auto known = std::ranges::find_if(tracker.resources, [&](const Entry &entry) {
-        return belongsTo(entry, item) && entry.id == info.id && !entry.isLeaving;
-    });
+    const auto known = find(tracker, item, info.id);
     if (known != tracker.resources.end()) {
         known->type = info.type;
         known->name = info.name;
@@ -437,19 +445,33 @@ int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInf
     return state;
 }
 
+// An entry that is leaving counts as gone already.
+std::list<TrackerModel::Entry>::iterator TrackerModel::find(Tracker &tracker, int item,
+                                                            int id) const
+{
+    return std::ranges::find_if(tracker.resources, [&](const Entry &entry) {
+        return belongsTo(entry, item) && entry.id == id && !entry.isLeaving;
+    });
+}
+
+// Whether the entry is still there: a slot may clear the tracker meanwhile.
+bool TrackerModel::announceRemoval(Tracker &tracker, Entry &entry)
+{
+    const int number = entry.number;
+    entry.isLeaving = true;
+    addMessage(tracker, entry, Message::Unregistered);
+    return contains(tracker, number);
+}
+
 // A slot may clear the tracker while the entry is leaving it, and register the item with another state.
 void TrackerModel::unregisterResource(Tracker &tracker, int item, int id)
 {
-    const auto entry = std::ranges::find_if(tracker.resources, [&](const Entry &candidate) {
-        return belongsTo(candidate, item) && candidate.id == id && !candidate.isLeaving;
-    });
+    const auto entry = find(tracker, item, id);
     if (entry == tracker.resources.end())
         return;
     const int number = entry->number;
     const int state = entry->state;
-    entry->isLeaving = true;
-    addMessage(tracker, *entry, Message::Unregistered);
-    if (!contains(tracker, number))
+    if (!announceRemoval(tracker, *entry))
         return;
     if (--states[std::size_t(state)].resourceCount == 0 && knownState(tracker, item) == state) {
         tracker.owners.erase(item);
@@ -463,12 +485,10 @@ void TrackerModel::unregisterResource(Tracker &tracker, int item, int id)
 
 void TrackerModel::unregisterResources(Tracker &tracker, int item)
 {
-    std::vector<int> entries;
-    for (const Entry &entry : tracker.resources) {
-        if (belongsTo(entry, item) && !entry.isLeaving)
-            entries.push_back(entry.number);
-    }
-    const bool removed = remove(tracker, entries);
+    const auto isItsOwn = [&](const Entry &entry) {
+        return belongsTo(entry, item) && !entry.isLeaving;
+    };
+    const bool removed = remove(tracker, numbersOf(tracker, isItsOwn));
     if (!keepsOwner(tracker, item) && tracker.owners.erase(item) > 0)
         emitSignal(tracker, u"resourceOwnerRemoved"_s);
     if (removed)
@@ -481,11 +501,7 @@ bool TrackerModel::remove(Tracker &tracker, const std::vector<int> &entries)
     bool removed = false;
     for (const int number : entries) {
         const auto entry = entryWithNumber(tracker, number);
-        if (entry == tracker.resources.end())
-            continue;
-        entry->isLeaving = true;
-        addMessage(tracker, *entry, Message::Unregistered);
-        if (!contains(tracker, number))
+        if (entry == tracker.resources.end() || !announceRemoval(tracker, *entry))
             continue;
         tracker.resources.erase(entry);
         removed = true;
@@ -516,12 +532,8 @@ void TrackerModel::setStatus(Tracker &tracker, int state, int status)
         return;
     states[std::size_t(state)].status = status;
 
-    std::vector<int> entries;
-    for (const Entry &entry : tracker.resources) {
-        if (belongsTo(entry, *owner))
-            entries.push_back(entry.number);
-    }
-    for (const int number : entries) {
+    const auto isItsOwn = [&](const Entry &entry) { return belongsTo(entry, *owner); };
+    for (const int number : numbersOf(tracker, isItsOwn)) {
         const auto entry = entryWithNumber(tracker, number);
         if (entry != tracker.resources.end())
             addMessage(tracker, *entry, Message::StatusChanged);
@@ -555,13 +567,11 @@ void TrackerModel::destroy(ItemAtPlace &place)
 
 void TrackerModel::forget(Tracker &tracker, int item, const std::set<int> &itsStates)
 {
-    std::vector<int> entries;
-    for (const Entry &entry : tracker.resources) {
-        if (itsStates.contains(entry.state) && !entry.isLeaving)
-            entries.push_back(entry.number);
-    }
+    const auto isItsOwn = [&](const Entry &entry) {
+        return itsStates.contains(entry.state) && !entry.isLeaving;
+    };
     const bool isKnown = tracker.owners.erase(item) > 0;
-    const bool removed = remove(tracker, entries);
+    const bool removed = remove(tracker, numbersOf(tracker, isItsOwn));
     if (isKnown)
         emitSignal(tracker, u"resourceOwnerRemoved"_s);
     if (removed)

@@ -4,6 +4,7 @@
 #include "resourcesupport.h"
 
 #include <array>
+#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -157,6 +158,8 @@ private:
     void unregisterResources(Tracker &tracker, int item);
     void setStatus(Tracker &tracker, int state, int status);
     void forget(Tracker &tracker, int item, const std::set<int> &itsStates);
+    std::list<Entry>::iterator find(Tracker &tracker, int item, int id) const;
+    bool announceRemoval(Tracker &tracker, Entry &entry);
     bool remove(Tracker &tracker, const std::vector<int> &entries);
     bool keepsOwner(const Tracker &tracker, int item);
 
@@ -171,7 +174,7 @@ private:
 
     Reactions m_reactions; // of the last step
     std::size_t m_nextReaction = 0;
-    std::list<ItemAtPlace> m_dying; // the last one began last
+    std::deque<ItemAtPlace> m_dying; // the last one began last
     int m_itemCount = 0;
     int m_entryCount = 0;
 };

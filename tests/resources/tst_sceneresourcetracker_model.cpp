@@ -187,13 +187,10 @@ void tst_SceneResourceTrackerModel::stateWithoutOwnerBreaksNoRule()
 
 void tst_SceneResourceTrackerModel::strangerInATrackerIsADifference()
 {
+    TrackerStep step{};
+    step.kind = TrackerStep::ClearLog;
     TrackerModel model;
-    model.apply({.kind = TrackerStep::ClearLog,
-                 .tracker = 0,
-                 .place = 0,
-                 .id = 0,
-                 .number = 0,
-                 .flag = false});
+    model.apply(step);
     TrackerSubject subject;
     QCOMPARE(subject.run(model), QString());
 
