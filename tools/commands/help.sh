@@ -27,8 +27,9 @@ list_commands()
     cat <<'END'
 
 Variables:
-  OVELIN_TOOLCHAIN           host: this machine's own; root: a Debian made for it. By default the host
-                             where it has all that is needed or apt can bring it, else the root.
+  OVELIN_TOOLCHAIN           host: this machine's own; root: a Debian made for it; workshop: a larger one.
+                             By default the host where it has all that is needed or apt can bring it, else
+                             the root.
   OVELIN_SUITE               the root's Debian: trixie, or another suite
   OVELIN_CACHE               where roots are kept: ~/.cache/ovelin
   CMAKE_BUILD_PARALLEL_LEVEL how many compilers and tests run at once: one per processor

@@ -16,7 +16,8 @@ choose_toolchain()
     case ${OVELIN_TOOLCHAIN:-$(preferred_toolchain)} in
     host) use_host ;;
     root) use_root ;;
-    *) fail "OVELIN_TOOLCHAIN is \"$OVELIN_TOOLCHAIN\", which names no tool chain." "Use host or root, or leave it out." ;;
+    workshop) use_workshop ;;
+    *) fail "OVELIN_TOOLCHAIN is \"$OVELIN_TOOLCHAIN\", which names no tool chain." "Use host, root or workshop, or leave it out." ;;
     esac
 }
 
@@ -50,7 +51,7 @@ use_root()
 use_workshop()
 {
     [[ $suite == trixie ]] || fail "The workshop is made of Debian trixie." "Leave OVELIN_SUITE out."
-    [[ ${OVELIN_TOOLCHAIN:-root} == root ]] \
+    [[ ${OVELIN_TOOLCHAIN:-root} == @(root|workshop) ]] \
         || fail "This command needs more than the machine's own tool chain." "Leave OVELIN_TOOLCHAIN out."
     root_choose workshop
     root_require
