@@ -39,6 +39,12 @@ public:
         QString source;
         qint32 id;
         Event event;
+
+#if defined(OVELIN_BUILD) && !defined(Q_QDOC)
+        // Compiled once, out of line, for the library to export. Outside the library the destructor
+        // is the implicit one: declaring it there would take the implicit moves away.
+        ~Message();
+#endif
     };
 
     explicit SceneResourceTracker(QObject *parent = nullptr);

@@ -6,56 +6,35 @@ namespace ovelin {
 
 namespace {
 
-using StatePointer = QSharedPointer<ResourceOwnerState>;
-
-// The state by which the tracker knows the owner at this moment: slots that an operation called may
-// have removed the owner, or registered it anew. Null for an owner that is not there.
-StatePointer knownState(const SceneResourceTracker *tracker, IResourceOwner *owner)
+// The owners whose destructors are running, linked, the innermost first. A slot can still reach these
+// owners, but a resource that one of them registered now would stay in the tracker after its owner.
+struct DyingOwner
 {
-    const auto known = tracker->owners().find(owner);
-    return known == tracker->owners().end() ? StatePointer() : known->second;
-}
-
-// The owners whose destructors run, the last one first. A slot can still reach them, but what they
-// registered now would outlive them in the tracker.
-class DyingOwner
-{
-public:
-    explicit DyingOwner(const IResourceOwner *owner)
-        : m_owner(owner)
-        , m_outer(s_innermost)
-    {
-        s_innermost = this;
-    }
-    ~DyingOwner() { s_innermost = m_outer; }
-
-    static bool contains(const IResourceOwner *owner)
-    {
-        const DyingOwner *dying = s_innermost;
-        while (dying && dying->m_owner != owner)
-            dying = dying->m_outer;
-        return dying;
-    }
-
-private:
-    Q_DISABLE_COPY_MOVE(DyingOwner)
-
-    static DyingOwner *s_innermost;
-
-    const IResourceOwner *const m_owner;
-    DyingOwner *const m_outer;
+    const IResourceOwner *owner;
+    const DyingOwner *outer;
 };
 
-DyingOwner *DyingOwner::s_innermost = nullptr;
+const DyingOwner *innermostDyingOwner = nullptr;
+
+bool isDying(const IResourceOwner *owner)
+{
+    const DyingOwner *dying = innermostDyingOwner;
+    while (dying && dying->owner != owner)
+        dying = dying->outer;
+    return dying;
+}
 
 bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StatePointer &heldState)
 {
     SceneResourceTracker *tracker = sceneResourceTracker();
-    if (!tracker || tracker->isRegistrationBlocked() || DyingOwner::contains(owner))
+    if (!tracker || tracker->isRegistrationBlocked() || isDying(owner))
         return false;
 
-    tracker->registerResource(owner, info);
-    heldState = knownState(tracker, owner);
+    const StatePointer state = tracker->registerResource(owner, info);
+    // A re-entrant slot may have removed the owner, and registered it anew with another state.
+    auto *d = SceneResourceTrackerPrivate::get(tracker);
+    const StatePointer known = d->knownState(owner);
+    heldState = known == state || d->hasEntryOf(state) ? state : known;
     return true;
 }
 
@@ -65,11 +44,15 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
     \class ovelin::AbstractResourceOwner
     \inmodule Ovelin
     \inheaderfile ovelin/abstractresourceowner.h
-    \brief The base class of items that file their resources with the installed tracker.
+    \brief The base class of items that register their resources with the installed tracker.
 
-    It does the bookkeeping of IResourceOwner: it registers and unregisters resources with the tracker
-    that sceneResourceTracker() returns at the time of each call, keeps the item's state, and tells
-    whether the item may hold its resources. The item itself implements resourceOwnerObject(),
+    \snippet tst_snippets.cpp owner
+
+    The guide \l {The road of a resource} tells who calls these functions, and when.
+
+    This class registers and unregisters the resources of an item with the tracker that
+    sceneResourceTracker() returns at the time of each call. It holds the state of the item, and
+    answers whether the item may hold its resources. The item implements resourceOwnerObject(),
     allowResources() and releaseResources(). Owners cannot be copied.
 
     \since Ovelin 1.0
@@ -78,32 +61,35 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
 
 /*!
     \variable ovelin::AbstractResourceOwner::ownerState
-    \brief The item's record in the tracker; null while nothing is registered.
+    \brief The state that the tracker returned for the item; null while nothing is registered.
 */
 
 /*!
-    Creates an owner without resources.
+    Creates an owner that has registered nothing.
 */
 AbstractResourceOwner::AbstractResourceOwner() = default;
 
 /*!
-    Destroys the owner. Every tracker where it is still registered, installed or not, forgets it and its
-    resources as SceneResourceTracker::unregisterResources() does, with the same signals, the owner
-    having left owners() before the first of them. Before any signal the states that the owner and the
-    trackers hold lose it as their owner; the application may hold these still. Messages show it without
-    address and names. Meanwhile the owner's own functions refuse to register anything.
+    Destroys the owner. Every tracker that still knows the owner, installed or not, removes it and
+    its resources with the signals of SceneResourceTracker::unregisterResources().
+
+    Before the first signal, ResourceOwnerState::owner becomes null in all states of this owner, and
+    the owner leaves the owners() of the tracker that emits the signal. The messages show no address
+    and no names. While the destructor runs, the owner's functions refuse registrations.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {
-    const DyingOwner dying(this);
+    const DyingOwner dying{.owner = this, .outer = innermostDyingOwner};
+    innermostDyingOwner = &dying;
     SceneResourceTrackerPrivate::ownerDestroyed(this, ownerState);
+    innermostDyingOwner = dying.outer;
 }
 
 /*!
-    Registers the image at \a url as resource \a id, or updates the resource that has this id.
+    Registers the image at \a url as resource \a id, or updates the owner's resource with this id.
 
-    Returns false, and does nothing, when no tracker is installed, when registration is blocked, and
-    while the owner is being destroyed. Signals as for SceneResourceTracker::registerResource().
+    Returns false and does nothing if no tracker is installed, if the tracker blocks registrations,
+    or if the owner is being destroyed. Emits what SceneResourceTracker::registerResource() emits.
 */
 bool AbstractResourceOwner::registerImage(int id, const QUrl &url)
 {
@@ -113,11 +99,11 @@ bool AbstractResourceOwner::registerImage(int id, const QUrl &url)
 }
 
 /*!
-    Registers the resource \a id of kind \a type by its \a name, or updates the resource that has this
-    id. Any type is passed on, ResourceInfo::Image included.
+    Registers the resource \a id with \a name and \a type, or updates the owner's resource with this
+    id. The type may be any value, even ResourceInfo::Image.
 
-    Returns false, and does nothing, when no tracker is installed, when registration is blocked, and
-    while the owner is being destroyed. Signals as for SceneResourceTracker::registerResource().
+    Returns false and does nothing if no tracker is installed, if the tracker blocks registrations,
+    or if the owner is being destroyed. Emits what SceneResourceTracker::registerResource() emits.
 */
 bool AbstractResourceOwner::registerResource(int id, const QString &name, ResourceInfo::Type type)
 {
@@ -126,9 +112,9 @@ bool AbstractResourceOwner::registerResource(int id, const QString &name, Resour
 }
 
 /*!
-    Unregisters the resource \a id; with the last one the item leaves the tracker. Does nothing when
-    no tracker is installed or nothing is registered. Never blocked. Signals as for
-    SceneResourceTracker::unregisterResource().
+    Unregisters the resource \a id. The item leaves the tracker with its last resource. Does nothing
+    if no tracker is installed or nothing is registered. A tracker never blocks this. Emits what
+    SceneResourceTracker::unregisterResource() emits.
 */
 void AbstractResourceOwner::unregisterResource(int id)
 {
@@ -136,19 +122,20 @@ void AbstractResourceOwner::unregisterResource(int id)
     if (!tracker || !ownerState)
         return;
 
-    const StatePointer before = knownState(tracker, this);
+    const auto *d = SceneResourceTrackerPrivate::get(tracker);
+    const StatePointer before = d->knownState(this);
     tracker->unregisterResource(this, id);
-    // A slot may have dropped the state already, or registered the item anew with another one.
+    // A re-entrant slot may have dropped the state, or registered the item anew with another one.
     if (ownerState && ownerState->resourceCount == 0) {
-        const StatePointer known = knownState(tracker, this);
+        const StatePointer known = d->knownState(this);
         ownerState = known == before ? StatePointer() : known;
     }
 }
 
 /*!
-    Unregisters all resources: the item leaves the tracker. Does nothing when no tracker is installed
-    or nothing is registered. Never blocked. Signals as for
-    SceneResourceTracker::unregisterResources().
+    Unregisters all resources: the item leaves the tracker. Does nothing if no tracker is installed
+    or nothing is registered. A tracker never blocks this. Emits what
+    SceneResourceTracker::unregisterResources() emits.
 */
 void AbstractResourceOwner::unregisterResources()
 {
@@ -157,11 +144,11 @@ void AbstractResourceOwner::unregisterResources()
         return;
 
     tracker->unregisterResources(this);
-    ownerState = knownState(tracker, this);
+    ownerState = SceneResourceTrackerPrivate::get(tracker)->knownState(this);
 }
 
 /*!
-    Returns whether the item may hold its resources: it has none registered, or its status is
+    Returns true if the item may hold its resources: it has registered none, or its status is
     ResourceOwnerState::CreationAllowed or ResourceOwnerState::Ignored.
 */
 bool AbstractResourceOwner::isResourcesAllowed() const

@@ -9,7 +9,8 @@ using Message = SceneResourceTracker::Message;
 
 namespace {
 
-// Reaching it empties the whole log at once: no message ever pays for trimming.
+// The number of messages at which the log is emptied. It bounds the memory of the log, and emptying
+// all of it at once is cheaper than removing the oldest message each time.
 constexpr qsizetype messageCapacity = 100;
 
 QString typeText(ResourceInfo::Type type)
@@ -42,7 +43,7 @@ QString statusText(ResourceOwnerState::Status status)
     return {};
 }
 
-// Width and height are worked out in 64 bits: the application may set any rectangle.
+// The width and the height of a rectangle that the application sets may exceed 32 bits.
 QString geometryText(const QRect &geometry)
 {
     const qint64 width = qint64(geometry.right()) - geometry.left() + 1;
@@ -60,8 +61,7 @@ QString sourceText(const ResourceInfo &info)
     return info.url.toString() + " | "_L1 + info.name;
 }
 
-// An owner that is being destroyed, or that the application took out of its state, has no object to
-// describe.
+// A state has no owner if its owner was destroyed, or if the application has written null into it.
 void describeOwner(Message &message, IResourceOwner *owner)
 {
     const QObject *object = owner ? owner->resourceOwnerObject() : nullptr;
@@ -72,11 +72,10 @@ void describeOwner(Message &message, IResourceOwner *owner)
     }
 }
 
-Message composeMessage(Message::Event event, const ResourceInfo &info)
+void compose(Message &message, Message::Event event, const ResourceInfo &info)
 {
     const ResourceOwnerState &state = *info.ownerState;
 
-    Message message{};
     message.type = typeText(info.type);
     message.status = statusText(state.status);
     message.geometry = geometryText(state.geometry);
@@ -84,19 +83,18 @@ Message composeMessage(Message::Event event, const ResourceInfo &info)
     describeOwner(message, state.owner);
     message.id = info.id;
     message.event = event;
-    return message;
 }
 
 } // namespace
 
-// A slot of the signal may change everything, the entry included: only the log itself is touched
-// after it.
+// A slot of the signal may erase the entry: only the log is used after the signal.
 void SceneResourceTrackerPrivate::addMessage(Message::Event event, const ResourceInfo &info)
 {
     if (!messagesEnabled)
         return;
 
-    messages.append(composeMessage(event, info));
+    // Composed in place: inside the library, which declares the destructor, a message cannot be moved.
+    compose(messages.emplaceBack(), event, info);
     Q_Q(SceneResourceTracker);
     Q_EMIT q->messagesAdded();
 
@@ -108,28 +106,30 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
     \class ovelin::SceneResourceTracker::Message
     \inmodule Ovelin
     \inheaderfile ovelin/sceneresourcetracker.h
-    \brief One event in the life of a resource, told in ready-made texts.
+    \brief One event in the life of a resource, described in texts.
 
     \since Ovelin 1.0
     \sa ovelin::SceneResourceTracker::messages()
 */
 
+SceneResourceTracker::Message::~Message() = default;
+
 /*!
     \enum ovelin::SceneResourceTracker::Message::Event
 
-    What a message tells of.
+    The kind of event.
 
-    \value Registered    A new entry was filed.
+    \value Registered    A new entry was added.
     \value Updated       An entry was registered again.
     \value StatusChanged The status of the entry's owner was set.
-    \value Unregistered  The entry is about to leave the list.
+    \value Unregistered  The entry is about to be removed.
 */
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::ownerAddress
-    \brief The address of the owner's object as "0x" and at least eight hexadecimal digits, in lower
-    case; of a 32-bit address with the top bit set, sixteen digits, the first eight f. "0x00000000"
-    for an owner that is gone.
+    \brief The address of the owner's object: "0x" and at least eight hexadecimal digits in lower
+    case. Examples: "0x0001a2b0"; "0xffffffff80000010" for the 32-bit address 80000010, whose top
+    bit is set; "0x00000000" if the state has no owner.
 */
 
 /*!
@@ -139,12 +139,12 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::className
-    \brief The class name of the owner's object; empty for an owner that is gone.
+    \brief The class name of the owner's object; empty if the state has no owner.
 */
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::objectName
-    \brief The name of the owner's object; empty for an owner that is gone.
+    \brief The name of the owner's object; empty if the state has no owner.
 */
 
 /*!
@@ -161,8 +161,8 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::source
-    \brief What the resource is made from: its URL, its name, or both joined by " | "; empty where it
-    has neither.
+    \brief The source of the resource: its URL, its name, or both joined by " | "; empty if the
+    resource has neither.
 */
 
 /*!
@@ -172,14 +172,14 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
 
 /*!
     \variable ovelin::SceneResourceTracker::Message::event
-    \brief What happened.
+    \brief The kind of event.
 */
 
 /*!
-    Returns the log, oldest message first: a copy that later events do not change.
+    Returns a copy of the log, oldest message first.
 
-    The log holds at most 99 messages. The hundredth is announced like the others, so a slot that is
-    connected directly sees a full hundred, and then the whole log is emptied.
+    The log holds at most 99 messages. When the hundredth message is added, a directly connected
+    slot sees all hundred; then the tracker empties the log.
 
     \sa messagesAdded(), setMessagesEnabled()
 */
@@ -190,7 +190,7 @@ QList<SceneResourceTracker::Message> SceneResourceTracker::messages() const
 }
 
 /*!
-    Empties the log. Emits nothing; copies that messages() returned stay as they are.
+    Empties the log. Emits nothing. Copies that messages() returned do not change.
 */
 void SceneResourceTracker::clearMessages()
 {
@@ -199,8 +199,9 @@ void SceneResourceTracker::clearMessages()
 }
 
 /*!
-    Switches the log on or off, as \a enabled says; it is off at first. What was logged stays
-    readable, and what happened while it was off is not made up for. Emits nothing.
+    Enables the log if \a enabled is true, and disables it otherwise. Initially the log is disabled.
+    The messages in the log stay when it is disabled. Events that happen meanwhile are not recorded.
+    Emits nothing.
 */
 void SceneResourceTracker::setMessagesEnabled(bool enabled)
 {

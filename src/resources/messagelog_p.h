@@ -5,7 +5,7 @@
 
 namespace ovelin {
 
-// The text of an address as messages show it.
+// Returns an address as messages show it: at least eight digits.
 inline QString addressText(qint64 address)
 {
     using namespace Qt::StringLiterals;
@@ -14,8 +14,7 @@ inline QString addressText(qint64 address)
     return u"0x%1"_s.arg(static_cast<quint64>(address), digits, hexadecimal, '0'_L1);
 }
 
-// Widened to 64 bits with its sign: an address with the top bit of a 32-bit pointer set shows with
-// eight leading f digits.
+// Extends the sign of a 32-bit address: one with the top bit set gets eight leading digits f.
 inline QString addressText(const void *object)
 {
     return addressText(qint64{reinterpret_cast<qintptr>(object)});

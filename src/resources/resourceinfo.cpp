@@ -6,52 +6,59 @@ namespace ovelin {
     \class ovelin::IResourceOwner
     \inmodule Ovelin
     \inheaderfile ovelin/resourceinfo.h
-    \brief The interface through which the tracker reaches the item that owns resources.
+    \brief The interface through which the tracker calls the item that owns resources.
 
-    Items on the screen implement it, as a rule by deriving from AbstractResourceOwner. The tracker
-    compares owners by their pointers, never owns them and never destroys one: an owner leaves the
-    tracker before it is destroyed.
+    \snippet tst_snippets.cpp owner
+
+    Items on the screen implement this interface, usually by deriving from AbstractResourceOwner.
+    The tracker compares owners by their addresses. It neither owns nor destroys them: an owner must
+    leave the tracker before it is destroyed.
 
     \since Ovelin 1.0
     \sa AbstractResourceOwner, SceneResourceTracker
 */
 
 /*!
-    Destroys the owner. Only the application does so; the tracker never does.
+    Destroys the owner. Only the application destroys owners.
 */
 IResourceOwner::~IResourceOwner() = default;
 
 /*!
     \fn QObject *ovelin::IResourceOwner::resourceOwnerObject()
 
-    Returns the object that stands for the owner in the tracker's messages, which show its address,
-    class name and object name. Must not return null, nor call the tracker.
+    Returns the object that describes the owner in the tracker's messages, which show its address,
+    its class name and its object name. Must not return null. Must not call the tracker.
 */
 
 /*!
     \fn void ovelin::IResourceOwner::allowResources()
 
-    Called by SceneResourceTracker::allowResources(): the owner may create its resources now. It may
-    call the tracker back, and may be destroyed from inside this call.
+    Creates the resources of the owner: SceneResourceTracker::allowResources() calls this function.
+    It may call the tracker, and may destroy the owner.
 */
 
 /*!
     \fn void ovelin::IResourceOwner::releaseResources()
 
-    Called by SceneResourceTracker::releaseResources(): the owner gives its resources up. It may call
-    the tracker back, and may be destroyed from inside this call.
+    Releases the resources of the owner: SceneResourceTracker::releaseResources() calls this
+    function. It may call the tracker, and may destroy the owner.
 */
 
 /*!
     \class ovelin::ResourceOwnerState
     \inmodule Ovelin
     \inheaderfile ovelin/resourceinfo.h
-    \brief What is known of one owner of resources: one record, shared by all who look at it.
+    \brief The state of one owner of resources, shared by the tracker, the owner and the
+    application.
 
-    The tracker creates the record when an owner that it does not know registers its first resource.
-    The tracker's table of owners, each of the owner's entries, the owner itself and the application
-    hold it through QSharedPointer; it lives as long as one of them does. An owner that leaves the
-    tracker leaves its last status and count in the record.
+    \image resource-statuses.png {The statuses, and the changes between them that are usual}
+
+    The guide \l {The road of a resource} explains the statuses. The two numbers that are left to the
+    application are used in \l {How do I keep pictures within a memory budget?}
+
+    The tracker creates a state when a new owner registers its first resource. The tracker's table
+    of owners, each of the owner's entries, the owner and the application hold the state through
+    QSharedPointer. A state keeps its last status and count when its owner leaves the tracker.
 
     \since Ovelin 1.0
 */
@@ -61,47 +68,48 @@ IResourceOwner::~IResourceOwner() = default;
 
     The application's decision about an owner, set by SceneResourceTracker::setStatus().
 
-    \value CreationRequested The owner waits for a decision; the only status that ovelin itself sets.
+    \value CreationRequested The owner waits for a decision. The tracker sets no other status.
     \value CreationAllowed   The owner may hold its resources.
     \value CreationDenied    The owner may not create its resources.
-    \value Cleared           The owner had resources and was told to give them up.
-    \value Ignored           The owner's resources are not managed; it may hold them.
+    \value Cleared           The owner had to release its resources.
+    \value Ignored           The application leaves the owner alone: it may hold its resources.
 */
 
 /*!
     \variable ovelin::ResourceOwnerState::status
-    \brief The owner's present status.
+    \brief The status of the owner.
 */
 
 /*!
     \variable ovelin::ResourceOwnerState::owner
-    \brief The owner, not owned; null when the record has none, and then nothing is done through it.
+    \brief The owner that this state belongs to, or null. The state does not own the owner.
 
-    An owner that is destroyed while it is registered is taken out of its record. One that left the
-    tracker before is still named here: do not use its record with
-    SceneResourceTracker::allowResources() and SceneResourceTracker::releaseResources() any more.
+    The pointer becomes null when an AbstractResourceOwner is destroyed that a tracker still knows.
+    It does not become null when an owner leaves the tracker: after that owner is destroyed, do not
+    call SceneResourceTracker::allowResources() and SceneResourceTracker::releaseResources() with
+    this state.
 */
 
 /*!
     \variable ovelin::ResourceOwnerState::applicationValue1
-    \brief For the application's own use; ovelin neither reads nor writes it. Initially 0.
+    \brief A value for the application. The library neither reads nor writes it. Initially 0.
 */
 
 /*!
     \variable ovelin::ResourceOwnerState::resourceCount
-    \brief The number of the owner's resources in the tracker, as single registrations and single
-    unregistrations count them. SceneResourceTracker::unregisterResources() leaves it as it is.
+    \brief The number of the owner's resources in the tracker. registerResource() and
+    unregisterResource() of the tracker count; unregisterResources() leaves the number as it is.
 */
 
 /*!
     \variable ovelin::ResourceOwnerState::applicationValue2
-    \brief For the application's own use; ovelin neither reads nor writes it. Initially 0.
+    \brief A value for the application. The library neither reads nor writes it. Initially 0.
 */
 
 /*!
     \variable ovelin::ResourceOwnerState::geometry
-    \brief The owner's rectangle on the screen in device pixels, written by the application and shown
-    in the tracker's messages. Initially the null rectangle.
+    \brief The owner's rectangle on the screen in device pixels. The application writes it, and the
+    tracker's messages show it. Initially the null rectangle.
 */
 
 /*!
@@ -110,7 +118,12 @@ IResourceOwner::~IResourceOwner() = default;
     \inheaderfile ovelin/resourceinfo.h
     \brief One resource that an owner intends to create.
 
-    A new record is an image with the number 0, without URL, name and owner's record.
+    \snippet tst_snippets.cpp entries
+
+    The guide \l {The road of a resource} tells how an entry comes and goes.
+
+    A default-constructed ResourceInfo is an image with the id 0, an empty URL, a null name and no
+    owner's state.
 
     \since Ovelin 1.0
     \sa ovelin::SceneResourceTracker::registerResource()
@@ -121,24 +134,24 @@ IResourceOwner::~IResourceOwner() = default;
 
     The kind of a resource.
 
-    \value Image           An image with a location.
+    \value Image           An image with a URL.
     \value OffscreenBuffer A buffer that the owner paints into.
-    \value PaintedItem     An item whose painted result is kept.
+    \value PaintedItem     An item whose painting is kept.
 */
 
 /*!
     \variable ovelin::ResourceInfo::url
-    \brief The location of an image; empty for the other kinds.
+    \brief The location of an image; empty for the other types.
 */
 
 /*!
     \variable ovelin::ResourceInfo::name
-    \brief The name of a resource that is no image; null for images.
+    \brief The name of a resource that is not an image; null for images.
 */
 
 /*!
     \variable ovelin::ResourceInfo::id
-    \brief The identifier that the owner chose; unique within that owner only.
+    \brief The identifier that the owner has chosen, unique only within that owner.
 */
 
 /*!
@@ -148,8 +161,8 @@ IResourceOwner::~IResourceOwner() = default;
 
 /*!
     \variable ovelin::ResourceInfo::ownerState
-    \brief The owner's record: null in what an owner hands to the tracker, never null in what the
-    tracker stores. Copies of a ResourceInfo share it.
+    \brief The state of the owner. An owner passes null to the tracker. The tracker stores no null.
+    Copies of a ResourceInfo share the state.
 */
 
 } // namespace ovelin

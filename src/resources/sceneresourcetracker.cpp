@@ -3,6 +3,7 @@
 #include "sceneresourcetracker_p.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ovelin {
 
@@ -10,31 +11,25 @@ namespace {
 
 SceneResourceTracker *installedTracker = nullptr;
 
+auto isOf(const IResourceOwner *owner)
+{
+    return [owner](const ResourceInfo &info) { return info.ownerState->owner == owner; };
+}
+
 } // namespace
 
-ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, const IResourceOwner *owner,
-                           Purpose purpose)
+ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, Purpose purpose)
     : m_tracker(tracker)
-    , m_outer(tracker->innermostWalk)
+    , m_outer(std::exchange(tracker->innermostWalk, this))
     , m_purpose(purpose)
-    , m_gone(tracker->resources.end())
+    , m_end(tracker->resources.end())
 {
-    for (auto entry = tracker->resources.begin(); entry != m_gone; ++entry) {
-        const bool taken = purpose == Purpose::Remove && tracker->isBeingRemoved(entry);
-        if (entry->ownerState->owner == owner && !taken)
-            m_entries.append(entry);
-    }
-    tracker->innermostWalk = this;
 }
 
 ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, Entry removed)
-    : m_tracker(tracker)
-    , m_outer(tracker->innermostWalk)
-    , m_purpose(Purpose::Remove)
-    , m_gone(tracker->resources.end())
-    , m_entries{removed}
+    : ResourceWalk(tracker, Purpose::Remove)
 {
-    tracker->innermostWalk = this;
+    m_entries.append(removed);
 }
 
 ResourceWalk::~ResourceWalk()
@@ -42,7 +37,7 @@ ResourceWalk::~ResourceWalk()
     m_tracker->innermostWalk = m_outer;
 }
 
-// Steps to the next entry that is still there; false behind the last one.
+// Steps to the next entry that is not erased. Returns false after the last one.
 bool ResourceWalk::next()
 {
     do {
@@ -51,9 +46,10 @@ bool ResourceWalk::next()
     return m_index < m_entries.size();
 }
 
+// True if the current entry is not erased.
 bool ResourceWalk::hasCurrent() const
 {
-    return current() != m_gone;
+    return current() != m_end;
 }
 
 ResourceWalk::Entry ResourceWalk::current() const
@@ -61,44 +57,43 @@ ResourceWalk::Entry ResourceWalk::current() const
     return m_entries[m_index];
 }
 
+// True if the walk is just removing the entry.
 bool ResourceWalk::removes(Entry entry) const
 {
     return m_purpose == Purpose::Remove && m_index >= 0 && m_index < m_entries.size()
            && current() == entry;
 }
 
-// Looks from the current entry on, which it is as a rule: a walk over all entries stays linear.
+// Starts at the current entry, which is usually the one sought, so that a walk stays linear.
 void ResourceWalk::forget(Entry entry)
 {
     const auto found = std::find(m_entries.begin() + m_index, m_entries.end(), entry);
     if (found != m_entries.end())
-        *found = m_gone;
+        *found = m_end;
 }
 
 void ResourceWalk::forgetAll()
 {
-    std::ranges::fill(m_entries, m_gone);
+    std::ranges::fill(m_entries, m_end);
 }
 
 SceneResourceTrackerPrivate *SceneResourceTrackerPrivate::s_newest = nullptr;
 
 SceneResourceTrackerPrivate::SceneResourceTrackerPrivate()
-    : m_older(s_newest)
+    : m_older(std::exchange(s_newest, this))
 {
-    if (m_older)
-        m_older->m_newer = this;
-    s_newest = this;
 }
 
 SceneResourceTrackerPrivate::~SceneResourceTrackerPrivate()
 {
-    if (m_older)
-        m_older->m_newer = m_newer;
-    (m_newer ? m_newer->m_older : s_newest) = m_older;
+    SceneResourceTrackerPrivate **link = &s_newest;
+    while (*link != this)
+        link = &(*link)->m_older;
+    *link = m_older;
 }
 
-// An entry that is being removed counts as gone already: what a slot registers under its id in the
-// meantime is a new entry, which stays.
+// Skips an entry that is being removed: what a re-entrant slot registers under its id is a new
+// entry.
 SceneResourceTrackerPrivate::Resources::iterator
 SceneResourceTrackerPrivate::find(const IResourceOwner *owner, int id)
 {
@@ -118,11 +113,21 @@ bool SceneResourceTrackerPrivate::isBeingRemoved(Resources::iterator entry) cons
     return false;
 }
 
-bool SceneResourceTrackerPrivate::isKnown(IResourceOwner *owner,
-                                          const QSharedPointer<ResourceOwnerState> &state) const
+// Returns the state of an owner that the table of owners contains, and null for any other owner.
+StatePointer SceneResourceTrackerPrivate::knownState(IResourceOwner *owner) const
 {
     const auto known = owners.find(owner);
-    return known != owners.end() && known->second == state;
+    return known == owners.end() ? StatePointer() : known->second;
+}
+
+// True if an entry that is not being removed has the state.
+bool SceneResourceTrackerPrivate::hasEntryOf(const StatePointer &state)
+{
+    for (auto entry = resources.begin(); entry != resources.end(); ++entry) {
+        if (entry->ownerState == state && !isBeingRemoved(entry))
+            return true;
+    }
+    return false;
 }
 
 void SceneResourceTrackerPrivate::update(Resources::iterator entry, const ResourceInfo &info)
@@ -135,25 +140,19 @@ void SceneResourceTrackerPrivate::update(Resources::iterator entry, const Resour
     addMessage(SceneResourceTracker::Message::Updated, *entry);
 }
 
-// Returns the state of an owner, which enters the table of owners if it is not there yet.
-QSharedPointer<ResourceOwnerState> SceneResourceTrackerPrivate::stateOf(IResourceOwner *owner)
+StatePointer SceneResourceTrackerPrivate::addOwner(IResourceOwner *owner)
 {
-    const auto known = owners.find(owner);
-    if (known != owners.end())
-        return known->second;
-
-    const QSharedPointer<ResourceOwnerState> state(new ResourceOwnerState);
+    const StatePointer state(new ResourceOwnerState);
     state->owner = owner;
     owners.emplace(owner, state);
     return state;
 }
 
-// Images wait at the back, oldest first; what is painted stands in front of them, newest first.
-void SceneResourceTrackerPrivate::file(const ResourceInfo &info,
-                                       const QSharedPointer<ResourceOwnerState> &state)
+// Appends an image, and puts any other resource in front of all entries.
+void SceneResourceTrackerPrivate::file(const ResourceInfo &info, const StatePointer &state)
 {
-    const auto place = info.type == ResourceInfo::Image ? resources.end() : resources.begin();
-    const auto entry = resources.insert(place, info);
+    const auto position = info.type == ResourceInfo::Image ? resources.end() : resources.begin();
+    const auto entry = resources.insert(position, info);
     entry->ownerState = state;
     addMessage(SceneResourceTracker::Message::Registered, *entry);
 }
@@ -165,7 +164,7 @@ void SceneResourceTrackerPrivate::erase(Resources::iterator entry)
     resources.erase(entry);
 }
 
-// Returns whether any entry was removed: a slot may have removed them all before.
+// Returns true if the walk removed an entry. Re-entrant slots may remove all of them first.
 bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
 {
     bool removed = false;
@@ -179,65 +178,53 @@ bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
     return removed;
 }
 
-// Returns whether an owner whose entries were unregistered stays after all, because a slot registered
-// something for it; its count then starts anew. An entry with a former state may still be leaving.
+// Returns true if the owner stays although its entries were unregistered: a re-entrant slot has
+// registered another one. The count starts anew then. It includes an entry with this state that an
+// outer operation is just removing.
 bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
 {
-    const auto known = owners.find(owner);
-    if (known == owners.end() || known->second->owner != owner)
+    const auto known = knownState(owner);
+    if (!known || known->owner != owner || !hasEntryOf(known))
         return false;
 
-    int count = 0;
-    bool keeps = false;
-    for (auto entry = resources.begin(); entry != resources.end(); ++entry) {
-        if (entry->ownerState != known->second)
-            continue;
-        ++count;
-        keeps = keeps || !isBeingRemoved(entry);
-    }
-    if (keeps)
-        known->second->resourceCount = count;
-    return keeps;
+    known->resourceCount = int(std::ranges::count(resources, known, &ResourceInfo::ownerState));
+    return true;
 }
 
-// The item's own part is destroyed already: it can no longer be asked for its object. Its states in
-// all trackers lose it before the first slot runs.
-void SceneResourceTrackerPrivate::ownerDestroyed(
-    IResourceOwner *owner, const QSharedPointer<ResourceOwnerState> &heldState)
+// Removes the owner from all trackers. The derived part of the owner is destroyed already, so
+// nothing may call the owner: all its states lose it before the first slot runs.
+void SceneResourceTrackerPrivate::ownerDestroyed(IResourceOwner *owner,
+                                                 const StatePointer &heldState)
 {
     States states;
     if (heldState)
         states.append(heldState);
     for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
         tracker->addStatesOf(owner, states);
-    setOwner(states, nullptr);
+    for (const auto &state : std::as_const(states))
+        state->owner = nullptr;
     for (auto *tracker = s_newest; tracker; tracker = tracker->m_older)
         tracker->removeDyingOwner(owner, states);
 }
 
 void SceneResourceTrackerPrivate::addStatesOf(IResourceOwner *owner, States &states) const
 {
-    const auto known = owners.find(owner);
-    if (known != owners.end())
-        states.append(known->second);
+    for (const auto &[key, state] : owners) {
+        if ((key == owner || state->owner == owner) && !states.contains(state))
+            states.append(state);
+    }
     for (const ResourceInfo &info : resources) {
         if (info.ownerState->owner == owner && !states.contains(info.ownerState))
             states.append(info.ownerState);
     }
 }
 
-void SceneResourceTrackerPrivate::setOwner(const States &states, IResourceOwner *owner)
-{
-    for (const auto &state : states)
-        state->owner = owner;
-}
-
-// The entries are found by the owner, which the application may have taken out of some of its states.
+// The states do not name the owner any more: an entry is recognised by its state.
 void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const States &states)
 {
-    setOwner(states, owner);
-    ResourceWalk walk(this, owner, ResourceWalk::Purpose::Remove);
-    setOwner(states, nullptr);
+    ResourceWalk walk(this, ResourceWalk::Purpose::Remove, [&states](const ResourceInfo &info) {
+        return states.contains(info.ownerState);
+    });
     const bool known = owners.erase(owner) > 0;
 
     Q_Q(SceneResourceTracker);
@@ -252,45 +239,51 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
     \class ovelin::SceneResourceTracker
     \inmodule Ovelin
     \inheaderfile ovelin/sceneresourcetracker.h
-    \brief The registry in which the items on the screen file the graphic resources they create.
+    \brief The registry of the graphic resources that the items on the screen create.
+
+    \snippet tst_snippets.cpp install
+
+    The guide \l {The road of a resource} has the function \c decide(), a picture of the calls and a table of
+    the signals.
 
     The tracker keeps one list of all resources and one shared ResourceOwnerState per owner. It
-    decides nothing: the application reads owners() and resources() when a signal tells of a change,
-    sets statuses with setStatus() and tells owners what to do with allowResources() and
+    makes no decisions. When a signal announces a change, the application reads owners() and
+    resources(), sets statuses with setStatus(), and calls owners with allowResources() and
     releaseResources().
 
-    resources() shows offscreen buffers and painted items first, newest first, and then the images,
-    oldest first. An entry that is registered again keeps its place, whatever its new type.
+    resources() begins with the offscreen buffers and painted items, newest first. The images
+    follow, oldest first. An entry that is registered again keeps its place, whatever its new type.
 
-    The tracker belongs to the GUI thread. It holds owners as plain pointers, which it neither owns
-    nor dereferences except to call them in allowResources() and releaseResources() and to describe
-    them in messages. Finding an entry takes a walk over the list; owners are found by a hash.
+    The tracker belongs to the GUI thread. It does not own its owners. It calls an owner in
+    allowResources() and releaseResources(), and to describe the owner in a message. Finding an
+    entry takes time in proportion to the number of entries; finding an owner does not.
 
-    \section1 Slots and owners that call back
+    \section1 Re-entrant slots and owners
 
-    Signals are emitted from inside the operation that causes them, and a decision reaches its owner
-    from inside allowResources() and releaseResources(). A slot that is connected directly, and an owner
-    that is told of a decision, may call every function of the tracker and of any owner, and may destroy
-    other items:
+    The tracker emits each signal inside the operation that causes it, and calls an owner inside
+    allowResources() and releaseResources(). A directly connected slot, and an owner that is called,
+    may call every function of the tracker and of any owner, and may destroy other owners:
 
     \list
-    \li every entry is handled once: an entry whose removal is being announced is not removed, found
-        or announced a second time;
-    \li an operation handles the entries that were there when it began, leaves out those that a slot
-        removed in between, and announces what it changed itself;
-    \li what a slot registers for an owner whose resources are just being unregistered stays
-        registered, and then its owner stays too;
-    \li an unregistration whose entry a slot removed by clear() ends without further signals; a
-        registration announces itself even when a slot has already removed what it filed.
+    \li Every entry is removed once. While its removal is announced, no registration and no
+        unregistration finds it.
+    \li An operation handles the entries that were listed when it began. It leaves out those that a
+        slot removes meanwhile. It announces its own changes.
+    \li An entry that a slot registers for an owner whose entries are just being unregistered stays
+        registered, and its owner stays too.
+    \li An unregistration whose entry a slot removes by clear() ends without further signals. A
+        registration emits its signals even if a slot has already removed the new entry.
     \endlist
 
-    Neither may destroy the tracker, nor an item that is executing one of its own operations, nor call
-    registerResource() for an item that is being destroyed; the item's own functions refuse it. An owner
-    that is told of a decision may destroy itself. IResourceOwner::resourceOwnerObject() must not call
-    back: it is asked while a message is being written.
+    A slot or an owner that is called must not destroy the tracker, must not destroy an owner inside
+    one of that owner's own functions, and must not call registerResource() for an owner that is
+    being destroyed. An owner may destroy itself in IResourceOwner::allowResources() and
+    IResourceOwner::releaseResources(). IResourceOwner::resourceOwnerObject() must not call the
+    tracker: the tracker is writing a message then.
 
-    While one tracker announces that an item is destroyed, another may still list it in owners(), with a
-    state that has no owner any more: it must not be called by that address.
+    While one tracker announces that an owner was destroyed, another tracker may still list the
+    address of this owner in owners(). The state there has no owner any more. Do not use that
+    address.
 
     \since Ovelin 1.0
     \sa {ovelin}{sceneResourceTracker()}, AbstractResourceOwner
@@ -299,30 +292,30 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
 /*!
     \fn void ovelin::SceneResourceTracker::resourcesChanged()
 
-    Emitted when the list of resources was changed, and after every registration, also one that only
-    updated an entry. The last signal of the operation that caused it.
+    Emitted when the list of resources has changed, and after every registration, even one that only
+    updates an entry. This is the last signal of an operation.
 */
 
 /*!
     \fn void ovelin::SceneResourceTracker::resourceOwnerAdded()
 
-    Emitted when an owner registered its first resource, after the entry is in the list and before
-    resourcesChanged().
+    Emitted when an owner has registered its first resource: the entry is in the list, and
+    resourcesChanged() follows.
 */
 
 /*!
     \fn void ovelin::SceneResourceTracker::resourceOwnerRemoved()
 
-    Emitted when an owner left owners(), before resourcesChanged(). After unregisterResource() the
-    owner's last entry is still in the list at that moment; after unregisterResources() none is, but for
-    one whose removal is just being announced.
+    Emitted when an owner has left owners(), before resourcesChanged(). In unregisterResource() the
+    owner's last entry is still in the list at that moment. In unregisterResources() all entries of
+    the owner have left the list, except one that an outer operation is just removing.
 */
 
 /*!
     \fn void ovelin::SceneResourceTracker::messagesAdded()
 
-    Emitted once for each message appended to the log, before the other signals of the operation that
-    the message tells of. With a queued connection expect the log to have been emptied in between.
+    Emitted once for each message that is appended to the log, before the other signals of the same
+    operation. The log may be empty again when a slot with a queued connection runs.
 
     \sa messages()
 */
@@ -338,14 +331,13 @@ SceneResourceTracker::SceneResourceTracker(QObject *parent)
 }
 
 /*!
-    Destroys the tracker. An installed tracker must be uninstalled before, with
-    setSceneResourceTracker(nullptr).
+    Destroys the tracker. Uninstall an installed tracker first: setSceneResourceTracker(nullptr).
 */
 SceneResourceTracker::~SceneResourceTracker() = default;
 
 /*!
-    Returns the owners that have resources here, each with its state. The reference is good until the
-    tracker is destroyed; its content changes with every registration and unregistration.
+    Returns the owners that have resources in this tracker, each with its state. The reference is
+    valid as long as the tracker exists; registrations and unregistrations change what it refers to.
 */
 const std::unordered_map<IResourceOwner *, QSharedPointer<ResourceOwnerState>> &
 SceneResourceTracker::owners() const
@@ -355,8 +347,8 @@ SceneResourceTracker::owners() const
 }
 
 /*!
-    Returns all resources: buffers and painted items, newest first, then images, oldest first. The
-    reference is good until the tracker is destroyed.
+    Returns all resources: offscreen buffers and painted items, newest first, then images, oldest
+    first. The reference is valid as long as the tracker exists.
 */
 const std::list<ResourceInfo> &SceneResourceTracker::resources() const
 {
@@ -365,7 +357,8 @@ const std::list<ResourceInfo> &SceneResourceTracker::resources() const
 }
 
 /*!
-    Returns whether owners are refused new registrations; false after construction and after clear().
+    Returns true if new registrations are refused to owners. Returns false after construction and
+    after clear().
 */
 bool SceneResourceTracker::isRegistrationBlocked() const
 {
@@ -374,8 +367,8 @@ bool SceneResourceTracker::isRegistrationBlocked() const
 }
 
 /*!
-    Sets whether owners are refused new registrations to \a blocked. AbstractResourceOwner obeys it;
-    registerResource() itself does not look at it. Emits nothing.
+    Refuses new registrations to owners if \a blocked is true, and accepts them otherwise. Only
+    AbstractResourceOwner asks for this; registerResource() always registers. Emits nothing.
 */
 void SceneResourceTracker::setRegistrationBlocked(bool blocked)
 {
@@ -384,20 +377,20 @@ void SceneResourceTracker::setRegistrationBlocked(bool blocked)
 }
 
 /*!
-    Files the resource \a info of \a owner, which must not be null, and returns the owner's state.
+    Adds the resource \a info of \a owner, which must not be null, and returns the owner's state.
 
-    When the owner already has a resource with that id, the entry's type, name and URL are replaced
-    and it keeps its place. Otherwise a new entry is added, and an owner that was unknown gets a state
-    with the status ResourceOwnerState::CreationRequested. A known owner's status stays as it is.
+    If the owner already has a resource with the same id, this function replaces the type, the name
+    and the URL of that entry instead; the entry keeps its place. A new owner gets a state with the
+    status ResourceOwnerState::CreationRequested. The status of a known owner does not change.
 
-    Emits, in this order: messagesAdded() if the log is enabled, resourceOwnerAdded() for a new owner,
-    resourcesChanged().
+    Emits, in this order: messagesAdded() if the log is enabled, resourceOwnerAdded() for a new
+    owner, resourcesChanged().
 */
 QSharedPointer<ResourceOwnerState> SceneResourceTracker::registerResource(IResourceOwner *owner,
                                                                           const ResourceInfo &info)
 {
     Q_D(SceneResourceTracker);
-    QSharedPointer<ResourceOwnerState> state;
+    StatePointer state;
     bool ownerAdded = false;
 
     const auto entry = d->find(owner, info.id);
@@ -405,9 +398,10 @@ QSharedPointer<ResourceOwnerState> SceneResourceTracker::registerResource(IResou
         state = entry->ownerState;
         d->update(entry, info);
     } else {
-        const auto ownerCount = d->owners.size();
-        state = d->stateOf(owner);
-        ownerAdded = d->owners.size() != ownerCount;
+        state = d->knownState(owner);
+        ownerAdded = !state;
+        if (ownerAdded)
+            state = d->addOwner(owner);
         ++state->resourceCount;
         d->file(info, state);
     }
@@ -419,11 +413,13 @@ QSharedPointer<ResourceOwnerState> SceneResourceTracker::registerResource(IResou
 }
 
 /*!
-    Removes the resource \a id of \a owner, and the owner with its last resource. Does nothing when
-    there is no such resource.
+    Removes the resource \a id of \a owner. The owner leaves owners() with its last resource, that
+    is when ResourceOwnerState::resourceCount becomes 0. Does nothing if the owner has no resource
+    \a id.
 
     Emits, in this order: messagesAdded() if the log is enabled, and resourceOwnerRemoved() if the
-    owner left, both while the entry is still in the list; resourcesChanged() without it.
+    owner left, both while the entry is still in the list; then resourcesChanged() without the
+    entry.
 */
 void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
 {
@@ -432,19 +428,19 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
     if (entry == d->resources.end())
         return;
 
+    // Weak, so that the state is released before the last signal.
+    const QWeakPointer<ResourceOwnerState> knownBefore = d->knownState(owner);
     ResourceWalk walk(d, entry);
     walk.next();
     d->addMessage(Message::Unregistered, *entry);
     if (!walk.hasCurrent())
         return;
 
-    const auto &state = entry->ownerState;
-    --state->resourceCount;
-    // A slot may have removed the owner, or registered it anew with another state.
-    if (state->resourceCount == 0 && d->isKnown(owner, state)) {
-        d->owners.erase(owner);
+    --entry->ownerState->resourceCount;
+    // A re-entrant slot may have removed the owner, and registered it anew with another state.
+    if (entry->ownerState->resourceCount == 0 && d->knownState(owner) == knownBefore
+        && d->owners.erase(owner) > 0)
         Q_EMIT resourceOwnerRemoved();
-    }
     if (!walk.hasCurrent())
         return;
 
@@ -453,17 +449,17 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
 }
 
 /*!
-    Removes all resources of \a owner, and the owner. Leaves ResourceOwnerState::resourceCount as it
-    is; an owner that registers again gets a new state.
+    Removes all resources of \a owner, and the owner. ResourceOwnerState::resourceCount does not
+    change. An owner that registers again gets a new state.
 
-    Emits, in this order: messagesAdded() for each resource while it is still in the list, if the log
-    is enabled; resourceOwnerRemoved() if the owner was known; resourcesChanged() if there was
-    anything to remove.
+    Emits, in this order: messagesAdded() for each resource while it is still in the list, if the
+    log is enabled; resourceOwnerRemoved() if the owner was in owners(); resourcesChanged() if a
+    resource was removed.
 */
 void SceneResourceTracker::unregisterResources(IResourceOwner *owner)
 {
     Q_D(SceneResourceTracker);
-    ResourceWalk walk(d, owner, ResourceWalk::Purpose::Remove);
+    ResourceWalk walk(d, ResourceWalk::Purpose::Remove, isOf(owner));
     const bool removed = d->unregisterEntries(walk);
 
     if (!d->keepsOwner(owner) && d->owners.erase(owner) > 0)
@@ -473,11 +469,11 @@ void SceneResourceTracker::unregisterResources(IResourceOwner *owner)
 }
 
 /*!
-    Sets the status in \a state, which must not be null, to \a status; does nothing when the state has
-    no owner. Any value is stored; one without a name shows as an empty text in messages.
+    Sets the status in \a state, which must not be null, to \a status. Does nothing if the state has
+    no owner. Stores any value; a value without an enumerator has an empty text in messages.
 
-    Emits messagesAdded() for each of the owner's resources if the log is enabled, also when the
-    status was the same before, and no other signal.
+    Emits messagesAdded() for each of the owner's resources if the log is enabled, even if the
+    status is the same as before. Emits no other signal.
 */
 void SceneResourceTracker::setStatus(const QSharedPointer<ResourceOwnerState> &state,
                                      ResourceOwnerState::Status status)
@@ -489,14 +485,20 @@ void SceneResourceTracker::setStatus(const QSharedPointer<ResourceOwnerState> &s
     Q_D(SceneResourceTracker);
     if (!d->messagesEnabled)
         return;
-    ResourceWalk walk(d, state->owner, ResourceWalk::Purpose::Describe);
+    ResourceWalk walk(d, ResourceWalk::Purpose::Describe, isOf(state->owner));
     while (walk.next())
         d->addMessage(Message::StatusChanged, *walk.current());
 }
 
 /*!
-    Tells the owner in \a state, which must not be null, that it may create its resources. Does
-    nothing when the state has no owner. Changes no status and emits nothing: call setStatus() before.
+    Calls IResourceOwner::allowResources() of the owner in \a state, which must not be null: the
+    owner may create its resources. Does nothing if the state has no owner. Changes no status and
+    emits nothing: call setStatus() first.
+
+    Do not call this function from a loop over owners() or resources(). The owner may unregister itself,
+    which invalidates the iterators of both. Copy the states first, and skip a state that owners() no longer
+    has when its turn comes: an owner that was called before may have removed or destroyed this one. The guide
+    has \l {The application decides}{the code}. The same holds for releaseResources().
 */
 void SceneResourceTracker::allowResources(const QSharedPointer<ResourceOwnerState> &state)
 {
@@ -505,8 +507,9 @@ void SceneResourceTracker::allowResources(const QSharedPointer<ResourceOwnerStat
 }
 
 /*!
-    Tells the owner in \a state, which must not be null, to give its resources up. Does nothing when
-    the state has no owner. Changes no status and emits nothing: call setStatus() before.
+    Calls IResourceOwner::releaseResources() of the owner in \a state, which must not be null: the
+    owner releases its resources. Does nothing if the state has no owner. Changes no status and
+    emits nothing: call setStatus() first.
 */
 void SceneResourceTracker::releaseResources(const QSharedPointer<ResourceOwnerState> &state)
 {
@@ -515,9 +518,8 @@ void SceneResourceTracker::releaseResources(const QSharedPointer<ResourceOwnerSt
 }
 
 /*!
-    Forgets all resources, owners and messages, and lets owners register again. Emits nothing and
-    tells no owner; whether the log is enabled stays as it is. States that others hold survive as they
-    are.
+    Removes all resources, owners and messages, and lets owners register again. Emits nothing, calls
+    no owner, and leaves the log enabled or disabled. States that others hold do not change.
 */
 void SceneResourceTracker::clear()
 {
@@ -531,7 +533,7 @@ void SceneResourceTracker::clear()
 }
 
 /*!
-    Returns the installed tracker, or null while there is none, as at first.
+    Returns the installed tracker, or null if none is installed. Initially none is.
 
     \since Ovelin 1.0
     \sa setSceneResourceTracker(), SceneResourceTracker
@@ -542,8 +544,8 @@ SceneResourceTracker *sceneResourceTracker()
 }
 
 /*!
-    Installs \a tracker for all owners; null uninstalls. The application keeps the ownership of both
-    the old and the new tracker, and uninstalls a tracker before it destroys it.
+    Installs \a tracker for all owners. Null uninstalls the present one. The application owns both
+    the old and the new tracker, and uninstalls a tracker before destroying it.
 
     \since Ovelin 1.0
     \sa sceneResourceTracker(), SceneResourceTracker

@@ -11,6 +11,8 @@ namespace ovelin {
 
 class ResourceWalk;
 
+using StatePointer = QSharedPointer<ResourceOwnerState>;
+
 class SceneResourceTrackerPrivate : public QObjectPrivate
 {
     Q_DECLARE_PUBLIC(SceneResourceTracker)
@@ -21,16 +23,20 @@ public:
     SceneResourceTrackerPrivate();
     ~SceneResourceTrackerPrivate() override;
 
-    static void ownerDestroyed(IResourceOwner *owner,
-                               const QSharedPointer<ResourceOwnerState> &heldState);
+    static SceneResourceTrackerPrivate *get(SceneResourceTracker *tracker)
+    {
+        return tracker->d_func();
+    }
+    static void ownerDestroyed(IResourceOwner *owner, const StatePointer &heldState);
 
     Resources::iterator find(const IResourceOwner *owner, int id);
     bool isBeingRemoved(Resources::iterator entry) const;
-    bool isKnown(IResourceOwner *owner, const QSharedPointer<ResourceOwnerState> &state) const;
+    StatePointer knownState(IResourceOwner *owner) const;
+    bool hasEntryOf(const StatePointer &state);
 
     void update(Resources::iterator entry, const ResourceInfo &info);
-    QSharedPointer<ResourceOwnerState> stateOf(IResourceOwner *owner);
-    void file(const ResourceInfo &info, const QSharedPointer<ResourceOwnerState> &state);
+    StatePointer addOwner(IResourceOwner *owner);
+    void file(const ResourceInfo &info, const StatePointer &state);
 
     void erase(Resources::iterator entry);
     bool unregisterEntries(ResourceWalk &walk);
@@ -39,39 +45,38 @@ public:
     void addMessage(SceneResourceTracker::Message::Event event, const ResourceInfo &info);
 
     Resources resources;
-    std::unordered_map<IResourceOwner *, QSharedPointer<ResourceOwnerState>> owners;
+    std::unordered_map<IResourceOwner *, StatePointer> owners;
     QList<SceneResourceTracker::Message> messages;
     bool messagesEnabled = false;
     bool registrationBlocked = false;
     ResourceWalk *innermostWalk = nullptr;
 
 private:
-    using States = QVarLengthArray<QSharedPointer<ResourceOwnerState>, 4>;
+    using States = QVarLengthArray<StatePointer, 4>;
 
-    static void setOwner(const States &states, IResourceOwner *owner);
     void addStatesOf(IResourceOwner *owner, States &states) const;
     void removeDyingOwner(IResourceOwner *owner, const States &states);
 
-    // All trackers there are: an item that dies must not stay in one that is not installed just then.
+    // All trackers are linked: a destroyed owner leaves each of them, whichever is installed.
     static SceneResourceTrackerPrivate *s_newest;
-    SceneResourceTrackerPrivate *m_older = nullptr;
-    SceneResourceTrackerPrivate *m_newer = nullptr;
+    SceneResourceTrackerPrivate *m_older;
 };
 
-// The entries that one operation handles, in the order of the list, as they were when it began.
+// A walk over the entries that one operation handles: those that were listed when the operation
+// began, in the order of the list.
 //
-// Each message is announced by a signal, and a slot may call the tracker again: it may erase any of
-// these entries, and begin walks of its own. The tracker keeps its walks in a chain and takes an
-// entry that it erases out of all of them, so that none ever touches what is gone. An entry that is
-// being removed belongs to the walk that has it in hand: no other removes it a second time.
+// Each message is announced by a signal. A re-entrant slot may erase any of these entries, and may
+// start walks of its own. The tracker links its walks and tells all of them when it erases an
+// entry, so that no walk uses an erased entry. Only one walk at a time removes an entry.
 class ResourceWalk
 {
 public:
     enum class Purpose { Describe, Remove };
     using Entry = SceneResourceTrackerPrivate::Resources::iterator;
 
-    ResourceWalk(SceneResourceTrackerPrivate *tracker, const IResourceOwner *owner,
-                 Purpose purpose);
+    template<typename IsSelected>
+    ResourceWalk(SceneResourceTrackerPrivate *tracker, Purpose purpose,
+                 const IsSelected &isSelected);
     ResourceWalk(SceneResourceTrackerPrivate *tracker, Entry removed);
     ~ResourceWalk();
 
@@ -87,13 +92,26 @@ public:
 private:
     Q_DISABLE_COPY_MOVE(ResourceWalk)
 
+    ResourceWalk(SceneResourceTrackerPrivate *tracker, Purpose purpose);
+
     SceneResourceTrackerPrivate *const m_tracker;
     ResourceWalk *const m_outer;
     const Purpose m_purpose;
-    const Entry m_gone;
+    const Entry m_end; // of the list; stands for an erased entry in m_entries
     QVarLengthArray<Entry, 16> m_entries;
     qsizetype m_index = -1;
 };
+
+template<typename IsSelected>
+ResourceWalk::ResourceWalk(SceneResourceTrackerPrivate *tracker, Purpose purpose,
+                           const IsSelected &isSelected)
+    : ResourceWalk(tracker, purpose)
+{
+    for (auto entry = tracker->resources.begin(); entry != m_end; ++entry) {
+        if (isSelected(*entry) && (purpose == Purpose::Describe || !tracker->isBeingRemoved(entry)))
+            m_entries.append(entry);
+    }
+}
 
 } // namespace ovelin
 

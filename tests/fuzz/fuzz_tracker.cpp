@@ -15,11 +15,10 @@ constexpr int highestNumber = 35;
 constexpr int mostSteps = 300;
 constexpr int mostReactions = 20;
 
-TrackerStep anyStep(FuzzedDataProvider &data)
+TrackerStep anyStep(FuzzedDataProvider &data, TrackerStep::Kind last)
 {
     TrackerStep step{};
-    step.kind =
-        static_cast<TrackerStep::Kind>(data.ConsumeIntegralInRange(0, TrackerStep::kindCount - 1));
+    step.kind = static_cast<TrackerStep::Kind>(data.ConsumeIntegralInRange(0, int(last)));
     step.tracker = data.ConsumeIntegralInRange(0, trackerCount - 1);
     step.place = data.ConsumeIntegralInRange(0, placeCount - 1);
     step.id = data.ConsumeIntegralInRange(0, highestId);
@@ -28,12 +27,12 @@ TrackerStep anyStep(FuzzedDataProvider &data)
     return step;
 }
 
-Reactions anyReactions(FuzzedDataProvider &data)
+Reactions anyReactions(FuzzedDataProvider &data, TrackerStep::Kind last)
 {
     Reactions reactions(data.ConsumeIntegralInRange<std::size_t>(0, mostReactions));
     for (auto &reaction : reactions) {
         if (data.ConsumeBool())
-            reaction = anyStep(data);
+            reaction = anyStep(data, last);
     }
     return reactions;
 }
@@ -44,11 +43,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     FuzzedDataProvider data(bytes, size);
     const bool callsBack = data.ConsumeBool();
+    const bool writesIntoStates = data.ConsumeBool();
+    const auto last = writesIntoStates ? TrackerStep::last : TrackerStep::lastThatKeepsRules;
     TrackerModel model;
     TrackerSubject subject;
     for (int steps = 0; steps < mostSteps && data.remaining_bytes() > 0; ++steps) {
-        const TrackerStep step = anyStep(data);
-        model.apply(step, callsBack ? anyReactions(data) : Reactions());
+        const TrackerStep step = anyStep(data, last);
+        model.apply(step, callsBack ? anyReactions(data, last) : Reactions());
         requireNone(subject.run(model));
         requireNone(model.violation());
     }

@@ -13,7 +13,7 @@
 
 #include <functional>
 
-// An owner that stands on its own, so that the tracker is tested without the owner base.
+// An owner that does not derive from AbstractResourceOwner.
 class PlainOwner : public ovelin::IResourceOwner
 {
 public:
@@ -31,8 +31,8 @@ public:
     int releaseCalls = 0;
 };
 
-// An on-screen item as applications write them. The QObject comes first, so that the item's address
-// as an object differs from its address as an owner.
+// An item as applications write it. The QObject is the first base, so that the address of the
+// object differs from the address of the owner.
 class Item : public QObject, public ovelin::AbstractResourceOwner
 {
 public:
@@ -42,7 +42,7 @@ public:
         return this;
     }
 
-    // The reaction is copied first: it may destroy the item.
+    // The reaction may destroy the item, so a copy of the reaction is called.
     void allowResources() override
     {
         ++allowCalls;
@@ -65,7 +65,7 @@ public:
     int releaseCalls = 0;
 };
 
-// Installs a tracker of its own for the time of a test.
+// A tracker that is installed as long as it exists.
 class InstalledTracker : public ovelin::SceneResourceTracker
 {
 public:
@@ -117,8 +117,8 @@ inline bool refersTo(const ovelin::SceneResourceTracker &tracker,
     return false;
 }
 
-// Writes down every signal of a tracker with what the tracker holds while it is emitted, as in
-// "resourcesChanged [2 1] owners 1 messages 0".
+// Records every signal of a tracker, with the ids of the entries and the numbers of owners and
+// messages during the signal. Example: "resourcesChanged [2 1] owners 1 messages 0".
 class SignalRecorder
 {
 public:
@@ -133,7 +133,7 @@ public:
         connect(&SceneResourceTracker::messagesAdded, QStringLiteral("messagesAdded"));
     }
 
-    // The names of the signals alone.
+    // Returns the names of the signals only.
     QStringList names() const
     {
         QStringList result;

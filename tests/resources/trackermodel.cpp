@@ -14,7 +14,7 @@ namespace {
 
 constexpr qsizetype messageCapacity = 100;
 
-// The number of an item that is neither at a place nor dying, and of a state that no slot has seen.
+// Stands for an item that is neither at a place nor dying, and for a state without a number.
 constexpr int stranger = -1;
 
 QString textOf(int value, std::initializer_list<const char *> texts)
@@ -127,7 +127,7 @@ auto entryWithNumber(TrackerSituation::Tracker &tracker, int number)
     return std::ranges::find(tracker.resources, number, &TrackerSituation::Entry::number);
 }
 
-// As they are now: slots may remove some of them before their turn.
+// Returns the numbers of the matching entries. Slots may remove some of these entries later.
 template<typename Is>
 std::vector<int> numbersOf(const TrackerSituation::Tracker &tracker, const Is &is)
 {
@@ -205,6 +205,8 @@ QString TrackerStep::described() const
         "SetBlocked",
         "SetInstalled",
         "Destroy",
+        "WriteOwner",
+        "WriteCount",
     };
     return u"%1 tracker %2 place %3 id %4 number %5 flag %6"_s.arg(QLatin1StringView(names[kind]))
         .arg(tracker)
@@ -342,6 +344,16 @@ void TrackerModel::call(const TrackerStep &step)
     case TrackerStep::Destroy:
         destroy(itemAtPlace);
         break;
+    case TrackerStep::WriteOwner:
+        if (state)
+            states[std::size_t(*state)].owner = itemAtPlace.item;
+        m_writtenInto = true;
+        break;
+    case TrackerStep::WriteCount:
+        if (state)
+            states[std::size_t(*state)].resourceCount = step.id;
+        m_writtenInto = true;
+        break;
     }
     item.runningCalls -= step.isOfTheItem();
 }
@@ -350,13 +362,14 @@ std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
 {
     if (states.empty())
         return std::nullopt;
-    const int state = int(states.size()) - 1 - step.number % int(states.size()); // the newest first
+    // Counts backwards from the newest state.
+    const int state = int(states.size()) - 1 - step.number % int(states.size());
     const std::optional<int> owner = states[std::size_t(state)].owner;
     const bool isThere = std::ranges::find(items, owner, &ItemAtPlace::item) != items.end();
     return owner && !isThere ? std::nullopt : std::optional(state);
 }
 
-// The item that the step calls instead of the one at the place; null for none.
+// Returns the dying item that the step calls instead of the item at the place, or null.
 TrackerModel::ItemAtPlace *TrackerModel::dyingItem(const TrackerStep &step)
 {
     if (!step.flag || m_dying.empty())
@@ -379,13 +392,15 @@ void TrackerModel::registerItem(ItemAtPlace &item, const ResourceInfo &info)
         installed && !isDying && !trackers[std::size_t(*installed)].registrationBlocked;
     if (mayRegister) {
         Tracker &tracker = trackers[std::size_t(*installed)];
-        registerResource(tracker, item.item, info);
-        item.heldState = knownState(tracker, item.item);
+        const int state = registerResource(tracker, item.item, info);
+        // A re-entrant slot may have removed the item.
+        const std::optional<int> known = knownState(tracker, item.item);
+        item.heldState = known == state || hasEntryOf(tracker, state) ? state : known;
     }
     noteMoment(returned(mayRegister));
 }
 
-// The item gives up a state in which nothing is left, for another one if it was registered anew.
+// The item drops a state whose count is 0. A slot may have registered the item with another state.
 void TrackerModel::unregisterItem(ItemAtPlace &item, int id)
 {
     if (!installed || !item.heldState)
@@ -445,7 +460,7 @@ int TrackerModel::registerResource(Tracker &tracker, int item, const ResourceInf
     return state;
 }
 
-// An entry that is leaving counts as gone already.
+// Skips an entry that is leaving.
 std::list<TrackerModel::Entry>::iterator TrackerModel::find(Tracker &tracker, int item,
                                                             int id) const
 {
@@ -454,7 +469,7 @@ std::list<TrackerModel::Entry>::iterator TrackerModel::find(Tracker &tracker, in
     });
 }
 
-// Whether the entry is still there: a slot may clear the tracker meanwhile.
+// Returns true if the entry is still listed: a re-entrant slot may clear the tracker.
 bool TrackerModel::announceRemoval(Tracker &tracker, Entry &entry)
 {
     const int number = entry.number;
@@ -463,7 +478,8 @@ bool TrackerModel::announceRemoval(Tracker &tracker, Entry &entry)
     return contains(tracker, number);
 }
 
-// A slot may clear the tracker while the entry is leaving it, and register the item with another state.
+// A re-entrant slot may remove the item while the entry is leaving, and register it with another
+// state.
 void TrackerModel::unregisterResource(Tracker &tracker, int item, int id)
 {
     const auto entry = find(tracker, item, id);
@@ -471,12 +487,12 @@ void TrackerModel::unregisterResource(Tracker &tracker, int item, int id)
         return;
     const int number = entry->number;
     const int state = entry->state;
+    const std::optional<int> knownBefore = knownState(tracker, item);
     if (!announceRemoval(tracker, *entry))
         return;
-    if (--states[std::size_t(state)].resourceCount == 0 && knownState(tracker, item) == state) {
-        tracker.owners.erase(item);
+    if (--states[std::size_t(state)].resourceCount == 0 && knownState(tracker, item) == knownBefore
+        && tracker.owners.erase(item) > 0)
         emitSignal(tracker, u"resourceOwnerRemoved"_s);
-    }
     if (!contains(tracker, number))
         return;
     tracker.resources.erase(entry);
@@ -495,7 +511,7 @@ void TrackerModel::unregisterResources(Tracker &tracker, int item)
         emitSignal(tracker, u"resourcesChanged"_s);
 }
 
-// Whether it removed any: slots may have removed all of them.
+// Returns true if it removed an entry: re-entrant slots may remove all of them first.
 bool TrackerModel::remove(Tracker &tracker, const std::vector<int> &entries)
 {
     bool removed = false;
@@ -509,20 +525,25 @@ bool TrackerModel::remove(Tracker &tracker, const std::vector<int> &entries)
     return removed;
 }
 
-// A slot may have registered something for an item that was to leave: the item stays, and its count is
-// that of what is there.
+// Returns true if a re-entrant slot has registered an entry for the item. The item stays, and the
+// count is the number of listed entries.
 bool TrackerModel::keepsOwner(const Tracker &tracker, int item)
 {
     const std::optional<int> state = knownState(tracker, item);
     if (!state || states[std::size_t(*state)].owner != item)
         return false;
-    const auto isItsOwn = [&](const Entry &entry) { return entry.state == *state; };
-    const auto stays = [&](const Entry &entry) { return isItsOwn(entry) && !entry.isLeaving; };
-    if (std::ranges::none_of(tracker.resources, stays))
+    if (!hasEntryOf(tracker, *state))
         return false;
     states[std::size_t(*state)].resourceCount =
-        int(std::ranges::count_if(tracker.resources, isItsOwn));
+        int(std::ranges::count(tracker.resources, *state, &Entry::state));
     return true;
+}
+
+bool TrackerModel::hasEntryOf(const Tracker &tracker, int state)
+{
+    return std::ranges::any_of(tracker.resources, [&](const Entry &entry) {
+        return entry.state == state && !entry.isLeaving;
+    });
 }
 
 void TrackerModel::setStatus(Tracker &tracker, int state, int status)
@@ -540,8 +561,8 @@ void TrackerModel::setStatus(Tracker &tracker, int state, int status)
     }
 }
 
-// The item's states lose it before anything else happens. An item is known by its states even when the
-// application took it out of them. Slots find the next item at the place already.
+// All states of the item lose it before the first slot runs. They are its states even if the
+// application has written another owner into them. Slots already find the next item at the place.
 void TrackerModel::destroy(ItemAtPlace &place)
 {
     const int item = place.item;
@@ -553,14 +574,17 @@ void TrackerModel::destroy(ItemAtPlace &place)
             if (belongsTo(entry, item))
                 itsStates.insert(entry.state);
         }
-        if (const std::optional<int> known = knownState(tracker, item))
-            itsStates.insert(*known);
+        for (const auto &[owner, state] : tracker.owners) {
+            if (owner == item || states[std::size_t(state)].owner == item)
+                itsStates.insert(state);
+        }
     }
 
     m_dying.push_back(std::exchange(place, {.item = m_itemCount++, .heldState = {}}));
     for (const int state : itsStates)
         states[std::size_t(state)].owner.reset();
-    for (Tracker &tracker : std::views::reverse(trackers)) // the library's order; none is promised
+    for (Tracker &tracker :
+         std::views::reverse(trackers)) // the order of the library, which promises none
         forget(tracker, item, itsStates);
     m_dying.pop_back();
 }
@@ -623,17 +647,19 @@ void TrackerModel::emitSignal(const Tracker &tracker, const QString &name)
 QString TrackerModel::violation() const
 {
     for (const Tracker &tracker : trackers) {
+        if (tracker.messages.size() >= messageCapacity)
+            return u"a log that should have been emptied"_s;
+        if (m_writtenInto)
+            continue;
         for (const QString &violation : {entryViolation(tracker), ownerViolation(tracker)}) {
             if (!violation.isEmpty())
                 return violation;
         }
-        if (tracker.messages.size() >= messageCapacity)
-            return u"a log that should have been emptied"_s;
     }
     return {};
 }
 
-// The tracker does nothing through a state that has lost its owner: its entries are nobody's.
+// The rules do not apply to an entry whose state names no owner.
 QString TrackerModel::entryViolation(const Tracker &tracker) const
 {
     std::set<std::pair<int, int>> identifiers;
@@ -699,8 +725,8 @@ void TrackerSubject::create(int place)
     m_items[std::size_t(place)] = {number, std::move(item)};
 }
 
-// Slots find the next item at the place already. Another item may get the address of this one: states that
-// still point to it are noted.
+// Slots already find the next item at the place. A new item may get the address of this item: the
+// states that still name this item are marked.
 void TrackerSubject::destroy(int place)
 {
     NumberedItem dying = std::move(m_items[std::size_t(place)]);
@@ -715,8 +741,8 @@ void TrackerSubject::destroy(int place)
     }
 }
 
-// The item that the step calls instead of the one at the place: it still has its functions as an
-// owner. Null for none.
+// Returns the dying item that the step calls instead of the item at the place, or null. The
+// functions of the owner base can still be called.
 AbstractResourceOwner *TrackerSubject::dyingItem(const TrackerStep &step) const
 {
     if (!step.flag || m_dying.empty())
@@ -773,7 +799,7 @@ void TrackerSubject::call(const TrackerCall &call)
                                   : QSharedPointer<ResourceOwnerState>();
 
     switch (step.kind) {
-    case TrackerStep::RegisterDirectly: // which must not be dying
+    case TrackerStep::RegisterDirectly: // never for a dying item
         compare(
             returned(stateNumber(tracker.registerResource(itemAtPlace, info)).value_or(stranger)));
         break;
@@ -833,10 +859,20 @@ void TrackerSubject::call(const TrackerCall &call)
     case TrackerStep::Destroy:
         destroy(step.place);
         break;
+    case TrackerStep::WriteOwner:
+        if (state) {
+            state->owner = itemAtPlace;
+            m_states[std::size_t(*call.state)].goneOwner.reset();
+        }
+        break;
+    case TrackerStep::WriteCount:
+        if (state)
+            state->resourceCount = step.id;
+        break;
     }
 }
 
-// The first slot after a state was made sees it.
+// Numbers the new states. Each state is listed in the first slot after its creation.
 void TrackerSubject::noteStates()
 {
     for (const SceneResourceTracker &tracker : trackers) {
@@ -873,7 +909,8 @@ TrackerSituation TrackerSubject::situation() const
 {
     TrackerSituation result;
     for (const auto &[state, goneOwner] : m_states) {
-        result.states.push_back({state->status, goneOwner ? goneOwner : ownerNumber(state->owner),
+        const bool isGone = state->owner && goneOwner;
+        result.states.push_back({state->status, isGone ? goneOwner : ownerNumber(state->owner),
                                  state->resourceCount, state->geometry});
     }
     for (std::size_t i = 0; i < trackers.size(); ++i) {
@@ -903,7 +940,7 @@ TrackerSituation::Tracker TrackerSubject::situation(const SceneResourceTracker &
     return result;
 }
 
-// Each message when it is the last one. Of an object that is not there any more nobody knows the address.
+// Checks the last message. The address of a destroyed object is not checked.
 bool TrackerSubject::hasWrongAddress(const SceneResourceTracker &tracker) const
 {
     if (tracker.messages().isEmpty())

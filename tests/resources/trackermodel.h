@@ -14,14 +14,14 @@
 
 namespace ovelin::tests {
 
-// A few items use two trackers, of which one at most is installed. Each item has a place of its own; a
-// destroyed one is followed by a new one.
+// A few items use two trackers. At most one tracker is installed. Each item has a place, which a
+// new item takes when the item is destroyed.
 constexpr int trackerCount = 2;
 constexpr int placeCount = 3;
 
-// One call of a tracker or of an item. A state is any that a tracker ever made, by its number; no
-// step uses a state whose owner was destroyed after it left the tracker, and none destroys an item inside
-// one of its own functions, as the application must not.
+// One call of a tracker or of an item. States are numbered in the order in which trackers create
+// them. As an application must, steps use no state that names a destroyed owner, and destroy no
+// item inside one of its own functions.
 struct TrackerStep
 {
     enum Kind {
@@ -43,15 +43,20 @@ struct TrackerStep
         SetBlocked,
         SetInstalled,
         Destroy,
+        // The application writes into a state. TrackerModel::violation() checks less afterwards.
+        WriteOwner,
+        WriteCount,
     };
-    static constexpr int kindCount = Destroy + 1;
+    static constexpr Kind lastThatKeepsRules = Destroy;
+    static constexpr Kind last = WriteCount;
+    static constexpr int kindCount = last + 1;
 
     Kind kind;
     int tracker;
     int place;
-    int id;     // of the resource; makes the status and the geometry, too
-    int number; // chooses the state; makes the type, the URL and the name
-    bool flag;  // what is switched on; whether a dying item is called, while there is one
+    int id;     // of the resource; the status, the geometry and the count are computed from it
+    int number; // the state, the type, the URL and the name are computed from it
+    bool flag;  // the value to set; true also calls a dying item instead of the one at the place
 
     ResourceInfo info() const;
     ResourceOwnerState::Status status() const;
@@ -60,18 +65,19 @@ struct TrackerStep
     QString described() const;
 };
 
-// What slots, and items that are told of a decision, call back, in the order in which they are called:
-// a slot takes steps up to the next nothing. When all are taken, the others call nothing.
+// The steps that slots and called items make, in the order of the calls. Each slot makes the steps
+// up to the next empty one. A slot that finds no step left makes none.
 using Reactions = std::vector<std::optional<TrackerStep>>;
 
-// A step, and the state that it uses, if it may use it.
+// A step and the number of the state that it uses, if it uses one.
 struct TrackerCall
 {
     TrackerStep step;
     std::optional<int> state;
 };
 
-// What there is to see of the trackers and of the items. Items and states are numbered as they come up.
+// The observable state of the trackers and of the items. Items and states are numbered in the order
+// of their creation.
 struct TrackerSituation
 {
     struct State
@@ -88,7 +94,7 @@ struct TrackerSituation
         int id;
         ResourceInfo::Type type;
         int state;
-        // Only the model knows:
+        // The model alone uses these two:
         int number = 0;         // of the registration
         bool isLeaving = false; // while the removal is announced
     };
@@ -98,7 +104,7 @@ struct TrackerSituation
         std::list<Entry> resources;
         std::map<int, int> owners; // items and their states
         QList<Message> messages;
-        bool messagesEnabled = false; // only the model knows
+        bool messagesEnabled = false; // the model alone uses it
         bool registrationBlocked = false;
     };
     struct ItemAtPlace
@@ -106,10 +112,10 @@ struct TrackerSituation
         int item;
         std::optional<int> heldState;
         bool isAllowed = true;
-        int runningCalls = 0; // of its own functions; only the model knows
+        int runningCalls = 0; // of the functions of the item; the model alone uses it
     };
 
-    // How it differs from the other one; empty when it does not.
+    // Returns the first difference, or an empty text.
     QString difference(const TrackerSituation &expected) const;
 
     std::vector<State> states;
@@ -118,8 +124,7 @@ struct TrackerSituation
     std::array<ItemAtPlace, placeCount> items;
 };
 
-// What the trackers and the items should be after each step, and whenever a slot or an item is called in
-// it, by the plain rules.
+// Computes by plain rules the situation after each step, and at each call of a slot or of an item.
 struct TrackerModel : TrackerSituation
 {
     struct Moment
@@ -132,11 +137,13 @@ struct TrackerModel : TrackerSituation
 
     void apply(const TrackerStep &step, const Reactions &reactions = {});
 
-    // Which rule is broken of those that hold whatever slots have done; empty when none is.
+    // Returns the first broken rule of those that re-entrant slots cannot break, or an empty text.
+    // An application that writes into states breaks them itself, except the cap of the log.
     QString violation() const;
 
-    // Of the last step: itself and what was called back inside it, with nothing where a slot returned; and
-    // the moments in between, of which the last one is the end.
+    // The calls of the last step: the step, then the calls of its slots; an empty call ends a slot.
+    // Moments are recorded at the beginning of each slot, after calls that return a value, and at
+    // the end.
     std::vector<std::optional<TrackerCall>> calls;
     std::vector<Moment> moments;
 
@@ -162,6 +169,7 @@ private:
     bool announceRemoval(Tracker &tracker, Entry &entry);
     bool remove(Tracker &tracker, const std::vector<int> &entries);
     bool keepsOwner(const Tracker &tracker, int item);
+    static bool hasEntryOf(const Tracker &tracker, int state);
 
     bool belongsTo(const Entry &entry, int item) const;
     Message composed(const Entry &entry, Message::Event event) const;
@@ -174,20 +182,21 @@ private:
 
     Reactions m_reactions; // of the last step
     std::size_t m_nextReaction = 0;
-    std::deque<ItemAtPlace> m_dying; // the last one began last
+    std::deque<ItemAtPlace> m_dying; // the innermost destructor last
     int m_itemCount = 0;
     int m_entryCount = 0;
+    bool m_writtenInto = false; // true if the application has written an owner or a count
 };
 
-// The trackers and the items themselves.
+// The real trackers and items.
 class TrackerSubject
 {
 public:
     TrackerSubject();
     ~TrackerSubject();
 
-    // Makes the calls of the model's last step, each where the model made it, and compares the situation at
-    // each of the model's moments. Tells the first difference; empty when there is none.
+    // Makes the calls of the model's last step in the same slots, and compares the situation at
+    // each of the model's moments. Returns the first difference, or an empty text.
     QString run(const TrackerModel &model);
 
     std::array<SceneResourceTracker, trackerCount> trackers;
@@ -213,7 +222,7 @@ private:
     struct State
     {
         QSharedPointer<ResourceOwnerState> state;
-        std::optional<int> goneOwner; // which it still points to
+        std::optional<int> goneOwner; // the destroyed item that the state still names
     };
     struct NumberedItem
     {
@@ -224,13 +233,13 @@ private:
     std::vector<State> m_states;
     std::array<NumberedItem, placeCount> m_items;
     int m_itemCount = 0;
-    std::vector<std::pair<int, AbstractResourceOwner *>> m_dying; // the last one began last
+    std::vector<std::pair<int, AbstractResourceOwner *>> m_dying; // the innermost destructor last
 
     const TrackerModel *m_model = nullptr; // while its calls are made
     std::size_t m_nextCall = 0;
     std::size_t m_nextMoment = 0;
     QString m_difference;
-    QObject m_context; // destroyed first, so that no slot runs while the items go
+    QObject m_context; // destroyed first, so that no slot runs while items are destroyed
 };
 
 } // namespace ovelin::tests

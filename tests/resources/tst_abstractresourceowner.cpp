@@ -33,7 +33,7 @@ namespace {
 
 const QUrl poster(u"file:///poster.png"_s);
 
-// An owner whose object goes before the owner base does.
+// An item whose QObject is destroyed before its owner base.
 class OwnerFirstItem : public AbstractResourceOwner, public QObject
 {
 public:
@@ -42,7 +42,7 @@ public:
     void releaseResources() override {}
 };
 
-// The only owner of a tracker is gone.
+// Verifies that a tracker has removed its only owner.
 void verifyForgotten(const SceneResourceTracker &tracker, const IResourceOwner *owner)
 {
     QVERIFY(!refersTo(tracker, owner));
@@ -67,13 +67,15 @@ private Q_SLOTS:
     void registeringNeedsATracker();
     void registeringIsRefusedWhileBlocked();
     void refusalKeepsTheState();
-    void registeredImage();
-    void registeredResource_data();
-    void registeredResource();
-    void anyIdentifier_data();
-    void anyIdentifier();
+    void registersAnImage();
+    void registersAResource_data();
+    void registersAResource();
+    void acceptsAnyIdentifier_data();
+    void acceptsAnyIdentifier();
     void registeringAgainUpdates();
     void registeringTakesTheStateReturned();
+    void registeringTakesTheStateReturnedThoughTheTableHasNone();
+    void registeringTakesTheStateReturnedThoughTheTableHasAnother();
     void eachCallReadsTheInstalledTracker();
 
     // unregistering
@@ -88,23 +90,23 @@ private Q_SLOTS:
     void unregisteringAfterTheTrackerWasCleared();
 
     // permission
-    void allowedByStatus_data();
-    void allowedByStatus();
-    void allowedOnceTheApplicationSaysSo();
+    void isAllowedByItsStatus_data();
+    void isAllowedByItsStatus();
+    void isAllowedAfterTheApplicationAllowsIt();
 
     // destruction
     void destroyedUnregistered();
-    void destroyedWhileRegistered_data();
-    void destroyedWhileRegistered();
-    void destroyedSignals();
-    void destroyedSignalsWithTheLog();
-    void destroyedIsDescribedWithoutNames();
+    void leavesTheTrackerWhenDestroyed_data();
+    void leavesTheTrackerWhenDestroyed();
+    void destructionEmitsSignals();
+    void destructionEmitsSignalsWithTheLog();
+    void dyingItemIsDescribedWithoutNames();
     void destroyedWithItsObjectGone();
-    void destroyedIsOutOfReachForSlots_data();
-    void destroyedIsOutOfReachForSlots();
-    void destroyedIsOutOfReachInEveryTracker_data();
-    void destroyedIsOutOfReachInEveryTracker();
-    void destroyedKeepsCountAndStatus();
+    void dyingItemIsOutOfReachForSlots_data();
+    void dyingItemIsOutOfReachForSlots();
+    void dyingItemIsOutOfReachInEveryTracker_data();
+    void dyingItemIsOutOfReachInEveryTracker();
+    void destructionKeepsCountAndStatus();
     void destroyedAfterTheTrackerWasUninstalled();
     void destroyedAfterTheTrackerWasReplaced();
     void destroyedWhileInTwoTrackers();
@@ -117,7 +119,7 @@ private Q_SLOTS:
     void destroyedWithEntriesOfNoCount();
     void destroyedWithoutEntries();
     void destroyedWhileRegistrationIsBlocked();
-    void destroyedLeavesOthersAlone();
+    void destructionLeavesOtherItemsAlone();
     void dyingItemCannotRegister_data();
     void dyingItemCannotRegister();
     void dyingItemMayUnregister_data();
@@ -196,7 +198,7 @@ void tst_AbstractResourceOwner::refusalKeepsTheState()
     QCOMPARE(tracker.resources().front().url, poster);
 }
 
-void tst_AbstractResourceOwner::registeredImage()
+void tst_AbstractResourceOwner::registersAnImage()
 {
     const InstalledTracker tracker;
     Item item;
@@ -214,7 +216,7 @@ void tst_AbstractResourceOwner::registeredImage()
     QVERIFY(item.state()->owner == &item);
 }
 
-void tst_AbstractResourceOwner::registeredResource_data()
+void tst_AbstractResourceOwner::registersAResource_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<ResourceInfo::Type>("type");
@@ -228,7 +230,7 @@ void tst_AbstractResourceOwner::registeredResource_data()
     QTest::newRow("no name") << QString() << ResourceInfo::PaintedItem << QList<int>{2, 1};
 }
 
-void tst_AbstractResourceOwner::registeredResource()
+void tst_AbstractResourceOwner::registersAResource()
 {
     QFETCH(const QString, name);
     QFETCH(const ResourceInfo::Type, type);
@@ -248,7 +250,7 @@ void tst_AbstractResourceOwner::registeredResource()
     QCOMPARE(item.state()->resourceCount, 2);
 }
 
-void tst_AbstractResourceOwner::anyIdentifier_data()
+void tst_AbstractResourceOwner::acceptsAnyIdentifier_data()
 {
     QTest::addColumn<int>("id");
 
@@ -256,7 +258,7 @@ void tst_AbstractResourceOwner::anyIdentifier_data()
         QTest::addRow("%d", id) << id;
 }
 
-void tst_AbstractResourceOwner::anyIdentifier()
+void tst_AbstractResourceOwner::acceptsAnyIdentifier()
 {
     QFETCH(const int, id);
     const InstalledTracker tracker;
@@ -307,6 +309,42 @@ void tst_AbstractResourceOwner::registeringTakesTheStateReturned()
     QVERIFY(former.isNull());
     QCOMPARE(item.state(), tracker.owners().at(&item));
     QCOMPARE(item.state()->resourceCount, 1);
+}
+
+void tst_AbstractResourceOwner::registeringTakesTheStateReturnedThoughTheTableHasNone()
+{
+    const InstalledTracker tracker;
+    Item item;
+    item.registerImage(1, poster);
+    item.registerImage(2, poster);
+    const auto state = item.state();
+    state->resourceCount = 1;
+    item.unregisterResource(1);
+    QVERIFY(tracker.owners().empty());
+    QVERIFY(item.state().isNull());
+
+    item.registerImage(2, poster); // updates the entry that is still listed
+
+    QCOMPARE(item.state(), state);
+    QVERIFY(!item.isResourcesAllowed());
+}
+
+void tst_AbstractResourceOwner::registeringTakesTheStateReturnedThoughTheTableHasAnother()
+{
+    const InstalledTracker tracker;
+    Item item;
+    item.registerImage(1, poster);
+    item.registerImage(2, poster);
+    const auto state = item.state();
+    state->resourceCount = 1;
+    item.unregisterResource(1);
+    item.registerImage(3, poster);
+    QCOMPARE_NE(item.state(), state);
+
+    item.registerImage(2, poster);
+
+    QCOMPARE(item.state(), state);
+    QCOMPARE_NE(tracker.owners().at(&item), state);
 }
 
 void tst_AbstractResourceOwner::eachCallReadsTheInstalledTracker()
@@ -419,7 +457,7 @@ void tst_AbstractResourceOwner::unregisteringWithoutStateDoesNothing()
 {
     InstalledTracker tracker;
     Item item;
-    // Filed behind the item's back, so that it holds no state.
+    // Registered with the tracker directly, so that the item holds no state.
     tracker.registerResource(&item, image(1));
     const SignalRecorder recorder(tracker);
 
@@ -481,7 +519,7 @@ void tst_AbstractResourceOwner::unregisteringAfterTheTrackerWasCleared()
     QCOMPARE(recorder.emissions, QStringList());
 }
 
-void tst_AbstractResourceOwner::allowedByStatus_data()
+void tst_AbstractResourceOwner::isAllowedByItsStatus_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<bool>("allowed");
@@ -495,7 +533,7 @@ void tst_AbstractResourceOwner::allowedByStatus_data()
     QTest::newRow("-1") << -1 << false;
 }
 
-void tst_AbstractResourceOwner::allowedByStatus()
+void tst_AbstractResourceOwner::isAllowedByItsStatus()
 {
     QFETCH(const int, status);
     const InstalledTracker tracker;
@@ -507,7 +545,7 @@ void tst_AbstractResourceOwner::allowedByStatus()
     QTEST(item.isResourcesAllowed(), "allowed");
 }
 
-void tst_AbstractResourceOwner::allowedOnceTheApplicationSaysSo()
+void tst_AbstractResourceOwner::isAllowedAfterTheApplicationAllowsIt()
 {
     InstalledTracker tracker;
     Item item;
@@ -515,7 +553,7 @@ void tst_AbstractResourceOwner::allowedOnceTheApplicationSaysSo()
     QVERIFY(!item.isResourcesAllowed());
     const QSharedPointer<ResourceOwnerState> &state = tracker.resources().front().ownerState;
 
-    // Telling the item is not deciding.
+    // allowResources() alone changes no status.
     tracker.allowResources(state);
     QVERIFY(!item.isResourcesAllowed());
     QCOMPARE(item.allowCalls, 1);
@@ -547,7 +585,7 @@ void tst_AbstractResourceOwner::destroyedUnregistered()
     QCOMPARE(recorder.count(u"resourcesChanged"_s), 2);
 }
 
-void tst_AbstractResourceOwner::destroyedWhileRegistered_data()
+void tst_AbstractResourceOwner::leavesTheTrackerWhenDestroyed_data()
 {
     QTest::addColumn<bool>("log");
 
@@ -555,7 +593,7 @@ void tst_AbstractResourceOwner::destroyedWhileRegistered_data()
     QTest::newRow("log on") << true;
 }
 
-void tst_AbstractResourceOwner::destroyedWhileRegistered()
+void tst_AbstractResourceOwner::leavesTheTrackerWhenDestroyed()
 {
     QFETCH(const bool, log);
     InstalledTracker tracker;
@@ -578,7 +616,7 @@ void tst_AbstractResourceOwner::destroyedWhileRegistered()
     QCOMPARE(state->status, ResourceOwnerState::CreationRequested);
 }
 
-void tst_AbstractResourceOwner::destroyedSignals()
+void tst_AbstractResourceOwner::destructionEmitsSignals()
 {
     const InstalledTracker tracker;
     Item other;
@@ -596,7 +634,7 @@ void tst_AbstractResourceOwner::destroyedSignals()
                                  }));
 }
 
-void tst_AbstractResourceOwner::destroyedSignalsWithTheLog()
+void tst_AbstractResourceOwner::destructionEmitsSignalsWithTheLog()
 {
     InstalledTracker tracker;
     Item other;
@@ -615,7 +653,7 @@ void tst_AbstractResourceOwner::destroyedSignalsWithTheLog()
     QCOMPARE(recorder.emissions.at(3), u"resourcesChanged [5] owners 1 messages 2"_s);
 }
 
-void tst_AbstractResourceOwner::destroyedIsDescribedWithoutNames()
+void tst_AbstractResourceOwner::dyingItemIsDescribedWithoutNames()
 {
     InstalledTracker tracker;
     auto item = std::make_unique<Item>();
@@ -675,12 +713,12 @@ void addSignalRows()
 
 } // namespace
 
-void tst_AbstractResourceOwner::destroyedIsOutOfReachForSlots_data()
+void tst_AbstractResourceOwner::dyingItemIsOutOfReachForSlots_data()
 {
     addSignalRows();
 }
 
-void tst_AbstractResourceOwner::destroyedIsOutOfReachForSlots()
+void tst_AbstractResourceOwner::dyingItemIsOutOfReachForSlots()
 {
     QFETCH(const Signal, signal);
     InstalledTracker tracker;
@@ -709,12 +747,12 @@ void tst_AbstractResourceOwner::destroyedIsOutOfReachForSlots()
     QVERIFY(tracker.owners().empty());
 }
 
-void tst_AbstractResourceOwner::destroyedIsOutOfReachInEveryTracker_data()
+void tst_AbstractResourceOwner::dyingItemIsOutOfReachInEveryTracker_data()
 {
     addSignalRows();
 }
 
-void tst_AbstractResourceOwner::destroyedIsOutOfReachInEveryTracker()
+void tst_AbstractResourceOwner::dyingItemIsOutOfReachInEveryTracker()
 {
     QFETCH(const Signal, signal);
     std::array<SceneResourceTracker, 2> trackers;
@@ -746,7 +784,7 @@ void tst_AbstractResourceOwner::destroyedIsOutOfReachInEveryTracker()
         verifyForgotten(tracker, address);
 }
 
-void tst_AbstractResourceOwner::destroyedKeepsCountAndStatus()
+void tst_AbstractResourceOwner::destructionKeepsCountAndStatus()
 {
     InstalledTracker tracker;
     auto item = std::make_unique<Item>();
@@ -956,7 +994,7 @@ void tst_AbstractResourceOwner::destroyedWhileRegistrationIsBlocked()
     QVERIFY(tracker.isRegistrationBlocked());
 }
 
-void tst_AbstractResourceOwner::destroyedLeavesOthersAlone()
+void tst_AbstractResourceOwner::destructionLeavesOtherItemsAlone()
 {
     InstalledTracker tracker;
     tracker.setMessagesEnabled(true);
@@ -1012,7 +1050,7 @@ void tst_AbstractResourceOwner::dyingItemMayUnregister_data()
     addSignalRows();
 }
 
-// Nobody else holds its states, and an older tracker still has to forget it.
+// Only the trackers hold the states of the dying item. The older tracker still lists the item.
 void tst_AbstractResourceOwner::dyingItemMayUnregister()
 {
     QFETCH(const Signal, signal);

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstddef>
 #include <type_traits>
+#include <utility>
 
 #ifdef Q_OS_LINUX
 #  include <sys/mman.h>
@@ -73,7 +74,7 @@ constexpr int logCap = 100;
 
 using Operation = void (*)(SceneResourceTracker &, PlainOwner &);
 
-// A class name outside ASCII, which the meta-object compiler does not take.
+// A class name that is not ASCII. moc accepts no such name, so the table is written by hand.
 struct ClassNameTable
 {
     std::array<uint, 2> offsetAndSize;
@@ -99,7 +100,7 @@ public:
     }
 };
 
-// An owner that answers with any object.
+// An owner whose object is the given one.
 class OwnerOf : public PlainOwner
 {
 public:
@@ -146,31 +147,31 @@ private Q_SLOTS:
     void cleanup();
 
     // when messages are written
-    void offByDefault();
-    void offComposesNothing();
-    void switchingOnDoesNotRecover();
-    void switchingOffKeepsMessages();
-    void switchingIsSilent();
-    void eventOfEachOperation();
+    void isDisabledByDefault();
+    void composesNothingWhileDisabled();
+    void enablingRecoversNoEvents();
+    void disablingKeepsMessages();
+    void enablingAndDisablingEmitNothing();
+    void eachOperationWritesItsEvent();
     void otherOperationsWriteNothing();
-    void onePerResourceInListOrder();
-    void announcedBeforeTheSignalsOfTheOperation();
+    void writesOneMessagePerResourceInListOrder();
+    void announcesMessagesBeforeOtherSignals();
 
     // what a message shows
     void registeredImage();
     void firstMessageShowsNullGeometry();
-    void typeText_data();
-    void typeText();
-    void statusText_data();
-    void statusText();
-    void geometryText_data();
-    void geometryText();
+    void showsTheType_data();
+    void showsTheType();
+    void showsTheStatus_data();
+    void showsTheStatus();
+    void showsTheGeometry_data();
+    void showsTheGeometry();
     void geometryTextIgnoresTheLocale();
-    void sourceText_data();
-    void sourceText();
+    void showsTheSource_data();
+    void showsTheSource();
     void updatedMessageShowsTheUpdate();
-    void identifier_data();
-    void identifier();
+    void showsTheIdentifier_data();
+    void showsTheIdentifier();
     void addressOfTheObjectNotOfTheOwner();
     void addressText_data();
     void addressText();
@@ -178,27 +179,30 @@ private Q_SLOTS:
     void addressIsWidenedWithItsSign();
     void classNameIsQualified();
     void classNameIsUtf8();
-    void objectNameText_data();
-    void objectNameText();
+    void showsTheObjectName_data();
+    void showsTheObjectName();
     void messageOutlivesItsObject();
+    void movingAMessageMovesItsTexts();
     void nullOwnerHasNoNames_data();
     void nullOwnerHasNoNames();
 
     // the store
-    void oldestFirst();
-    void flushedAtTheCap();
+    void listsTheOldestFirst();
+    void isEmptiedAtTheCap();
     void capCountsEveryEvent();
     void capReachedInOneOperation();
-    void flushKeepsCopies();
+    void emptyingAtTheCapKeepsCopies();
     void slotMayAddAtTheCap();
     void slotMayClearAtTheCap();
     void copiesAreShared();
     void copiesStayAsTheyWere_data();
     void copiesStayAsTheyWere();
-    void clearingIsSilent();
+    void clearingEmitsNothing();
     void clearingAnEmptyLogDoesNothing();
-    void clearingKeepsTheLogOn();
+    void clearingKeepsTheLogEnabled();
+    void clearingKeepsTheCapacity_data();
     void clearingKeepsTheCapacity();
+    void emptyingAtTheCapKeepsTheCapacity();
 
 private:
     std::unique_ptr<SceneResourceTracker> m_tracker;
@@ -215,7 +219,7 @@ void tst_MessageLog::cleanup()
     m_tracker.reset();
 }
 
-void tst_MessageLog::offByDefault()
+void tst_MessageLog::isDisabledByDefault()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;
@@ -232,7 +236,7 @@ void tst_MessageLog::offByDefault()
     QCOMPARE(recorder.count(u"messagesAdded"_s), 0);
 }
 
-void tst_MessageLog::offComposesNothing()
+void tst_MessageLog::composesNothingWhileDisabled()
 {
     PlainOwner owner;
     m_tracker->registerResource(&owner, image(1));
@@ -248,7 +252,7 @@ void tst_MessageLog::offComposesNothing()
     QCOMPARE(owner.objectQueries, 0);
 }
 
-void tst_MessageLog::switchingOnDoesNotRecover()
+void tst_MessageLog::enablingRecoversNoEvents()
 {
     PlainOwner owner;
     m_tracker->setMessagesEnabled(false);
@@ -261,7 +265,7 @@ void tst_MessageLog::switchingOnDoesNotRecover()
     QCOMPARE(messageIds(*m_tracker), QList<int>{2});
 }
 
-void tst_MessageLog::switchingOffKeepsMessages()
+void tst_MessageLog::disablingKeepsMessages()
 {
     PlainOwner owner;
     m_tracker->registerResource(&owner, image(1));
@@ -272,7 +276,7 @@ void tst_MessageLog::switchingOffKeepsMessages()
     QCOMPARE(messageIds(*m_tracker), QList<int>{1});
 }
 
-void tst_MessageLog::switchingIsSilent()
+void tst_MessageLog::enablingAndDisablingEmitNothing()
 {
     PlainOwner owner;
     m_tracker->registerResource(&owner, image(1));
@@ -285,7 +289,7 @@ void tst_MessageLog::switchingIsSilent()
     QCOMPARE(m_tracker->messages().size(), 1);
 }
 
-void tst_MessageLog::eventOfEachOperation()
+void tst_MessageLog::eachOperationWritesItsEvent()
 {
     PlainOwner owner;
 
@@ -320,7 +324,7 @@ void tst_MessageLog::otherOperationsWriteNothing()
     QCOMPARE(recorder.emissions, QStringList());
 }
 
-void tst_MessageLog::onePerResourceInListOrder()
+void tst_MessageLog::writesOneMessagePerResourceInListOrder()
 {
     PlainOwner owner;
     PlainOwner other;
@@ -346,7 +350,7 @@ void tst_MessageLog::onePerResourceInListOrder()
     QCOMPARE(recorder.count(u"messagesAdded"_s), 6);
 }
 
-void tst_MessageLog::announcedBeforeTheSignalsOfTheOperation()
+void tst_MessageLog::announcesMessagesBeforeOtherSignals()
 {
     PlainOwner owner;
     const SignalRecorder recorder(*m_tracker);
@@ -396,7 +400,7 @@ void tst_MessageLog::firstMessageShowsNullGeometry()
     QCOMPARE(m_tracker->messages().constFirst().geometry, u"(0, 0, 0x0)"_s);
 }
 
-void tst_MessageLog::typeText_data()
+void tst_MessageLog::showsTheType_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<QString>("text");
@@ -410,7 +414,7 @@ void tst_MessageLog::typeText_data()
     QTest::newRow("largest") << INT_MAX << QString();
 }
 
-void tst_MessageLog::typeText()
+void tst_MessageLog::showsTheType()
 {
     QFETCH(const int, type);
     PlainOwner owner;
@@ -420,7 +424,7 @@ void tst_MessageLog::typeText()
     QTEST(m_tracker->messages().constFirst().type, "text");
 }
 
-void tst_MessageLog::statusText_data()
+void tst_MessageLog::showsTheStatus_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("text");
@@ -436,7 +440,7 @@ void tst_MessageLog::statusText_data()
     QTest::newRow("largest") << INT_MAX << QString();
 }
 
-void tst_MessageLog::statusText()
+void tst_MessageLog::showsTheStatus()
 {
     QFETCH(const int, status);
     PlainOwner owner;
@@ -447,7 +451,7 @@ void tst_MessageLog::statusText()
     QTEST(m_tracker->messages().constLast().status, "text");
 }
 
-void tst_MessageLog::geometryText_data()
+void tst_MessageLog::showsTheGeometry_data()
 {
     QTest::addColumn<QRect>("geometry");
     QTest::addColumn<QString>("text");
@@ -470,7 +474,7 @@ void tst_MessageLog::geometryText_data()
                              << u"(2147483647, 2147483647, 1x1)"_s;
 }
 
-void tst_MessageLog::geometryText()
+void tst_MessageLog::showsTheGeometry()
 {
     QFETCH(const QRect, geometry);
     PlainOwner owner;
@@ -496,7 +500,7 @@ void tst_MessageLog::geometryTextIgnoresTheLocale()
     QCOMPARE(m_tracker->messages().constLast().geometry, u"(-1234567, 1234567, 12345x67890)"_s);
 }
 
-void tst_MessageLog::sourceText_data()
+void tst_MessageLog::showsTheSource_data()
 {
     QTest::addColumn<QUrl>("url");
     QTest::addColumn<QString>("name");
@@ -523,7 +527,7 @@ void tst_MessageLog::sourceText_data()
     QTest::newRow("separator in the name") << file << u"a | b"_s << u"file:///a.png | a | b"_s;
 }
 
-void tst_MessageLog::sourceText()
+void tst_MessageLog::showsTheSource()
 {
     QFETCH(const QUrl, url);
     QFETCH(const QString, name);
@@ -550,7 +554,7 @@ void tst_MessageLog::updatedMessageShowsTheUpdate()
     QCOMPARE(m_tracker->messages().constFirst().source, u"row"_s);
 }
 
-void tst_MessageLog::identifier_data()
+void tst_MessageLog::showsTheIdentifier_data()
 {
     QTest::addColumn<int>("id");
 
@@ -558,7 +562,7 @@ void tst_MessageLog::identifier_data()
         QTest::addRow("%d", id) << id;
 }
 
-void tst_MessageLog::identifier()
+void tst_MessageLog::showsTheIdentifier()
 {
     QFETCH(const int, id);
     PlainOwner owner;
@@ -618,7 +622,7 @@ void tst_MessageLog::addressText()
 #endif
 }
 
-// On platforms where the upper half of a 32-bit address space is in use.
+// A 32-bit address with the top bit set occurs where programs use the upper half of the memory.
 void tst_MessageLog::addressIsWidenedWithItsSign_data()
 {
     QTest::addColumn<qint64>("address");
@@ -659,7 +663,7 @@ void tst_MessageLog::classNameIsUtf8()
              u"\u041F\u043B\u0430\u043A\u0430\u044242"_s);
 }
 
-void tst_MessageLog::objectNameText_data()
+void tst_MessageLog::showsTheObjectName_data()
 {
     QTest::addColumn<QString>("name");
 
@@ -669,7 +673,7 @@ void tst_MessageLog::objectNameText_data()
     QTest::newRow("Russian") << u"\u043F\u043E\u0441\u0442\u0435\u0440"_s;
 }
 
-void tst_MessageLog::objectNameText()
+void tst_MessageLog::showsTheObjectName()
 {
     QFETCH(const QString, name);
     PlainOwner owner;
@@ -695,6 +699,32 @@ void tst_MessageLog::messageOutlivesItsObject()
     QCOMPARE(message.ownerAddress, address);
     QCOMPARE(message.className, u"Poster"_s);
     QCOMPARE(message.objectName, u"poster"_s);
+}
+
+void tst_MessageLog::movingAMessageMovesItsTexts()
+{
+    Message first{.ownerAddress = u"0x0000abcd"_s,
+                  .geometry = u"(1, 2, 3x4)"_s,
+                  .className = u"Poster"_s,
+                  .objectName = u"poster"_s,
+                  .status = u"cleared"_s,
+                  .type = u"image"_s,
+                  .source = u"file:///a.png"_s,
+                  .id = 7,
+                  .event = Message::Updated};
+
+    Message second = std::move(first);
+    // cppcheck-suppress accessMoved ; a text that was moved away is null, one that was copied is
+    // not
+    QVERIFY(first.source.isNull());
+    QCOMPARE(second.source, u"file:///a.png"_s);
+
+    Message third{};
+    third = std::move(second);
+    // cppcheck-suppress accessMoved
+    QVERIFY(second.source.isNull());
+    QCOMPARE(third.source, u"file:///a.png"_s);
+    QCOMPARE(third.event, Message::Updated);
 }
 
 void tst_MessageLog::nullOwnerHasNoNames_data()
@@ -755,7 +785,7 @@ void tst_MessageLog::nullOwnerHasNoNames()
     QTEST(message.event, "event");
 }
 
-void tst_MessageLog::oldestFirst()
+void tst_MessageLog::listsTheOldestFirst()
 {
     PlainOwner owner;
 
@@ -765,7 +795,7 @@ void tst_MessageLog::oldestFirst()
     QCOMPARE(messageIds(*m_tracker), (QList<int>{5, 3, 4}));
 }
 
-void tst_MessageLog::flushedAtTheCap()
+void tst_MessageLog::isEmptiedAtTheCap()
 {
     PlainOwner owner;
     const auto state = m_tracker->registerResource(&owner, image(1));
@@ -793,7 +823,7 @@ void tst_MessageLog::capCountsEveryEvent()
 {
     PlainOwner owner;
 
-    // Four messages a round.
+    // Each round writes four messages.
     for (int i = 0; i < logCap / 4; ++i) {
         QCOMPARE(m_tracker->messages().size(), 4 * i);
         const auto state = m_tracker->registerResource(&owner, image(1));
@@ -834,7 +864,7 @@ void tst_MessageLog::capReachedInOneOperation()
     QVERIFY(m_tracker->resources().empty());
 }
 
-void tst_MessageLog::flushKeepsCopies()
+void tst_MessageLog::emptyingAtTheCapKeepsCopies()
 {
     PlainOwner owner;
     QList<Message> copy;
@@ -934,7 +964,7 @@ void tst_MessageLog::copiesStayAsTheyWere()
     QCOMPARE(copy.at(1).source, u"file:///a.png"_s);
 }
 
-void tst_MessageLog::clearingIsSilent()
+void tst_MessageLog::clearingEmitsNothing()
 {
     PlainOwner owner;
     m_tracker->registerResource(&owner, image(1));
@@ -957,7 +987,7 @@ void tst_MessageLog::clearingAnEmptyLogDoesNothing()
     QCOMPARE(recorder.emissions, QStringList());
 }
 
-void tst_MessageLog::clearingKeepsTheLogOn()
+void tst_MessageLog::clearingKeepsTheLogEnabled()
 {
     PlainOwner owner;
     m_tracker->registerResource(&owner, image(1));
@@ -968,16 +998,43 @@ void tst_MessageLog::clearingKeepsTheLogOn()
     QCOMPARE(messageIds(*m_tracker), QList<int>{2});
 }
 
+void tst_MessageLog::clearingKeepsTheCapacity_data()
+{
+    QTest::addColumn<Operation>("empty");
+
+    QTest::newRow("clearMessages")
+        << Operation([](SceneResourceTracker &tracker, PlainOwner &) { tracker.clearMessages(); });
+    QTest::newRow("clear") << Operation(
+        [](SceneResourceTracker &tracker, PlainOwner &) { tracker.clear(); });
+}
+
 void tst_MessageLog::clearingKeepsTheCapacity()
 {
+    QFETCH(const Operation, empty);
     PlainOwner owner;
     for (int id = 0; id < logCap / 2; ++id)
         m_tracker->registerResource(&owner, image(id));
     const qsizetype capacity = m_tracker->messages().capacity();
     QVERIFY(capacity >= logCap / 2);
 
-    m_tracker->clearMessages();
+    empty(*m_tracker, owner);
 
+    QVERIFY(m_tracker->messages().isEmpty());
+    QCOMPARE(m_tracker->messages().capacity(), capacity);
+}
+
+void tst_MessageLog::emptyingAtTheCapKeepsTheCapacity()
+{
+    PlainOwner owner;
+    qsizetype capacity = 0;
+    connect(m_tracker.get(), &SceneResourceTracker::messagesAdded, this,
+            [&] { capacity = m_tracker->messages().capacity(); });
+
+    for (int id = 0; id < logCap; ++id)
+        m_tracker->registerResource(&owner, image(id));
+
+    QVERIFY(m_tracker->messages().isEmpty());
+    QVERIFY(capacity >= logCap);
     QCOMPARE(m_tracker->messages().capacity(), capacity);
 }
 

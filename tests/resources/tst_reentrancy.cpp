@@ -12,19 +12,20 @@
 using namespace ovelin;
 using namespace Qt::StringLiterals;
 
-// What holds when slots, and owners that are being told of a decision, call back into the tracker:
-// nothing dangles, each entry is handled once, an operation announces what it did itself, and every
-// call ends.
+// The rules for re-entrant slots, and for owners that call the tracker in allowResources() and
+// releaseResources(): no pointer dangles, each entry is removed once, each operation announces its
+// own changes, and every call ends.
 
 namespace {
 
 using Message = SceneResourceTracker::Message;
 using Signal = void (SceneResourceTracker::*)();
 
-// More than any call here should take, so that one that would never end still ends, and fails.
+// A reaction stops after this many calls, so that a test fails instead of running for ever. No
+// correct call needs as many.
 constexpr int manyCalls = 200;
 
-// Calls a reaction for each emission of a signal that the reaction did not cause itself.
+// Calls a reaction for each emission of a signal, except those that the reaction causes.
 class Reaction
 {
 public:
@@ -56,7 +57,7 @@ private:
     int m_limit = manyCalls;
 };
 
-// Counts what the log tells, message by message, whatever happens to the log afterwards.
+// Keeps each message of the log, also when the log is emptied.
 class Ledger
 {
 public:
@@ -97,8 +98,8 @@ private:
     QObject m_context;
 };
 
-// A scene with the log on: a (buffer 2, images 1 and 3), b (image 4), and c, which has registered
-// nothing.
+// A tracker with the log enabled and three items: a has registered buffer 2 and images 1 and 3, b
+// has registered image 4, and c has registered nothing.
 struct Scene
 {
     Scene()
@@ -112,7 +113,7 @@ struct Scene
         bState = b->state();
     }
 
-    // The first rule that the tracker's lists break; empty when all is well.
+    // Returns the first rule that the lists of the tracker break, or an empty text.
     QString violation() const
     {
         std::set<std::pair<const IResourceOwner *, int>> identifiers;
@@ -142,8 +143,9 @@ struct Scene
         return {};
     }
 
-    // Whether signals and messages add up to what the tracker holds. Only when nothing was cleared
-    // and the log stayed on.
+    // Compares the numbers of signals and messages with the lists of the tracker. Returns the first
+    // difference, or an empty text. Requires that nothing was cleared and that the log stayed
+    // enabled.
     QString imbalance() const
     {
         if (recorder.count(u"resourceOwnerAdded"_s) - recorder.count(u"resourceOwnerRemoved"_s)
@@ -171,11 +173,11 @@ struct Scene
 
 enum class Inside { Tracker, ItemA };
 
-// An operation that sets something off.
+// An operation that emits signals or calls an owner.
 struct Operation
 {
     const char *name;
-    // Destroying the very item that is carrying out the operation is not the library's to survive.
+    // An application must not destroy an item inside one of its own functions.
     Inside inside;
     void (*run)(Scene &);
 };
@@ -223,12 +225,12 @@ constexpr std::array operations = {
     Operation{"destroy", Inside::Tracker, [](Scene &s) { s.a.reset(); }},
 };
 
-// A reaction to what an operation sets off.
+// A reaction to a signal or to a call of an owner.
 struct Callback
 {
     const char *name;
     bool destroysA;
-    // Whether signals and messages still add up to the lists.
+    // True if Scene::imbalance() must stay empty.
     bool keepsBalance;
     void (*run)(Scene &);
 };
@@ -372,7 +374,7 @@ void addSignalRows(std::span<const NamedSignal> emitted)
         QTest::newRow(signal.name) << signal.signal;
 }
 
-// Each signal with the unregistration of one entry and with that of all.
+// Adds two rows for each signal: one entry is unregistered, all entries are unregistered.
 void addUnregistrationRows(std::span<const NamedSignal> emitted)
 {
     QTest::addColumn<Signal>("signal");
@@ -421,32 +423,32 @@ private Q_SLOTS:
     void everyReactionToADecision();
 
     // unregistering
-    void sameEntryFromItsOwnMessage();
-    void sameOwnerFromItsOwnMessage();
-    void neighboursFromAMessage_data();
-    void neighboursFromAMessage();
-    void oneFromTheMessagesOfAll();
-    void oneFromTheMessagesOfMany_data();
-    void oneFromTheMessagesOfMany();
-    void allFromTheMessageOfOne();
+    void unregistersAnEntryOnceFromItsOwnMessage();
+    void unregistersAnOwnerOnceFromItsOwnMessage();
+    void slotMayUnregisterNeighbours_data();
+    void slotMayUnregisterNeighbours();
+    void slotMayUnregisterOneOfAll();
+    void slotMayUnregisterOneOfMany_data();
+    void slotMayUnregisterOneOfMany();
+    void slotMayUnregisterAllInsteadOfOne();
     void lastOwnerIsAnnouncedOnce();
-    void registeringWhileAllIsUnregistered_data();
-    void registeringWhileAllIsUnregistered();
-    void registeringTheSameWhileAllIsUnregistered();
-    void registeringTheSameWhileOneIsUnregistered_data();
-    void registeringTheSameWhileOneIsUnregistered();
-    void registeringAnewWhileTheLastIsUnregistered();
-    void countOfWhatStaysWhileAnotherEntryLeaves();
-    void registeringOnceTheOwnerLeft_data();
-    void registeringOnceTheOwnerLeft();
-    void registeringEachTimeEnds_data();
-    void registeringEachTimeEnds();
-    void clearingWhileAllIsUnregistered();
-    void loggingStopsWhereItIsSwitchedOff();
+    void keepsWhatASlotRegistersWhileAllIsUnregistered_data();
+    void keepsWhatASlotRegistersWhileAllIsUnregistered();
+    void keepsAnIdRegisteredAnewWhileAllIsUnregistered();
+    void keepsAnIdRegisteredAnewWhileOneIsUnregistered_data();
+    void keepsAnIdRegisteredAnewWhileOneIsUnregistered();
+    void keepsAnOwnerRegisteredAnewWhileItLeaves();
+    void countsOnlyEntriesWithTheNewState();
+    void keepsAnOwnerRegisteredAnewAfterItLeft_data();
+    void keepsAnOwnerRegisteredAnewAfterItLeft();
+    void endsThoughEachSignalRegisters_data();
+    void endsThoughEachSignalRegisters();
+    void slotMayClearWhileAllIsUnregistered();
+    void slotMayDisableTheLog();
 
     // registering
-    void unregisteringWhatIsBeingRegistered();
-    void unregisteringWhatIsBeingUpdated();
+    void slotMayUnregisterTheNewEntry();
+    void slotMayUnregisterTheUpdatedEntry();
     void recordOfARemovedEntry_data();
     void recordOfARemovedEntry();
     void registeringWithinARegistration();
@@ -550,7 +552,7 @@ void tst_Reentrancy::everyReactionToADecision()
             reacting = true;
             ++reactions;
             callback->run(scene);
-            // cppcheck-suppress redundantAssignment ; what is called may come back here
+            // cppcheck-suppress redundantAssignment ; the callback may call this function
             reacting = false;
         };
         scene.a->onAllow = react;
@@ -570,10 +572,10 @@ void tst_Reentrancy::everyReactionToADecision()
     }
 }
 
-void tst_Reentrancy::sameEntryFromItsOwnMessage()
+void tst_Reentrancy::unregistersAnEntryOnceFromItsOwnMessage()
 {
-    // Also while the message of the call within would be emitted. It outlives the scene, whose end
-    // emits too.
+    // This slot also unregisters in messages that it causes itself. The counter outlives the scene,
+    // which emits signals when it is destroyed.
     int depth = 0;
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
@@ -593,7 +595,7 @@ void tst_Reentrancy::sameEntryFromItsOwnMessage()
     QCOMPARE(scene.violation(), QString());
 }
 
-void tst_Reentrancy::sameOwnerFromItsOwnMessage()
+void tst_Reentrancy::unregistersAnOwnerOnceFromItsOwnMessage()
 {
     int calls = 0;
     Scene scene;
@@ -614,17 +616,17 @@ void tst_Reentrancy::sameOwnerFromItsOwnMessage()
     QCOMPARE(scene.violation(), QString());
 }
 
-void tst_Reentrancy::neighboursFromAMessage_data()
+void tst_Reentrancy::slotMayUnregisterNeighbours_data()
 {
     QTest::addColumn<int>("unregistered");
 
-    // The list is 2, 1, 3, 4.
+    // The list holds the entries 2, 1, 3, 4.
     QTest::newRow("the one walked") << 2;
     QTest::newRow("the next one") << 1;
     QTest::newRow("the last one") << 3;
 }
 
-void tst_Reentrancy::neighboursFromAMessage()
+void tst_Reentrancy::slotMayUnregisterNeighbours()
 {
     QFETCH(const int, unregistered);
     Scene scene;
@@ -641,7 +643,7 @@ void tst_Reentrancy::neighboursFromAMessage()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::oneFromTheMessagesOfAll()
+void tst_Reentrancy::slotMayUnregisterOneOfAll()
 {
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
@@ -657,16 +659,16 @@ void tst_Reentrancy::oneFromTheMessagesOfAll()
     QVERIFY(scene.tracker.owners().empty());
 }
 
-void tst_Reentrancy::oneFromTheMessagesOfMany_data()
+void tst_Reentrancy::slotMayUnregisterOneOfMany_data()
 {
     QTest::addColumn<int>("count");
 
-    // Room for sixteen is kept ready, and doubled when it is full.
+    // A walk has room for 16 entries. More entries need memory from the heap.
     for (const int count : {1, 15, 16, 17, 32, 33})
         QTest::addRow("%d", count) << count;
 }
 
-void tst_Reentrancy::oneFromTheMessagesOfMany()
+void tst_Reentrancy::slotMayUnregisterOneOfMany()
 {
     QFETCH(const int, count);
     SceneResourceTracker tracker;
@@ -686,7 +688,7 @@ void tst_Reentrancy::oneFromTheMessagesOfMany()
     QVERIFY(tracker.owners().empty());
 }
 
-void tst_Reentrancy::allFromTheMessageOfOne()
+void tst_Reentrancy::slotMayUnregisterAllInsteadOfOne()
 {
     Scene scene;
     const Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded,
@@ -717,7 +719,7 @@ void tst_Reentrancy::lastOwnerIsAnnouncedOnce()
     QCOMPARE(ids(scene.tracker), (QList<int>{2, 1, 3}));
 }
 
-void tst_Reentrancy::registeringWhileAllIsUnregistered_data()
+void tst_Reentrancy::keepsWhatASlotRegistersWhileAllIsUnregistered_data()
 {
     QTest::addColumn<ResourceInfo::Type>("type");
 
@@ -725,7 +727,7 @@ void tst_Reentrancy::registeringWhileAllIsUnregistered_data()
     QTest::newRow("offscreen buffer") << ResourceInfo::OffscreenBuffer;
 }
 
-void tst_Reentrancy::registeringWhileAllIsUnregistered()
+void tst_Reentrancy::keepsWhatASlotRegistersWhileAllIsUnregistered()
 {
     QFETCH(const ResourceInfo::Type, type);
     Scene scene;
@@ -735,7 +737,7 @@ void tst_Reentrancy::registeringWhileAllIsUnregistered()
 
     scene.tracker.unregisterResources(scene.a.get());
 
-    // One for each of the three messages.
+    // Each of the three messages registered one entry.
     QCOMPARE(reaction.calls(), 3);
     QCOMPARE(idsOf(scene.tracker, scene.a.get()).size(), 3);
     QVERIFY(scene.tracker.owners().contains(scene.a.get()));
@@ -746,13 +748,13 @@ void tst_Reentrancy::registeringWhileAllIsUnregistered()
     QCOMPARE(scene.violation(), QString());
     QCOMPARE(scene.imbalance(), QString());
 
-    // What stayed can be unregistered like anything else.
+    // The entries that stayed can be unregistered.
     scene.tracker.setMessagesEnabled(false);
     scene.tracker.unregisterResources(scene.a.get());
     QVERIFY(!refersTo(scene.tracker, scene.a.get()));
 }
 
-void tst_Reentrancy::registeringTheSameWhileAllIsUnregistered()
+void tst_Reentrancy::keepsAnIdRegisteredAnewWhileAllIsUnregistered()
 {
     Scene scene;
     const Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded, [&] {
@@ -776,7 +778,7 @@ void tst_Reentrancy::registeringTheSameWhileAllIsUnregistered()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::registeringTheSameWhileOneIsUnregistered_data()
+void tst_Reentrancy::keepsAnIdRegisteredAnewWhileOneIsUnregistered_data()
 {
     QTest::addColumn<bool>("last");
 
@@ -784,7 +786,7 @@ void tst_Reentrancy::registeringTheSameWhileOneIsUnregistered_data()
     QTest::newRow("the last one") << true;
 }
 
-void tst_Reentrancy::registeringTheSameWhileOneIsUnregistered()
+void tst_Reentrancy::keepsAnIdRegisteredAnewWhileOneIsUnregistered()
 {
     QFETCH(const bool, last);
     Scene scene;
@@ -806,7 +808,7 @@ void tst_Reentrancy::registeringTheSameWhileOneIsUnregistered()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::registeringAnewWhileTheLastIsUnregistered()
+void tst_Reentrancy::keepsAnOwnerRegisteredAnewWhileItLeaves()
 {
     Scene scene;
     Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded, [&] {
@@ -817,7 +819,7 @@ void tst_Reentrancy::registeringAnewWhileTheLastIsUnregistered()
 
     scene.tracker.unregisterResource(scene.b.get(), 4);
 
-    // The owner left once and came back with a state of its own.
+    // The owner left, and was registered anew with another state.
     QCOMPARE(idsOf(scene.tracker, scene.b.get()), QList<int>{80});
     QCOMPARE(scene.tracker.owners().at(scene.b.get())->resourceCount, 1);
     QCOMPARE(scene.ledger.count(Message::Unregistered, 4), 1);
@@ -825,8 +827,9 @@ void tst_Reentrancy::registeringAnewWhileTheLastIsUnregistered()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-// The owner comes back while its former last entry still leaves, loses everything and registers again.
-void tst_Reentrancy::countOfWhatStaysWhileAnotherEntryLeaves()
+// While the last entry of an owner is removed, slots register the owner anew, remove all its
+// entries, and register it again.
+void tst_Reentrancy::countsOnlyEntriesWithTheNewState()
 {
     Scene scene;
     Item *const b = scene.b.get();
@@ -847,12 +850,12 @@ void tst_Reentrancy::countOfWhatStaysWhileAnotherEntryLeaves()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::registeringOnceTheOwnerLeft_data()
+void tst_Reentrancy::keepsAnOwnerRegisteredAnewAfterItLeft_data()
 {
     addUnregistrationRows(std::array{ownerRemoved, resourcesChanged});
 }
 
-void tst_Reentrancy::registeringOnceTheOwnerLeft()
+void tst_Reentrancy::keepsAnOwnerRegisteredAnewAfterItLeft()
 {
     QFETCH(const Signal, signal);
     QFETCH(const bool, all);
@@ -877,12 +880,12 @@ void tst_Reentrancy::registeringOnceTheOwnerLeft()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::registeringEachTimeEnds_data()
+void tst_Reentrancy::endsThoughEachSignalRegisters_data()
 {
     addOperationRows();
 }
 
-void tst_Reentrancy::registeringEachTimeEnds()
+void tst_Reentrancy::endsThoughEachSignalRegisters()
 {
     QFETCH(const Operation *const, operation);
     QFETCH(const NamedSignal *const, signal);
@@ -903,7 +906,7 @@ void tst_Reentrancy::registeringEachTimeEnds()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::clearingWhileAllIsUnregistered()
+void tst_Reentrancy::slotMayClearWhileAllIsUnregistered()
 {
     Scene scene;
     const int before = int(scene.ledger.entries.size());
@@ -917,7 +920,7 @@ void tst_Reentrancy::clearingWhileAllIsUnregistered()
     QVERIFY(scene.tracker.owners().empty());
 }
 
-void tst_Reentrancy::loggingStopsWhereItIsSwitchedOff()
+void tst_Reentrancy::slotMayDisableTheLog()
 {
     Scene scene;
     const Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded,
@@ -934,7 +937,7 @@ void tst_Reentrancy::loggingStopsWhereItIsSwitchedOff()
     QCOMPARE(ids(scene.tracker), QList<int>{4});
 }
 
-void tst_Reentrancy::unregisteringWhatIsBeingRegistered()
+void tst_Reentrancy::slotMayUnregisterTheNewEntry()
 {
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
@@ -952,7 +955,7 @@ void tst_Reentrancy::unregisteringWhatIsBeingRegistered()
     QCOMPARE(recorder.count(u"resourcesChanged"_s), 2);
 }
 
-void tst_Reentrancy::unregisteringWhatIsBeingUpdated()
+void tst_Reentrancy::slotMayUnregisterTheUpdatedEntry()
 {
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
@@ -989,7 +992,7 @@ void tst_Reentrancy::recordOfARemovedEntry()
     const Reaction reaction(tracker, &SceneResourceTracker::messagesAdded,
                             [&] { tracker.clear(); });
 
-    // Nobody but the tracker holds the record and the state that this returns.
+    // Only the tracker holds the returned record and its state.
     const auto state =
         tracker.registerResource(update ? &owner : &other, tracker.resources().front());
 
@@ -1191,7 +1194,7 @@ void tst_Reentrancy::statusByAReferenceIntoTheTracker()
         tracker.clear();
     });
 
-    // Nobody but the tracker holds the state.
+    // Only the tracker holds the state.
     tracker.setStatus(table ? tracker.owners().at(&owner) : tracker.resources().front().ownerState,
                       ResourceOwnerState::CreationDenied);
 
@@ -1296,7 +1299,7 @@ void tst_Reentrancy::decisionMaySetStatusAndClear()
         scene.a->unregisterResources();
     });
 
-    // The reaction gives up every other hold on the state.
+    // The reaction releases all other pointers to the state.
     (scene.tracker.*decision)(scene.tracker.resources().front().ownerState);
 
     QCOMPARE(scene.ledger.ids(Message::StatusChanged), (QList<int>{2, 1, 3}));
@@ -1349,7 +1352,7 @@ void tst_Reentrancy::itemKeepsWhatItRegistersWhileUnregistering()
     QCOMPARE(scene.violation(), QString());
     QCOMPARE(scene.imbalance(), QString());
 
-    // The item is still able to leave.
+    // The item can still leave the tracker.
     scene.b->unregisterResources();
     QVERIFY(!refersTo(scene.tracker, scene.b.get()));
     QVERIFY(scene.b->state().isNull());
@@ -1421,7 +1424,8 @@ void tst_Reentrancy::itemDestroyedWhileItIsUnregistered()
 
 void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered_data()
 {
-    // With the last signal the tracker has let go of the owner already.
+    // resourcesChanged() is left out: the tracker does not know the owner any more when it is
+    // emitted.
     addSignalRows(std::array{messagesAdded, ownerRemoved});
 }
 
@@ -1429,7 +1433,7 @@ void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered()
 {
     QFETCH(const Signal, signal);
     Scene scene;
-    // Filed behind the item's back: the state is the application's only.
+    // Registered with the tracker directly: the item does not hold the state.
     const auto state = scene.tracker.registerResource(scene.c.get(), image(50));
     const Reaction reaction(scene.tracker, signal, [&] { scene.c.reset(); });
 

@@ -10,7 +10,7 @@
 using namespace ovelin;
 using namespace Qt::StringLiterals;
 
-// Applications read the records in place, so the order and width of their fields are an interface.
+// Applications depend on the order and the width of the fields.
 
 static_assert(std::is_same_v<decltype(ResourceInfo::url), QUrl>);
 static_assert(std::is_same_v<decltype(ResourceInfo::name), QString>);
@@ -72,8 +72,8 @@ static_assert(
 
 namespace {
 
-// The place of a virtual function in its table. The ABI of the platforms served keeps the offset in
-// the first word of the member pointer, on some of them with the lowest bit as a mark.
+// Returns the index of a virtual function in its table. The first word of a member pointer holds
+// the offset in the table. On some platforms its lowest bit marks virtual functions.
 template<typename MemberFunction>
 std::size_t tableIndex(MemberFunction function)
 {
@@ -102,7 +102,7 @@ ResourceInfo copyConstructed(const ResourceInfo &info)
 ResourceInfo copyAssigned(const ResourceInfo &info)
 {
     ResourceInfo result = filledInfo();
-    // cppcheck-suppress redundantInitialization ; what is tested is that nothing of it remains
+    // cppcheck-suppress redundantInitialization ; assignment must overwrite every field
     result = info;
     return result;
 }
@@ -283,7 +283,7 @@ void tst_ResourceInfo::stateLivesWhileOnlyTheTrackerHoldsIt()
 
 void tst_ResourceInfo::interfaceTableKeepsItsOrder()
 {
-    // The destructor takes the first two places.
+    // The destructor takes the first two entries of the table.
     QCOMPARE(tableIndex(&IResourceOwner::resourceOwnerObject), std::size_t(2));
     QCOMPARE(tableIndex(&IResourceOwner::allowResources), std::size_t(3));
     QCOMPARE(tableIndex(&IResourceOwner::releaseResources), std::size_t(4));

@@ -31,7 +31,7 @@ static_assert(std::is_same_v<decltype(&setSceneResourceTracker), void (*)(SceneR
 
 namespace {
 
-// Read before main(), when nobody can have installed a tracker yet.
+// Read before main(), before anything can install a tracker.
 const SceneResourceTracker *const trackerAtLoad = sceneResourceTracker();
 
 constexpr auto unknownType = static_cast<ResourceInfo::Type>(3);
@@ -55,12 +55,12 @@ private Q_SLOTS:
     void metaObjectKeepsTheSignalOrder();
 
     // registering
-    void registeringFilesTheRecord();
+    void registeringAddsAnEntry();
     void registeringLeavesTheGivenRecordAlone();
     void registeringCountsPerOwner();
     void imagesGoToTheBackAndOthersToTheFront();
-    void typeDecidesThePlace_data();
-    void typeDecidesThePlace();
+    void typeDecidesThePosition_data();
+    void typeDecidesThePosition();
     void reRegisteringUpdatesInPlace();
     void reRegisteringKeepsIdStateAndCount();
     void reRegisteringKeepsAnEqualUrl();
@@ -68,7 +68,7 @@ private Q_SLOTS:
     void registeringKeepsTheStatus();
     void registeringIgnoresTheBlock();
     void registeringTakesANullOwner();
-    void registeringForAStateWithoutOwnerFilesAnew();
+    void registeringForAStateWithoutOwnerAddsAnEntry();
     void registeringSignals();
     void registeringSignalsWithTheLog();
 
@@ -78,10 +78,11 @@ private Q_SLOTS:
     void unregisteringUnknownDoesNothing();
     void unregisteringSignals();
     void unregisteringSignalsWithTheLog();
-    void unregisteringTellsBeforeItCounts();
+    void unregisteringAnnouncesBeforeItCounts();
     void unregisteringFollowsTheCountAlone_data();
     void unregisteringFollowsTheCountAlone();
     void unregisteringRemovesTheNamedOwnerOnly();
+    void unregisteringRemovesTheNamedOwnerThoughTheTableHasAnotherState();
     void unregisteringReleasesTheStateBeforeItsLastSignal();
     void unregisteringTakesTheFirstMatch();
     void reRegisteringTakesTheFirstMatch();
@@ -102,7 +103,7 @@ private Q_SLOTS:
     void settingAStatusWithoutOwnerDoesNothing();
     void settingAStatusAfterTheOwnerLeft();
     void settingAStatusSignals();
-    void settingTheSameStatusTellsAgain();
+    void settingTheSameStatusAnnouncesAgain();
     void settingAStatusFindsEntriesByOwner();
     void allowingCallsTheOwnerOnly();
     void releasingCallsTheOwnerOnly();
@@ -219,7 +220,7 @@ void tst_SceneResourceTracker::metaObjectKeepsTheSignalOrder()
     QCOMPARE(method.returnMetaType().id(), int(QMetaType::Void));
 }
 
-void tst_SceneResourceTracker::registeringFilesTheRecord()
+void tst_SceneResourceTracker::registeringAddsAnEntry()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;
@@ -294,7 +295,7 @@ void tst_SceneResourceTracker::imagesGoToTheBackAndOthersToTheFront()
     QCOMPARE(ids(tracker), (QList<int>{4, 3, 1, 2}));
 }
 
-void tst_SceneResourceTracker::typeDecidesThePlace_data()
+void tst_SceneResourceTracker::typeDecidesThePosition_data()
 {
     QTest::addColumn<ResourceInfo::Type>("type");
     QTest::addColumn<QList<int>>("order");
@@ -306,7 +307,7 @@ void tst_SceneResourceTracker::typeDecidesThePlace_data()
     QTest::newRow("negative") << negativeType << QList<int>{2, 1};
 }
 
-void tst_SceneResourceTracker::typeDecidesThePlace()
+void tst_SceneResourceTracker::typeDecidesThePosition()
 {
     QFETCH(const ResourceInfo::Type, type);
     SceneResourceTracker tracker;
@@ -378,7 +379,7 @@ void tst_SceneResourceTracker::reRegisteringKeepsAnEqualUrl()
     tracker.registerResource(&owner, info);
     info.url = QUrl();
 
-    // Nobody but this test holds the second one: the entry kept its own.
+    // Only this test holds the second URL: the entry kept its first one.
     QVERIFY(equal.isDetached());
     QVERIFY(!first.isDetached());
     QCOMPARE(tracker.resources().front().url, first);
@@ -446,14 +447,14 @@ void tst_SceneResourceTracker::registeringTakesANullOwner()
     QCOMPARE(recorder.names(), (QStringList{u"resourceOwnerRemoved"_s, u"resourcesChanged"_s}));
 }
 
-void tst_SceneResourceTracker::registeringForAStateWithoutOwnerFilesAnew()
+void tst_SceneResourceTracker::registeringForAStateWithoutOwnerAddsAnEntry()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;
     const auto state = tracker.registerResource(&owner, image(1));
     state->owner = nullptr;
 
-    // The entry is no longer the owner's, but the owner is still known.
+    // The state of the entry names no owner, but the table of owners still contains the owner.
     const auto result = tracker.registerResource(&owner, image(1));
 
     QCOMPARE(result, state);
@@ -591,7 +592,7 @@ void tst_SceneResourceTracker::unregisteringSignalsWithTheLog()
                                  }));
 }
 
-void tst_SceneResourceTracker::unregisteringTellsBeforeItCounts()
+void tst_SceneResourceTracker::unregisteringAnnouncesBeforeItCounts()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;
@@ -651,9 +652,31 @@ void tst_SceneResourceTracker::unregisteringRemovesTheNamedOwnerOnly()
     QCOMPARE(recorder.emissions, QStringList());
     tracker.unregisterResource(&handedTo, 1);
 
-    // The table holds no entry of the one named, so no owner left.
+    // The table of owners does not contain the named owner, so no owner left.
     QCOMPARE(recorder.emissions, QStringList{u"resourcesChanged [] owners 1 messages 0"_s});
     QCOMPARE(state->resourceCount, 0);
+}
+
+void tst_SceneResourceTracker::unregisteringRemovesTheNamedOwnerThoughTheTableHasAnotherState()
+{
+    SceneResourceTracker tracker;
+    PlainOwner owner;
+    PlainOwner other;
+    tracker.registerResource(&owner, image(1));
+    const auto state = tracker.registerResource(&other, image(2));
+    state->owner = &owner;
+    const SignalRecorder recorder(tracker);
+
+    tracker.unregisterResource(&owner, 2);
+
+    // The count in the state of the entry decides, and the owner named in the call leaves.
+    QCOMPARE(state->resourceCount, 0);
+    QVERIFY(!tracker.owners().contains(&owner));
+    QVERIFY(tracker.owners().contains(&other));
+    QCOMPARE(recorder.emissions, (QStringList{
+                                     u"resourceOwnerRemoved [1 2] owners 1 messages 0"_s,
+                                     u"resourcesChanged [1] owners 1 messages 0"_s,
+                                 }));
 }
 
 void tst_SceneResourceTracker::unregisteringReleasesTheStateBeforeItsLastSignal()
@@ -676,8 +699,8 @@ void tst_SceneResourceTracker::unregisteringReleasesTheStateBeforeItsLastSignal(
 
 namespace {
 
-// Two entries of one owner with the same identifier, a buffer in front of an image: possible when
-// the application takes the state from its owner for a while.
+// Registers a buffer in front of an image with the same id for the same owner. This is possible
+// while the state of the image names no owner.
 QSharedPointer<ResourceOwnerState> registerTwice(SceneResourceTracker &tracker,
                                                  IResourceOwner *owner, int id)
 {
@@ -768,7 +791,7 @@ void tst_SceneResourceTracker::unregisteringAllSignalsWithTheLog()
 
     tracker.unregisterResources(&owner);
 
-    // Each entry is told of before it leaves, and leaves before the next one is told of.
+    // Each entry is announced, then removed, before the next entry is announced.
     QCOMPARE(recorder.emissions, (QStringList{
                                      u"messagesAdded [3 1 2] owners 2 messages 1"_s,
                                      u"messagesAdded [1 2] owners 2 messages 2"_s,
@@ -945,7 +968,7 @@ void tst_SceneResourceTracker::settingAStatusSignals()
     QCOMPARE(messages.at(1).id, 1);
 }
 
-void tst_SceneResourceTracker::settingTheSameStatusTellsAgain()
+void tst_SceneResourceTracker::settingTheSameStatusAnnouncesAgain()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;
@@ -1076,7 +1099,7 @@ void tst_SceneResourceTracker::clearingEmptiesEverythingSilently()
     QCOMPARE(owner.objectQueries, 0);
     QCOMPARE(owner.allowCalls, 0);
     QCOMPARE(owner.releaseCalls, 0);
-    // The log stays on.
+    // The log is still enabled.
     tracker.registerResource(&owner, image(1));
     QCOMPARE(tracker.messages().size(), 1);
 }
@@ -1091,7 +1114,7 @@ void tst_SceneResourceTracker::clearingUnblocks()
 
     QVERIFY(!tracker.isRegistrationBlocked());
     QCOMPARE(recorder.emissions, QStringList());
-    // Nor does it switch the log on.
+    // clear() does not enable the log either.
     PlainOwner owner;
     tracker.registerResource(&owner, image(1));
     QVERIFY(tracker.messages().isEmpty());
