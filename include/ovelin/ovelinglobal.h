@@ -4,6 +4,10 @@
 #include <QtCore/qcompilerdetection.h>
 #include <QtCore/qtconfigmacros.h>
 
+// The version of these headers: 0xMMNNPP for major, minor and patch. The preprocessor compares it.
+#define OVELIN_VERSION 0x010000 // NOLINT(modernize-macro-to-enum)
+#define OVELIN_VERSION_STR "1.0.0"
+
 #if defined(OVELIN_STATIC)
 #  define OVELIN_EXPORT
 #elif defined(OVELIN_BUILD)

@@ -1,12 +1,14 @@
 #include "resources/messagelog_p.h"
 
 #include <ovelin/abstractresourceowner.h>
+#include <ovelin/ovelinglobal.h>
 #include <ovelin/platformnativeinterface.h>
 #include <ovelin/sceneresourcetracker.h>
 #include <ovelin/textrenderer.h>
 #include <ovelin/throbberrenderer.h>
 
 #include <QTest>
+#include <QVersionNumber>
 
 #include <cstddef>
 #include <cstring>
@@ -88,6 +90,7 @@ private Q_SLOTS:
     void virtualTableOrder();
     void addresses_data();
     void addresses();
+    void versionIsTheProjects();
 };
 
 void tst_Layout::offsetsAndSizes_data()
@@ -271,6 +274,16 @@ void tst_Layout::addresses()
     QFETCH(const quintptr, address);
     QFETCH(const QString, text);
     QCOMPARE(addressText(reinterpret_cast<const void *>(address)), text);
+}
+
+void tst_Layout::versionIsTheProjects()
+{
+    QCOMPARE(QByteArray(OVELIN_VERSION_STR), QByteArray(OVELIN_PROJECT_VERSION));
+    const QVersionNumber version =
+        QVersionNumber::fromString(QLatin1StringView(OVELIN_VERSION_STR));
+    QCOMPARE(version.segmentCount(), 3);
+    QCOMPARE(OVELIN_VERSION,
+             version.majorVersion() << 16 | version.minorVersion() << 8 | version.microVersion());
 }
 
 QTEST_GUILESS_MAIN(tst_Layout)

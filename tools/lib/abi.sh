@@ -44,7 +44,7 @@ abi_describe()
     # The last three are the linker's marks, which not every linker exports.
     inside nm --dynamic --defined-only --demangle --format=posix "$abi_library" \
         | sed 's/ [A-Za-z] [0-9a-f ]*$//' | grep --invert-match --line-regexp '__bss_start\|_edata\|_end' \
-        | sort --unique >"$symbols"
+        | sort >"$symbols"
 }
 
 # Whether an application built against the recorded interface would load this library, and not work.
