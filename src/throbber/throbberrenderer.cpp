@@ -15,7 +15,7 @@ namespace ovelin {
 
 namespace {
 
-// Angles are in the unit of QPainter's arc functions, 1/16 degree.
+// Angles are in 1/16 degree, the unit of QPainter's arc functions.
 constexpr int arcUnitBits = 4;
 constexpr double fullTurn = 360 << arcUnitBits;
 constexpr double shortestSpan = 5 << arcUnitBits;
@@ -26,8 +26,8 @@ constexpr int trackAlpha = 30;
 constexpr std::chrono::milliseconds defaultInterval{17};
 
 constexpr double fullTurnDegrees = 360;
-constexpr double rotationPeriod = 2000; // milliseconds that a full turn takes
-constexpr double spanPeriod = 1000;     // milliseconds in which the arc would grow by a full turn
+constexpr double rotationPeriod = 2000; // milliseconds for a full turn of the arc
+constexpr double spanPeriod = 1000;     // milliseconds in which the arc grows by a full turn
 
 double eased(double span)
 {
@@ -36,30 +36,23 @@ double eased(double span)
     return QEasingCurve(QEasingCurve::InOutQuad).valueForProgress(progress) * range + shortestSpan;
 }
 
-int saturatedSum(int a, int b)
-{
-    using Limits = std::numeric_limits<int>;
-    return static_cast<int>(std::clamp<qint64>(qint64(a) + b, Limits::min(), Limits::max()));
-}
-
-// Shrinks the rectangle by half the pen, so that the line stays inside; an odd width loses its half
-// pixel, and a negative one lets the rectangle grow.
+// Moves each edge inwards by half the pen width, truncated, so that the line stays inside. A negative
+// width moves the edges outwards. QRect::adjusted() would overflow at the ends of int.
 QRect insetByPen(const QRect &rect, int penWidth)
 {
-    const auto topLeft = static_cast<int>(penWidth * 0.5);
-    const auto bottomRight = static_cast<int>(penWidth * -0.5);
-    QRect inset;
-    inset.setCoords(saturatedSum(rect.left(), topLeft), saturatedSum(rect.top(), topLeft),
-                    saturatedSum(rect.right(), bottomRight),
-                    saturatedSum(rect.bottom(), bottomRight));
-    return inset;
+    using Limits = std::numeric_limits<int>;
+    const auto moved = [](int edge, int by) {
+        return int(std::clamp<qint64>(qint64(edge) + by, Limits::min(), Limits::max()));
+    };
+    const int half = penWidth / 2;
+    return {QPoint(moved(rect.left(), half), moved(rect.top(), half)),
+            QPoint(moved(rect.right(), -half), moved(rect.bottom(), -half))};
 }
 
-// As QRectF's own conversion, for rectangles wider than an int too.
+// Unlike QRectF(rect), does not overflow for a rectangle that is wider or higher than an int.
 QRectF toRectF(const QRect &rect)
 {
-    return {double(rect.left()), double(rect.top()), double(rect.right()) - rect.left() + 1,
-            double(rect.bottom()) - rect.top() + 1};
+    return {rect.topLeft(), QPointF(rect.bottomRight()) + QPointF(1, 1)};
 }
 
 } // namespace
@@ -110,7 +103,8 @@ void ThrobberRendererPrivate::grow(double step)
     }
 }
 
-// The arc shortens at its tail; when it is shortest, the way that the tail went becomes rotation.
+// Shortens the arc at its tail. When the arc is shortest, the way of the tail is added to the
+// rotation.
 void ThrobberRendererPrivate::shrink(double step)
 {
     span -= step;
@@ -127,16 +121,20 @@ void ThrobberRendererPrivate::shrink(double step)
     \class ovelin::ThrobberRenderer
     \inmodule Ovelin
     \inheaderfile ovelin/throbberrenderer.h
-    \brief An animated busy indicator: a faint circle with a bright arc that turns clockwise while it
-    grows and shrinks.
+    \brief An animated busy indicator: a faint circle, and a bright arc that turns clockwise while
+    it grows and shrinks.
 
-    The renderer paints nothing by itself. While it runs, a timer advances the animation and updated()
-    is emitted; the item that owns the renderer then repaints and calls draw() with its own painter.
+    \snippet tst_snippets.cpp throbber
 
-    With the default interval of 17 ms the arc turns by 3 degrees a tick and grows by 6, from 5
-    degrees to 280 in 46 ticks; then it shrinks at its tail for 46 ticks.
+    The guide \l {The throbber's cycle} shows its frames.
 
-    The renderer and its timer belong to the thread that created it.
+    While the throbber runs, a timer advances the animation, and the throbber emits updated(). The
+    item that shows the throbber then repaints itself and calls draw() with its own painter.
+
+    With the default interval of 17 ms, each tick turns the arc by 3 degrees. For 46 ticks the arc
+    grows by 6 degrees a tick, from 5 degrees to 280. Then it shrinks at its tail for 46 ticks.
+
+    The throbber and its timer belong to the thread that created the throbber.
 
     \since Ovelin 1.0
 */
@@ -144,13 +142,13 @@ void ThrobberRendererPrivate::shrink(double step)
 /*!
     \fn void ovelin::ThrobberRenderer::updated()
 
-    Emitted once at the end of each addAngles(), which the timer calls too: the picture has changed. A
-    slot may call every function of the throbber, and may destroy it.
+    Emitted at the end of each addAngles(), which the timer also calls: the picture has changed. A
+    slot may call every function of the throbber, and may destroy the throbber.
 */
 
 /*!
-    Creates a throbber that stands still, as a child of \a parent, which may be null. Call
-    setRenderRect() to give it a place: the initial one is empty.
+    Creates a throbber that does not run, as a child of \a parent, which may be null. Its rectangle
+    is empty until setRenderRect() is called.
 */
 ThrobberRenderer::ThrobberRenderer(QObject *parent)
     : QObject(parent)
@@ -165,7 +163,7 @@ ThrobberRenderer::ThrobberRenderer(QObject *parent)
 ThrobberRenderer::~ThrobberRenderer() = default;
 
 /*!
-    Returns the width of circle and arc in pixels, initially 10.
+    Returns the pen width of the circle and of the arc in pixels, initially 10.
 */
 int ThrobberRenderer::penWidth() const
 {
@@ -173,11 +171,12 @@ int ThrobberRenderer::penWidth() const
 }
 
 /*!
-    Sets the width of circle and arc to \a width pixels and fits them into the render rectangle.
+    Sets the pen width of the circle and of the arc to \a width pixels, and fits both into the
+    rectangle of setRenderRect(). Emits nothing.
 
-    QPen refuses a negative width, and one above 32767, with a warning: the pens stay as they are then,
-    while the circle grows out of the rectangle, or shrinks in it, by half of \a width all the same.
-    Emits nothing.
+    QPen accepts widths from 0 to 32767. For any other \a width it prints a warning and keeps its
+    width, but the circle is still fitted for \a width: with -10 it lies 5 pixels outside the
+    rectangle.
 */
 void ThrobberRenderer::setPenWidth(int width)
 {
@@ -187,7 +186,8 @@ void ThrobberRenderer::setPenWidth(int width)
 }
 
 /*!
-    Sets the colour of the circle to \a color; initially white with an alpha of 30. Emits nothing.
+    Sets the colour of the circle to \a color. Initially it is white with an alpha of 30. Emits
+    nothing.
 */
 void ThrobberRenderer::setBackgroundColor(const QColor &color)
 {
@@ -195,8 +195,8 @@ void ThrobberRenderer::setBackgroundColor(const QColor &color)
 }
 
 /*!
-    Sets the colour of the arc, which has round ends, to \a color; initially white. Emits nothing.
-    Callers are built against this name, unusual as it is spelt.
+    Sets the colour of the arc, which has round ends, to \a color. Initially it is white. Emits
+    nothing. Applications depend on the spelling of this name.
 */
 void ThrobberRenderer::setForegcoundColor(const QColor &color)
 {
@@ -204,9 +204,9 @@ void ThrobberRenderer::setForegcoundColor(const QColor &color)
 }
 
 /*!
-    Sets the rectangle that the throbber fills to \a rect, in the coordinates of the painter that
-    draw() gets. Circle and arc are drawn inside it, their outer edge on its border; with an odd pen
-    width, half a pixel beyond. Before this is called the rectangle is empty. Emits nothing.
+    Sets the rectangle of the throbber to \a rect, in the coordinates of the painter that draw()
+    gets. The circle and the arc touch the border of \a rect from inside. With an odd pen width they
+    extend half a pixel beyond it. Emits nothing.
 */
 void ThrobberRenderer::setRenderRect(const QRect &rect)
 {
@@ -225,9 +225,9 @@ std::chrono::milliseconds ThrobberRenderer::updateInterval() const
 /*!
     Sets the time between two ticks to \a interval, as QTimer::setInterval() does.
 
-    The steps follow the interval: a full turn takes two seconds, and the arc grows by 360 degrees a
-    second, both in whole degrees a tick. Below 6 ms the arc does not turn, and below 3 ms it does not
-    grow either; updated() is emitted all the same.
+    The speed does not depend on the interval: a full turn takes two seconds, and the arc grows by
+    360 degrees a second. But each tick moves by whole degrees, rounded down. Below 6 ms the arc
+    does not turn, and below 3 ms it does not grow. The throbber still emits updated() at each tick.
 */
 void ThrobberRenderer::setUpdateInterval(std::chrono::milliseconds interval)
 {
@@ -235,7 +235,7 @@ void ThrobberRenderer::setUpdateInterval(std::chrono::milliseconds interval)
 }
 
 /*!
-    Returns whether the timer runs.
+    Returns true if the timer runs.
 */
 bool ThrobberRenderer::isRunning() const
 {
@@ -243,8 +243,8 @@ bool ThrobberRenderer::isRunning() const
 }
 
 /*!
-    Starts the animation if \a running is true, and stops it otherwise. The animation goes on from
-    where it stopped; nothing is reset. Starting a running one begins a new interval.
+    Starts the animation if \a running is true, and stops it otherwise. A stopped animation
+    continues where it stopped. Starting a running animation begins a new interval.
 */
 void ThrobberRenderer::setRunning(bool running)
 {
@@ -255,11 +255,11 @@ void ThrobberRenderer::setRunning(bool running)
 }
 
 /*!
-    Turns the arc by \a rotationDegrees and lets it grow, or shrink while it does so, by
-    \a spanDegrees, both in whole degrees, and emits updated().
+    Turns the arc by \a rotationDegrees, lets it grow or shrink by \a spanDegrees, depending on the
+    phase of the animation, and emits updated().
 
-    The timer calls this; call it to drive the animation by hand. Negative steps go backwards. Steps
-    beyond what fits 32 bits in 1/16 degree wrap.
+    The timer calls this function. Call it to drive the animation without the timer. Negative steps
+    go backwards. A step that exceeds 32 bits in 1/16 degree wraps.
 */
 void ThrobberRenderer::addAngles(int rotationDegrees, int spanDegrees)
 {
@@ -280,8 +280,9 @@ void ThrobberRenderer::addAngles(int rotationDegrees, int spanDegrees)
 }
 
 /*!
-    Draws the circle and the arc with \a painter, at the place of setRenderRect(). Leaves the arc's
-    pen set; brush, transform and render hints are the caller's. A brush that is set fills the circle.
+    Draws the circle and the arc with \a painter into the rectangle of setRenderRect(). The pen of
+    the arc stays set. The function changes nothing else of the painter: a brush that is set fills
+    the circle.
 */
 void ThrobberRenderer::draw(QPainter &painter)
 {

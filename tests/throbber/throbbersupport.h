@@ -20,7 +20,7 @@ constexpr int fullTurn = 360 * 16; // 1/16 degree, Qt's arc unit
 constexpr double shortestSpan = 80;
 constexpr double longestSpan = 4480;
 
-// What a frame shows of the animation: the arc's first angle, reduced to a turn, and its length.
+// The angles of the arc in a frame: its start, reduced to one turn, and its length.
 struct Angles
 {
     int start = 0;
@@ -42,7 +42,7 @@ constexpr int reducedToTurn(int angle)
     return ((angle % fullTurn) + fullTurn) % fullTurn;
 }
 
-// The animation's rules once more, in the plainest words.
+// A plain model of the animation.
 class Animation
 {
 public:
@@ -86,7 +86,7 @@ public:
     double span = shortestSpan;
 
 private:
-    // Shifted as bits, so that no number of degrees overflows.
+    // The shift is unsigned: a signed product would overflow.
     static double sixteenths(int degrees)
     {
         return static_cast<int>(static_cast<unsigned>(degrees) << 4);
@@ -116,7 +116,7 @@ inline QList<PaintCall> drawn(ThrobberRenderer &throbber)
     return recorded([&](QPainter &painter) { throbber.draw(painter); });
 }
 
-// What a frame of these figures, painted by hand, sends to the paint engine.
+// Returns the paint calls of a frame with these angles, painted without the library.
 inline QList<PaintCall> drawnByHand(const QRect &arcRect, int start, int length)
 {
     return recorded([&](QPainter &painter) {
@@ -125,7 +125,7 @@ inline QList<PaintCall> drawnByHand(const QRect &arcRect, int start, int length)
     });
 }
 
-// Reads the angles off the recorded path, and draws them again to be sure of the reading.
+// Computes the angles from the recorded path. Draws them again to check the result.
 inline Angles anglesOf(const QPainterPath &path, const QRect &arcRect)
 {
     if (path.elementCount() < 2)

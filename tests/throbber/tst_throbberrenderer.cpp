@@ -12,9 +12,11 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 #include <memory>
 #include <type_traits>
@@ -84,7 +86,7 @@ QPen defaultArcPen()
     return pen;
 }
 
-// Knows the timer behind the tick being delivered, although nobody outside owns it.
+// Finds the private timer of a throbber: it is the object whose timer event is being delivered.
 class TimerWatcher : public QObject
 {
 public:
@@ -175,6 +177,7 @@ private Q_SLOTS:
     void startingAgainRestartsTheTimer();
     void canBeStoppedFromItsSignal();
     void timerBelongsToNobodyElse();
+    void ticksInTheThreadOfTheThrobber();
     void canBeDestroyedWhileRunning();
     void canBeDestroyedByASlot_data();
     void canBeDestroyedByASlot();
@@ -252,7 +255,7 @@ void tst_ThrobberRenderer::drawsCircleThenArc()
     QCOMPARE(calls.at(1).path, arc);
 }
 
-// A path of no extent never reaches the paint engine.
+// QPainter does not pass an empty path to the paint engine.
 void tst_ThrobberRenderer::drawsNothingOfANullRectButTheCircle()
 {
     ThrobberRenderer throbber(nullptr);
@@ -328,7 +331,7 @@ void tst_ThrobberRenderer::leavesForegroundPenAndNothingElseOnThePainter()
     QCOMPARE(painter.clipBoundingRect(), clipped);
     painter.end();
 
-    // Nor was it put aside while painting.
+    // The painter was not saved and restored either.
     QCOMPARE(recorder.calls().size(), 4);
     QCOMPARE(recorder.calls().at(0).brush, brush);
     for (const PaintCall &call : recorder.calls()) {
@@ -427,7 +430,7 @@ void tst_ThrobberRenderer::setPenWidthSetsBothPens()
     QCOMPARE(calls.at(1).pen, arcPen);
 }
 
-// The inset starts from the rectangle that was given, not from the one inset before.
+// The inset is computed from the given rectangle, not from the previous inset.
 void tst_ThrobberRenderer::setPenWidthInsetsTheLastRenderRect()
 {
     ThrobberRenderer throbber(nullptr);
@@ -473,7 +476,7 @@ void tst_ThrobberRenderer::refusedPenWidthStillMovesTheArcRect()
     ThrobberRenderer throbber(nullptr);
     throbber.setRenderRect(QRect(0, 0, 100, 100));
 
-    // One from each pen.
+    // Each of the two pens warns.
     static const QRegularExpression refused(QStringLiteral("QPen::setWidth"));
     QTest::ignoreMessage(QtWarningMsg, refused);
     QTest::ignoreMessage(QtWarningMsg, refused);
@@ -486,7 +489,7 @@ void tst_ThrobberRenderer::refusedPenWidthStillMovesTheArcRect()
     QCOMPARE(calls.last().pen, defaultArcPen());
     QCOMPARE(calls.last().path, drawnByHand(arcRect, -80, -80).last().path);
 
-    // The next rectangle is inset by the width that the pens kept.
+    // The next rectangle is inset by the width that the pens have kept.
     throbber.setRenderRect(QRect(0, 0, 100, 100));
     QCOMPARE(drawn(throbber).first().rects, QList<QRectF>{QRectF(5, 5, 90, 90)});
 }
@@ -507,7 +510,7 @@ void tst_ThrobberRenderer::extremeRectsDoNoHarm_data()
     }
 }
 
-// The corners of the circle stay in the range of an int.
+// The edges saturate at the ends of int, and the rectangle of the arc is exact.
 void tst_ThrobberRenderer::extremeRectsDoNoHarm()
 {
     QFETCH(const QRect, renderRect);
@@ -521,7 +524,6 @@ void tst_ThrobberRenderer::extremeRectsDoNoHarm()
         QTest::ignoreMessage(QtWarningMsg, refused);
     }
     throbber.setPenWidth(penWidth);
-    throbber.addAngles(3, 6);
 
     QImage canvas(10, 10, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
@@ -534,9 +536,13 @@ void tst_ThrobberRenderer::extremeRectsDoNoHarm()
     };
     const QPoint topLeft(moved(renderRect.left(), half), moved(renderRect.top(), half));
     const QPoint bottomRight(moved(renderRect.right(), -half), moved(renderRect.bottom(), -half));
-    const QRect arcRect(topLeft, bottomRight);
-    const auto byHand = recorded([&](QPainter &hand) { hand.drawEllipse(arcRect); });
+    const QRectF circle(topLeft, QPointF(bottomRight) + QPointF(1, 1));
+    const auto byHand = recorded([&](QPainter &hand) {
+        hand.drawEllipse(QRect(topLeft, bottomRight));
+        hand.drawArc(circle, -80, -80);
+    });
     QCOMPARE(drawn(throbber).first().rects, byHand.first().rects);
+    QCOMPARE(drawn(throbber).last().path, byHand.last().path);
 }
 
 void tst_ThrobberRenderer::setBackgroundColorSetsTrackOnly()
@@ -657,7 +663,7 @@ void tst_ThrobberRenderer::followsTheCycle_data()
     QTest::addColumn<int>("start");
     QTest::addColumn<int>("length");
 
-    // Ticks of 3 and 6 degrees. Calculated apart from the library and from Qt.
+    // The figures for ticks of 3 and 6 degrees were computed without the library and without Qt.
     QTest::newRow("rest") << 0 << -80 << -80;
     QTest::newRow("first") << 1 << -128 << -84;
     QTest::newRow("second") << 2 << -176 << -96;
@@ -752,8 +758,8 @@ void tst_ThrobberRenderer::turnsRoundExactlyAtTheLimits_data()
     QTest::addColumn<int>("length");
     QTest::addColumn<int>("tail"); // its part of the start angle
 
-    // 275 degrees lie between the shortest and the longest arc. A swing that has turned round
-    // answers a long step by the other limit.
+    // The longest arc is 275 degrees longer than the shortest. A step beyond one limit changes the
+    // phase, and a long step in the new phase then reaches the other limit.
     QTest::newRow("longest reached") << QList<int>{275} << 4480 << 80;
     QTest::newRow("longest reached, shrinks") << QList<int>{275, 275} << 80 << 80 + 4400;
     QTest::newRow("one degree less still grows") << QList<int>{274, 275} << 4480 << 80;
@@ -777,7 +783,7 @@ void tst_ThrobberRenderer::turnsRoundExactlyAtTheLimits()
     QCOMPARE(drawnAngles(*throbber), (Angles{reducedToTurn(-tail), -length}));
 }
 
-// What a step goes beyond a limit is lost: the next one starts from the limit.
+// A step beyond a limit ends at the limit, where the next step starts.
 void tst_ThrobberRenderer::clampsTheSpan()
 {
     const auto throbber = makeThrobber();
@@ -799,13 +805,13 @@ void tst_ThrobberRenderer::foldsTheTailIntoTheRotation()
     throbber->addAngles(0, 275);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-80));
 
-    // On its way the tail is eased as the span is; it arrives 275 degrees on.
+    // The offset of the tail is eased like the span. In the end it is 275 degrees.
     throbber->addAngles(0, 100);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-1130));
     throbber->addAngles(0, 175);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-(4400 + 80)));
 
-    // Growing leaves it there, and the next swing takes it on.
+    // It stays while the arc grows, and increases while the arc shrinks again.
     throbber->addAngles(0, 275);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-(4400 + 80)));
     throbber->addAngles(0, 275);
@@ -816,7 +822,7 @@ void tst_ThrobberRenderer::easingClampsOutsideTheRange()
 {
     const auto throbber = makeThrobber();
 
-    // A span below the shortest, while growing: kept as it is, drawn as the shortest.
+    // While growing, a span below the shortest is stored, but drawn as the shortest.
     throbber->addAngles(0, -100);
     QCOMPARE(drawnAngles(*throbber).length, -80);
     throbber->addAngles(0, 100);
@@ -824,7 +830,7 @@ void tst_ThrobberRenderer::easingClampsOutsideTheRange()
     throbber->addAngles(0, 137);
     QCOMPARE(drawnAngles(*throbber).length, -2264);
 
-    // A span beyond the longest, while shrinking, and a tail that went backwards.
+    // While shrinking, negative steps give a span beyond the longest and a negative tail offset.
     throbber->addAngles(0, 275);
     throbber->addAngles(0, -100);
     QCOMPARE(drawnAngles(*throbber), (Angles{reducedToTurn(-80), -4480}));
@@ -832,8 +838,8 @@ void tst_ThrobberRenderer::easingClampsOutsideTheRange()
     QCOMPARE(drawnAngles(*throbber), (Angles{reducedToTurn(-80), -4480}));
 }
 
-// Angles are cut towards zero, so that the sign of the rotation shows as soon as the eased tail has
-// a fraction: 79 here, where the same direction as a positive rotation would give 80.
+// Angles are truncated towards zero, so a negative rotation gives another angle than the positive
+// rotation of the same direction: 79 instead of 80, since the eased tail offset has a fraction.
 void tst_ThrobberRenderer::negativeRotationStaysNegative()
 {
     const auto throbber = makeThrobber();
@@ -888,7 +894,7 @@ void tst_ThrobberRenderer::extremeStepsWrapAsBits()
     throbber->addAngles(rotation, span);
     QCOMPARE(drawnAngles(*throbber), (Angles{reducedToTurn(start), length}));
 
-    // Nothing runs away when they come again and again.
+    // Repeated extreme steps stay within the limits.
     Animation expected;
     expected.addAngles(rotation, span);
     for (int step = 0; step < 50; ++step) {
@@ -901,7 +907,7 @@ void tst_ThrobberRenderer::extremeStepsWrapAsBits()
 namespace {
 
 constexpr QSize canvasSize(100, 100);
-constexpr double ringRadius = 45; // 100 pixels less the pen, halved
+constexpr double ringRadius = 45; // half of 100 pixels minus the pen width
 
 QImage painted(ThrobberRenderer &throbber)
 {
@@ -929,7 +935,7 @@ void tst_ThrobberRenderer::paintsTrackAndArcAtTheirPlaces()
     throbber.setBackgroundColor(Qt::blue);
     throbber.setForegcoundColor(Qt::red);
 
-    // The resting arc reaches from 5 to 10 degrees, its round caps some 6 degrees further.
+    // At first the arc reaches from 5 to 10 degrees. Its round caps reach some 6 degrees further.
     const QImage resting = painted(throbber);
     for (int degrees = 3; degrees <= 12; ++degrees)
         QCOMPARE(colorOnRing(resting, degrees), QColor(Qt::red));
@@ -941,7 +947,7 @@ void tst_ThrobberRenderer::paintsTrackAndArcAtTheirPlaces()
     QCOMPARE(resting.pixelColor(2, 2).alpha(), 0);
     QCOMPARE(resting.pixelColor(97, 97).alpha(), 0);
 
-    // A quarter of a turn on, and half way to the longest: from 95 to 95 and 142 degrees.
+    // After a quarter of a turn, half way to the longest arc: from 95 degrees to 95 + 142.
     throbber.addAngles(90, 137);
     const QImage turned = painted(throbber);
     for (int degrees = 95; degrees <= 95 + 140; degrees += 5)
@@ -956,7 +962,7 @@ void tst_ThrobberRenderer::paintsTheGapOfTheLongestArc()
     throbber.setRenderRect(QRect(QPoint(0, 0), canvasSize));
     throbber.addAngles(0, 275);
 
-    // From 5 degrees on through 280.
+    // The arc begins at 5 degrees and spans 280.
     const QImage canvas = painted(throbber);
     for (int degrees = 5; degrees <= 285; degrees += 5)
         QCOMPARE(colorOnRing(canvas, degrees), QColor(255, 255, 255, 255));
@@ -985,7 +991,7 @@ void tst_ThrobberRenderer::tickStepsFollowTheInterval_data()
     QTest::newRow("25 ms") << 25ms << 4 << 9;
     QTest::newRow("50 ms") << 50ms << 9 << 18;
     QTest::newRow("99 ms") << 99ms << 17 << 35;
-    // Divided first, 175 and 350 ms lose a degree to the rounding of the quotient.
+    // The division comes first: its rounding costs 175 ms and 350 ms one degree.
     QTest::newRow("175 ms") << 175ms << 31 << 62;
     QTest::newRow("350 ms") << 350ms << 62 << 125;
     QTest::newRow("1000 ms") << 1000ms << 180 << 360;
@@ -1030,7 +1036,7 @@ void tst_ThrobberRenderer::updateIntervalIsStored_data()
     QTest::newRow("an hour") << std::chrono::milliseconds(1h);
     QTest::newRow("greatest") << std::chrono::milliseconds(maxInt);
 #if QT_VERSION < QT_VERSION_CHECK(6, 10, 0)
-    // Later versions of QTimer warn.
+    // Newer versions of QTimer warn.
     QTest::newRow("negative") << -1ms;
     QTest::newRow("least") << std::chrono::milliseconds(minInt);
 #endif
@@ -1073,7 +1079,7 @@ void tst_ThrobberRenderer::longUpdateIntervalIsNarrowedAsQTimerDoes()
     for (const auto interval : {std::chrono::milliseconds((1LL << 32) + 17),
                                 std::chrono::milliseconds((5LL << 32) + 1)}) {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 10, 0)
-        // Later versions of QTimer clamp instead of narrowing, and say so each time.
+        // Newer versions of QTimer clamp the interval instead of narrowing it, and warn.
         const QRegularExpression clamped(QStringLiteral("^QTimer::setInterval: interval exceeds"));
         QTest::ignoreMessage(QtWarningMsg, clamped);
         QTest::ignoreMessage(QtWarningMsg, clamped);
@@ -1133,7 +1139,7 @@ void tst_ThrobberRenderer::stopsTicking()
     QVERIFY(!throbber.isRunning());
     const qsizetype ticks = updated.size();
 
-    // The other one's ticks are the clock: none is missed by the stopped one.
+    // The ticks of the other throbber show that the stopped one had time to tick.
     other.setRunning(true);
     QVERIFY(QTest::qWaitFor([&] { return otherUpdated.size() >= 5; }));
     QCOMPARE(updated.size(), ticks);
@@ -1191,7 +1197,7 @@ void tst_ThrobberRenderer::startingAgainRestartsTheTimer()
     QVERIFY(QTest::qWaitFor([&] { return updated.size() >= 1; }));
     QVERIFY(timer);
 
-    // A restarted timer gets another id.
+    // A timer gets another id when it is restarted.
     const int firstId = timer->timerId();
     throbber.setRunning(true);
     QVERIFY(throbber.isRunning());
@@ -1240,6 +1246,29 @@ void tst_ThrobberRenderer::timerBelongsToNobodyElse()
 
     delete throbber;
     QVERIFY(timer.isNull());
+}
+
+void tst_ThrobberRenderer::ticksInTheThreadOfTheThrobber()
+{
+    QThread worker;
+    worker.start();
+    ThrobberRenderer throbber(nullptr);
+    std::atomic<QThread *> tickedIn = nullptr;
+    connect(
+        &throbber, &ThrobberRenderer::updated, &throbber,
+        [&] { tickedIn = QThread::currentThread(); }, Qt::DirectConnection);
+
+    // The timer stays behind, in the thread that created the throbber.
+    throbber.moveToThread(&worker);
+    throbber.setRunning(true);
+    QVERIFY(QTest::qWaitFor([&] { return tickedIn.load(); }));
+    throbber.setRunning(false);
+    QMetaObject::invokeMethod(
+        &throbber, [&] { throbber.moveToThread(thread()); }, Qt::BlockingQueuedConnection);
+    worker.quit();
+    QVERIFY(worker.wait());
+
+    QCOMPARE(tickedIn.load(), &worker);
 }
 
 void tst_ThrobberRenderer::canBeDestroyedWhileRunning()

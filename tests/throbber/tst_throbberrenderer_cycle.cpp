@@ -8,13 +8,13 @@
 using namespace ovelin;
 using namespace ovelin::tests;
 
-// The arc goes through its cycle by the rules for any sequence of steps, forwards and backwards.
+// Compares the throbber with a plain model for random sequences of steps, forwards and backwards.
 
 namespace {
 
 using Step = std::pair<int, int>; // degrees of rotation and of span
 
-// As the timer makes them, those that end exactly at a limit, larger ones, and any at all.
+// The timer's steps, steps that end exactly at a limit, larger steps, and arbitrary steps.
 rc::Gen<int> anyDegrees()
 {
     return rc::gen::weightedOneOf<int>({{6, rc::gen::inRange(-10, 90)},
