@@ -14,43 +14,35 @@ constexpr int shortestTexture = 8;
 constexpr int largestDivisor = 10;
 constexpr int smallestDivisor = 3;
 
-// A pixmap of its own has an alpha channel on some platforms only; filling it with a transparent
-// colour gives it one on all.
-QPixmap filledPixmap(const QSize &size, const QBrush &brush, QPainter::CompositionMode mode)
-{
-    QPixmap pixmap(size);
-    // A pixmap beyond what memory can hold is not null, but nothing can paint on it.
-    if (pixmap.isNull() || !pixmap.paintEngine())
-        return {};
-
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setCompositionMode(mode);
-    painter.setPen(Qt::NoPen);
-    painter.fillRect(pixmap.rect(), brush);
-    return pixmap;
-}
-
 } // namespace
 
 /*!
     \headerfile <ovelin/brushes.h>
     \inmodule Ovelin
     \title Textured brushes
-    \brief Gradients that are rendered once, into a small texture that a brush then tiles.
+    \brief Gradients that are rendered once into a small texture, which a brush tiles.
 
-    Filling an area with a gradient computes every pixel; tiling a texture copies them. All functions
-    belong to the GUI thread.
+    A texture is the cheaper way for gradients that run across or repeat: Qt computes each of their pixels
+    anew, and copies those of a texture. A gradient that runs straight down has one colour a row and is
+    cheapest without a texture. The guide \l {Gradients and textures} tells which to use when. All
+    functions belong to the GUI thread.
+
+    \snippet tst_snippets.cpp across
 */
 
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns the length, in pixels, of a texture for a gradient that is to cover \a length pixels.
+    Returns the length in pixels of a texture for a gradient that repeats along \a length pixels.
 
-    This is the smallest whole fraction of \a length, from a tenth up to a third, that has at least 8
-    pixels, so that the texture repeats without a seam. Where there is none it is a tenth of
-    \a length, rounded up, and at least 8. Lengths below 9, negative ones too, give 8.
+    The result is the smallest of a tenth, a ninth, and so on up to a third of \a length that is a
+    whole number and at least 8: whole tiles then cover \a length. If there is none, the result is a
+    tenth of \a length, rounded up, but at least 8: the last tile is cut. Any \a length below 9,
+    even a negative one, gives 8.
+
+    Examples: 720 gives 72, ten tiles; 63 gives 9, seven tiles; 101 gives 11, nine tiles and a part.
+
+    For a gradient that covers the length once, make the texture as long as the gradient instead.
 
     \since Ovelin 1.0
 */
@@ -65,38 +57,63 @@ int chooseGradientLength(int length)
     }
 
     const auto tenth = static_cast<int>(std::ceil(length / double(largestDivisor)));
-    return std::max(shortestTexture, std::min(length, tenth));
+    return std::max(shortestTexture, tenth);
 }
 
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns a pixmap of \a size pixels, transparent at first and then filled with \a brush. A size
-    that is empty, invalid or beyond what memory can hold gives a null pixmap.
+    Returns a transparent pixmap of \a size pixels, filled with \a brush. Returns a null pixmap if
+    \a size is empty, invalid, or too large for the memory.
 
     \since Ovelin 1.0
 */
 QPixmap createBrushImage(const QBrush &brush, const QSize &size)
 {
-    return filledPixmap(size, brush, QPainter::CompositionMode_SourceOver);
+    QPixmap pixmap(size);
+    // A pixmap that is too large for the memory is not null, but has no paint engine.
+    if (pixmap.isNull() || !pixmap.paintEngine())
+        return {};
+
+    // Gives the pixmap an alpha channel, which a new pixmap lacks on some platforms.
+    pixmap.fill(Qt::transparent);
+    QPainter(&pixmap).fillRect(pixmap.rect(), brush);
+    return pixmap;
 }
 
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns a brush that tiles a texture of \a size pixels holding \a gradient; the texture is
+    Returns a brush that tiles a texture of \a size pixels with \a gradient. The texture is
     transparent where the gradient is.
 
-    The gradient's points are in pixels of the texture and used as they are: from 0 to the width and
-    height of \a size covers it once. A size that is empty, invalid or beyond what memory can hold gives
-    a brush without a texture.
+    The points of the gradient are in pixels of the texture: a gradient from (0, 0) to (0, 72) runs
+    once over a texture that is 72 pixels high. Returns a brush without a texture if \a size is
+    empty, invalid, or too large for the memory.
+
+    \table
+    \header
+        \li The gradient
+        \li \a size
+    \row
+        \li runs straight down
+        \li none: paint with the gradient itself, which costs less than any texture
+    \row
+        \li runs across, once over the area
+        \li the width of the area, 8 pixels high
+    \row
+        \li repeats
+        \li a square of chooseGradientLength() pixels
+    \endtable
+
+    On a screen with 16 bits a pixel a texture costs more than the gradient in every direction.
 
     \since Ovelin 1.0
 */
 QBrush createTexturedBrush(const QSize &size, const QLinearGradient &gradient)
 {
     QBrush brush;
-    brush.setTexture(filledPixmap(size, gradient, QPainter::CompositionMode_Source));
+    brush.setTexture(createBrushImage(gradient, size));
     return brush;
 }
 
@@ -104,7 +121,7 @@ QBrush createTexturedBrush(const QSize &size, const QLinearGradient &gradient)
     \relates <ovelin/brushes.h>
     \overload
 
-    The texture is a square with sides of \a length pixels, holding \a gradient.
+    Returns a brush that tiles a square texture, \a length pixels wide and high, with \a gradient.
 
     \since Ovelin 1.0
     \sa chooseGradientLength()

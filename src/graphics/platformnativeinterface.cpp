@@ -11,7 +11,7 @@ PlatformNativeInterface *installedInterface = nullptr;
 
 using PaintFunction = std::function<void(QPainter &)>;
 
-// What the platform plug-in publishes under these names; its own native interface comes first.
+// The functions that the platform plug-in publishes. The first argument is its native interface.
 using CreateTiledPixmap = QPixmap (*)(QPlatformNativeInterface *, const QSize &, PaintFunction);
 using SetupPainterForTiledPixmap = void (*)(QPlatformNativeInterface *, const QPixmap &,
                                             QPainter &);
@@ -29,19 +29,23 @@ Function platformFunction(const char *name)
     \class ovelin::PlatformNativeInterface
     \inmodule Ovelin
     \inheaderfile ovelin/platformnativeinterface.h
-    \brief Access to the tiled pixmaps that the box's Qt platform plug-in may offer.
+    \brief Access to the tiled pixmaps that the device's Qt platform plug-in may offer.
 
-    The functions are looked up once, by QGuiApplication::platformFunction(), when an object is
-    constructed: construct it when the QGuiApplication exists. A function that the platform lacks is
-    no error; isTiledPixmapAvailable() tells, and the members fall back as they say. For the GUI
-    thread.
+    \snippet tst_snippets.cpp tiled
+
+    The guide \l {The platform plug-in's functions} tells what a plug-in has to offer.
+
+    The constructor looks the plug-in's functions up with QGuiApplication::platformFunction(), so
+    the QGuiApplication must exist. A plug-in may lack any of the functions.
+    isTiledPixmapAvailable() returns false then, and each member describes what it does without its
+    function. Use this class in the GUI thread.
 
     \since Ovelin 1.0
     \sa {ovelin}{platformNativeInterface()}
 */
 
 /*!
-    Looks up the platform's "createTiledPixmap" and "setupPainterForTiledPixmap".
+    Looks up the plug-in's functions "createTiledPixmap" and "setupPainterForTiledPixmap".
 */
 PlatformNativeInterface::PlatformNativeInterface()
 {
@@ -61,8 +65,8 @@ PlatformNativeInterface::PlatformNativeInterface()
 }
 
 /*!
-    Has the platform set up its tiled buffer, by its "createTiledBuffer"; does nothing on a platform
-    without it. Needs no object.
+    Calls the plug-in's function "createTiledBuffer", which sets up the tiled buffer of the
+    platform. Does nothing if the plug-in lacks it. Needs no object of this class.
 */
 void PlatformNativeInterface::init()
 {
@@ -72,8 +76,8 @@ void PlatformNativeInterface::init()
 }
 
 /*!
-    Returns whether createTiledPixmap() gives pixmaps. Says nothing about
-    setupPainterForTiledPixmap(), which a platform may offer alone.
+    Returns true if the plug-in has "createTiledPixmap". The plug-in may have
+    "setupPainterForTiledPixmap" without it.
 */
 bool PlatformNativeInterface::isTiledPixmapAvailable() const
 {
@@ -81,8 +85,9 @@ bool PlatformNativeInterface::isTiledPixmapAvailable() const
 }
 
 /*!
-    Returns the platform's tiled pixmap of \a size pixels, which it lets \a paint fill with a painter
-    of its own; a null pixmap, without \a paint being called, where the platform has none.
+    Returns a tiled pixmap of \a size pixels. The plug-in calls \a paint with a painter on that
+    pixmap. Returns a null pixmap, and does not call \a paint, if the plug-in lacks
+    "createTiledPixmap".
 */
 QPixmap PlatformNativeInterface::createTiledPixmap(const QSize &size,
                                                    std::function<void(QPainter &)> paint) const
@@ -91,8 +96,8 @@ QPixmap PlatformNativeInterface::createTiledPixmap(const QSize &size,
 }
 
 /*!
-    Has the platform prepare \a painter for \a pixmap, a tiled one; does nothing where the platform
-    cannot.
+    Prepares \a painter for the tiled pixmap \a pixmap. Does nothing if the plug-in lacks
+    "setupPainterForTiledPixmap".
 */
 void PlatformNativeInterface::setupPainterForTiledPixmap(const QPixmap &pixmap,
                                                          QPainter &painter) const
@@ -102,7 +107,7 @@ void PlatformNativeInterface::setupPainterForTiledPixmap(const QPixmap &pixmap,
 }
 
 /*!
-    Returns the installed interface, or null while there is none, as at first.
+    Returns the installed interface, or null if none is installed. Initially none is.
 
     \since Ovelin 1.0
     \sa setPlatformNativeInterface(), PlatformNativeInterface
@@ -113,8 +118,8 @@ PlatformNativeInterface *platformNativeInterface()
 }
 
 /*!
-    Installs \a interface for all; null uninstalls. The application keeps the ownership of both the old
-    and the new interface, and uninstalls one before it destroys it.
+    Installs \a interface. Null uninstalls the present one. The application owns both the old and
+    the new interface, and uninstalls an interface before destroying it.
 
     \since Ovelin 1.0
     \sa platformNativeInterface(), PlatformNativeInterface

@@ -48,7 +48,7 @@ QImage textureOf(const QBrush &brush)
     return imageOf(brush.texture());
 }
 
-// What the brush gives on a clear canvas of 32 bits.
+// Fills a transparent canvas of 32 bits a pixel with the brush.
 QImage paintedByHand(const QBrush &brush, const QSize &size)
 {
     QImage image = blank(size);
@@ -57,7 +57,7 @@ QImage paintedByHand(const QBrush &brush, const QSize &size)
     return image;
 }
 
-// A screen of few bits has pixmaps of few bits.
+// Pixmaps of a screen with fewer bits a pixel have fewer bits too.
 int channelTolerance()
 {
     constexpr int roundingOfOneStep = 2;
@@ -389,7 +389,7 @@ void tst_Brushes::textureHoldsTheGradient()
 
 void tst_Brushes::gradientCoordinatesAreTexels()
 {
-    // From 4 to 12 of 16 texels: neither stretched over the texture nor moved.
+    // The gradient runs from texel 4 to texel 12 of 16: it is neither stretched nor moved.
     const QImage texture = textureOf(
         createTexturedBrush(QSize(16, 3), gradientBetween({4, 0}, {12, 0}, Qt::black, Qt::white)));
 
@@ -433,7 +433,7 @@ void tst_Brushes::texelsAreTrulyTransparent()
 
 void tst_Brushes::transparentTexelsShowTheGround()
 {
-    // Opaque up to the middle of the texture, clear behind it.
+    // The gradient is opaque up to the middle of the texture and transparent after it.
     QLinearGradient gradient(QPointF(0, 0), QPointF(16, 0));
     gradient.setColorAt(0, Qt::red);
     gradient.setColorAt(0.5, Qt::red);
@@ -526,7 +526,7 @@ void tst_Brushes::uselessSizesGiveNothing()
     expected.setTexture(none);
     QCOMPARE(brush, expected);
 
-    // And can be painted with.
+    // The brush can be used.
     QImage canvas = blank(QSize(8, 8), Qt::green);
     QPainter painter(&canvas);
     painter.fillRect(canvas.rect(), brush);
@@ -557,7 +557,7 @@ void tst_Brushes::sizesBeyondMemoryDoNoHarm_data()
 {
     QTest::addColumn<QSize>("size");
 
-    // More bytes in a row than an image can count, so that no memory is even asked for.
+    // A row would have more bytes than an int can count, so that Qt requests no memory.
     QTest::newRow("greatest") << QSize(maxInt, maxInt);
     QTest::newRow("greatest width") << QSize(maxInt, 1);
     QTest::newRow("more than a row can have") << QSize(1 << 29, 2);

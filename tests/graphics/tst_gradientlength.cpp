@@ -6,7 +6,8 @@
 #include <limits>
 #include <vector>
 
-// Every length that a screen could have, and more, and the ends of what may be asked, against the definition.
+// Compares chooseGradientLength() with its definition for all lengths of screens and for the ends
+// of int.
 
 using ovelin::chooseGradientLength;
 
@@ -20,9 +21,9 @@ int tenthOf(int length)
     return length / 10 + (length % 10 > 0);
 }
 
-// What the texture's length is to be for every length up to the longest: the shortest of those that
-// cover it three to ten times without a rest; where there is none, a tenth, rounded up, within the
-// length and no shorter than the shortest texture.
+// Returns the length of the texture for every length up to the longest. It is the shortest that
+// covers the length 3 to 10 times without remainder. If there is none, it is a tenth of the length,
+// rounded up, but at least the shortest texture.
 std::vector<int> definedLengths()
 {
     std::vector<int> lengths(longestLength + 1, 0);

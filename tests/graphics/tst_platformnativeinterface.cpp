@@ -39,14 +39,15 @@ constexpr QSize tileSize(64, 48);
 
 PlatformNativeInterface *const installedAtLoad = ovelin::platformNativeInterface();
 
-// Made before the platform plug-in is loaded.
+// Constructed before the platform plug-in is loaded.
 const PlatformNativeInterface *earlyInterface = nullptr;
 
 void paintNothing(QPainter &) {}
 
 } // namespace
 
-// Runs on the tests' own platform, whatever it offers, and on any other, which offers nothing.
+// Runs on the tests' own platform with any of its functions, and on platforms without these
+// functions.
 class tst_PlatformNativeInterface : public QObject
 {
     Q_OBJECT
@@ -137,7 +138,7 @@ void tst_PlatformNativeInterface::installedInstanceIsWhatWasSet()
     QCOMPARE(ovelin::platformNativeInterface(), nullptr);
 }
 
-// Deleting an installed instance, here one that was not even allocated, would crash.
+// The instance is not on the heap: deleting it would crash.
 void tst_PlatformNativeInterface::installingTakesNoOwnership()
 {
     const PlatformNativeInterface replacement;
@@ -182,7 +183,7 @@ void tst_PlatformNativeInterface::createTiledPixmapForwardsOrGivesNull()
     QCOMPARE(m_platform->setupPainterCalls.size(), 0);
     QCOMPARE(m_platform->createBufferCalls.size(), 0);
 
-    // The platform's own pixmap comes back.
+    // The result is the pixmap of the platform.
     QCOMPARE(pixmap.cacheKey(), call.cacheKey);
     QCOMPARE(pixmap.size(), tileSize);
     QImage expected(tileSize, QImage::Format_RGB32);
@@ -218,7 +219,7 @@ void tst_PlatformNativeInterface::createTiledPixmapPassesAnEmptyFunction()
     }
 }
 
-// The platform gets a copy: the caller's own can be used again.
+// The platform gets a copy of the function. The caller can use its own function again.
 void tst_PlatformNativeInterface::createTiledPixmapKeepsTheCallersFunction()
 {
     const PlatformNativeInterface interface;
@@ -285,7 +286,7 @@ void tst_PlatformNativeInterface::initCallsCreateTiledBuffer()
         }
     }
 
-    // Not once per process, nor as a side effect of an instance.
+    // Each call of init() calls the function, and constructing an instance does not.
     PlatformNativeInterface::init();
     const PlatformNativeInterface interface;
     if (offers(createTiledBufferName))
@@ -341,7 +342,7 @@ void tst_PlatformNativeInterface::staysAsItWasConstructed()
     interface.setupPainterForTiledPixmap(canvas, painter);
     QCOMPARE(m_platform->setupPainterCalls.size(), m_offered.contains(setupPainterName) ? 1 : 0);
 
-    // This one asks anew each time.
+    // init() looks the function up each time.
     PlatformNativeInterface::init();
     QCOMPARE(m_platform->createBufferCalls.size(), offers(createTiledBufferName) ? 1 : 0);
 }
@@ -413,7 +414,7 @@ void tst_PlatformNativeInterface::findsNothingBeforeThePlatformIsLoaded()
     QVERIFY(!m_platform || m_platform->setupPainterCalls.isEmpty());
 }
 
-// The callables hold what they need, not the instance that made them.
+// The stored functions do not depend on the instance that created them.
 void tst_PlatformNativeInterface::copiesForwardToo()
 {
     auto original = std::make_unique<PlatformNativeInterface>();
@@ -431,11 +432,11 @@ void tst_PlatformNativeInterface::copiesForwardToo()
 
 int main(int argc, char **argv)
 {
-    // Qt complains about questions that come before the application; they are meant here.
+    // Qt warns of calls before the application is constructed, which this test makes on purpose.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     const PlatformNativeInterface early;
     PlatformNativeInterface::init();
-    // cppcheck-suppress danglingLifetime ; both last until the end of the program
+    // cppcheck-suppress danglingLifetime ; both exist until the end of the program
     earlyInterface = &early;
     qInstallMessageHandler(nullptr);
 

@@ -15,8 +15,8 @@ class QPlatformNativeInterface;
 
 namespace ovelin::tests {
 
-// How the tests' own platform behaves, and what it was asked for. It lives in the plug-in; a test
-// program reaches it through tiledPlatform() and may change the behaviour as it goes.
+// The settings of the tests' own platform, and a record of the calls to it. The object belongs to
+// the plug-in. A test gets it from tiledPlatform(), and may change the settings at any time.
 struct TiledPlatform
 {
     struct CreatePixmapCall
@@ -37,10 +37,10 @@ struct TiledPlatform
     static constexpr QColor background{0, 0, 255};  // of a created pixmap, before it is painted on
     static constexpr double preparedOpacity = 0.25; // of a painter that was set up
 
-    QList<QByteArray> offered; // by their names
-    bool paints = true;        // whether createTiledPixmap calls the painting function
+    QList<QByteArray> offered; // the names of the functions
+    bool paints = true;        // true if createTiledPixmap calls the painting function
 
-    // The native interface of the moment is one of these, or none.
+    // The present native interface is one of these, or none.
     std::array<QPlatformNativeInterface *, 2> nativeInterfaces = {};
     QPlatformNativeInterface *nativeInterface = nullptr;
 
@@ -61,7 +61,7 @@ struct TiledPlatform
 inline constexpr char tiledPlatformFunction[] = "tiledPlatform";
 using TiledPlatformFunction = TiledPlatform *(*)();
 
-// Null on every other platform.
+// Returns null on every other platform.
 inline TiledPlatform *tiledPlatform()
 {
     const auto function = reinterpret_cast<TiledPlatformFunction>(

@@ -21,7 +21,7 @@ namespace {
 
 TiledPlatform platform;
 
-// The three functions, with the signatures that the box's platform gives them.
+// The three functions, with the signatures of the device's platform.
 
 QPixmap createTiledPixmap(QPlatformNativeInterface *nativeInterface, const QSize &size,
                           std::function<void(QPainter &)> paint)
@@ -151,7 +151,7 @@ public:
     }
 
 private:
-    Screen *m_screen; // Qt's from initialize() on
+    Screen *m_screen; // owned by Qt after initialize()
     std::array<NativeInterface, 2> m_nativeInterfaces;
 };
 
@@ -166,8 +166,9 @@ QImage::Format screenFormatNamed(QStringView name)
 
 } // namespace
 
-// Parameters, as in "tiled:offer=createTiledPixmap+createTiledBuffer:format=argb32": the functions
-// to offer, none without it; the screen's pixel format, rgb32 without it.
+// Example of parameters: "tiled:offer=createTiledPixmap+createTiledBuffer:format=argb32". "offer"
+// lists the functions to offer, by default none. "format" is the pixel format of the screen, by
+// default rgb32.
 class TiledPlatformPlugin : public QPlatformIntegrationPlugin
 {
     Q_OBJECT
