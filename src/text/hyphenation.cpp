@@ -43,10 +43,15 @@ constexpr Rule hyphenationRules[] = {
 };
 // clang-format on
 
+// Each rule is applied twice, and each time a point depends on the characters of one rule more.
 constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
                                       return rule.before.size();
                                   }).before.size();
-static_assert(hyphenationReach == qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1));
+constexpr qsizetype hyphenationReach =
+    qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1);
+
+// Of a longer word, so many characters are looked at first: hardly any line has more.
+constexpr qsizetype usualPrefix = 64;
 
 // What a word gains in hyphens before its class string has to grow.
 constexpr qsizetype usualHyphenCount = 4;
@@ -59,15 +64,13 @@ QHash<QChar, QChar> makeLetterClasses()
     return classes;
 }
 
-QString classString(const QString &word)
+QString classString(QStringView word)
 {
     QString classes;
     classes.reserve(word.size() + usualHyphenCount);
-    // Letter by letter: a word as a whole can be longer in lower case, and its places would shift.
-    for (const QChar letter : word) {
-        const QChar lowerCase = letter.toLower();
-        classes.append(hyphenationLetterClasses.value(lowerCase, lowerCase));
-    }
+    const QString lowerCase = QString::fromRawData(word.data(), word.size()).toLower();
+    for (const QChar letter : lowerCase)
+        classes.append(hyphenationLetterClasses.value(letter, letter));
     return classes;
 }
 
@@ -83,30 +86,17 @@ void insertHyphens(QString &classes)
     }
 }
 
-} // namespace
-
-const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
-const QRegularExpression wordBreakPattern(
-    u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
-
-qsizetype wordBreak(QStringView text, qsizetype from)
+// True if a class string of the word may have a hyphen: other scripts have no letter of a class, and their
+// words can be long.
+bool mayHavePoints(QStringView word)
 {
-    // Spaces and separators are looked for without the pattern: starting it costs more than this search.
-    for (qsizetype i = from; i < text.size(); ++i) {
-        const QChar c = text.at(i);
-        if (c == u' ' || c == lineSeparator)
-            return i;
-        if (c == hyphen) {
-            return wordBreakPattern
-                .matchView(text, i, QRegularExpression::NormalMatch,
-                           QRegularExpression::DontCheckSubjectStringMatchOption)
-                .capturedStart();
-        }
-    }
-    return -1;
+    return std::ranges::any_of(word, [](QChar c) {
+        return (c >= hyphen && c <= u'x') || (c >= u'\u0400' && c <= u'\u04ff');
+    });
 }
 
-int hyphenationPoint(const QString &word, const std::function<bool(qsizetype kept)> &fitsWithHyphen)
+int lastPointThatFits(QStringView word,
+                      qxp::function_ref<bool(qsizetype kept) const> fitsWithHyphen)
 {
     QString classes = classString(word);
     insertHyphens(classes);
@@ -124,6 +114,51 @@ int hyphenationPoint(const QString &word, const std::function<bool(qsizetype kep
         candidate = classes.indexOf(hyphen, next, Qt::CaseSensitive);
     }
     return static_cast<int>(next - accepted);
+}
+
+} // namespace
+
+const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
+const QRegularExpression wordBreakPattern(
+    u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
+
+qsizetype wordEnd(QStringView text, qsizetype from)
+{
+    // Spaces and separators are found without the pattern, because starting it costs more than this search.
+    qsizetype position = from;
+    while (position < text.size() && text.at(position) != u' ' && text.at(position) != lineSeparator
+           && text.at(position) != hyphen) {
+        ++position;
+    }
+    if (position == text.size() || text.at(position) != hyphen)
+        return position;
+
+    const qsizetype match = wordBreakPattern
+                                .matchView(text, position, QRegularExpression::NormalMatch,
+                                           QRegularExpression::DontCheckSubjectStringMatchOption)
+                                .capturedStart();
+    if (match >= 0)
+        return match;
+    return text.back() == hyphen ? text.size() - 1 : text.size();
+}
+
+int hyphenationPoint(QStringView word, qxp::function_ref<bool(qsizetype kept) const> fitsWithHyphen)
+{
+    if (!mayHavePoints(word))
+        return -1;
+    // A prefix of a long word has the points of the word, except those within the reach of its end.
+    for (qsizetype size = usualPrefix;; size *= 2) {
+        const QStringView prefix = word.first(std::min(size + hyphenationReach, word.size()));
+        bool isDecided = prefix.size() == word.size();
+        const auto fits = [&](qsizetype kept) {
+            const bool accepted = fitsWithHyphen(kept);
+            isDecided = isDecided || (!accepted && kept <= size);
+            return accepted;
+        };
+        const int point = lastPointThatFits(prefix, fits);
+        if (isDecided)
+            return point;
+    }
 }
 
 } // namespace ovelin

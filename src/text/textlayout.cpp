@@ -7,8 +7,6 @@
 #include <QHash>
 
 #include <algorithm>
-#include <bit>
-#include <utility>
 
 namespace ovelin {
 
@@ -16,39 +14,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr char16_t ellipsis = u'\u2026';
-
-// A word is split without a hyphen only if that many characters, its separator counted, go to the
-// next line.
-constexpr qsizetype shortestRest = 5;
-// A word that fits on a line of its own is split only from this length on.
+// A forced split moves at least so many characters of the word to the next line, its separator counted.
+constexpr qsizetype fewestMoved = 5;
+// A word that would fit on a line of its own is split only if it has at least so many characters, its
+// separator counted.
 constexpr qsizetype shortestSplitWord = 9;
 
-// What is taken of the text at first, in characters; more is where the lines want it.
-constexpr qsizetype shortestLoad = 512;
+// A hyphen moves to at most so many lines, or to as many as the text has characters, before the text is
+// elided: each move inserts a separator.
+constexpr qsizetype mostHyphenMoves = 1024;
 
-// How often a hyphen is moved to yet another line, up to a limit, before the text is cut there.
-constexpr qsizetype usualHyphenMoves = 64;
-
-// All that a wrap depends on, apart from how many lines are left. The text only ever grows: with as
-// many characters inserted it is the same.
-struct WrapState
-{
-    qsizetype inserted;
-    qsizetype lineStart;
-    qsizetype wordStart;
-    qsizetype previousWordStart;
-
-    bool operator==(const WrapState &) const = default;
-};
-
-size_t qHash(const WrapState &state, size_t seed)
-{
-    return qHashMulti(seed, state.inserted, state.lineStart, state.wordStart,
-                      state.previousWordStart);
-}
-
-// A separator at which the text may break, and the line and the word that end with it.
+// A separator at which a line may end, and the line and the word that end with it.
 struct Candidate
 {
     qsizetype lineStart;
@@ -56,41 +32,136 @@ struct Candidate
     qsizetype separator;
     bool endsParagraph;
 
-    bool isWordSeparatorOnly() const { return wordStart == separator; }
+    bool isSeparatorOnly() const { return wordStart == separator; }
     bool isLineOneWord() const { return lineStart == wordStart; }
     qsizetype end() const { return separator + 1; }
     qsizetype wordSize() const { return end() - wordStart; }
 };
 
-// One run over one text. The break candidates are taken one after the other; at each, the word
-// before it is accepted if the line up to it fits, and else split, or moved to the next line, where
-// it is looked at again. Of the text only as much is looked at as is shown.
+// The source with the line breaks that were inserted, up to the last one of them.
+class BrokenLines
+{
+public:
+    explicit BrokenLines(const SourceText &source)
+        : m_source(source)
+    {
+    }
+
+    // Inserts characters before a position of the source, which is not before that of the last insertion.
+    void insert(qsizetype position, const QString &characters);
+
+    // The position in the source of the last insertion; -1 before the first one.
+    qsizetype lastInsertion() const { return m_lastInsertion; }
+    // The number of inserted characters.
+    qsizetype inserted() const { return m_inserted; }
+
+    QString withoutSpace() const;
+    // Ends with an ellipsis in the place of the character at a position of the source, or of the inserted
+    // one before it. Spaces and punctuation before the ellipsis are removed.
+    QString elidedAt(qsizetype position) const;
+
+private:
+    const SourceText &m_source;
+    QString m_text;
+    qsizetype m_lastInsertion = -1;
+    qsizetype m_inserted = 0;
+};
+
+void BrokenLines::insert(qsizetype position, const QString &characters)
+{
+    const qsizetype from = std::max<qsizetype>(0, m_lastInsertion);
+    m_text += m_source.range(from, position) + characters;
+    m_lastInsertion = position;
+    m_inserted += characters.size();
+}
+
+QString BrokenLines::withoutSpace() const
+{
+    if (m_lastInsertion < 0)
+        return m_source.withoutSpace();
+    QString text = m_text + m_source.range(m_lastInsertion, m_source.size());
+    text.chop(1);
+    return text;
+}
+
+QString BrokenLines::elidedAt(qsizetype position) const
+{
+    if (position + m_inserted < 0)
+        return {};
+    const qsizetype from = std::max<qsizetype>(0, m_lastInsertion);
+    QString text =
+        m_text + m_source.range(from, std::max(from, std::min(position, m_source.size())));
+    text.truncate(position + m_inserted);
+    if (position <= m_source.size())
+        text += ellipsis;
+    const auto isTrimmed = [](QChar c) { return c.isSpace() || c.isPunct(); };
+    for (qsizetype i = text.size() - 2; i >= 0 && isTrimmed(text.at(i)); --i)
+        text.remove(i, 1);
+    return text;
+}
+
+// Notices a pass that goes round in a circle: a word that fits on no line wraps again and again.
+class WrapGuard
+{
+public:
+    // All that a wrap depends on, except the number of lines.
+    struct State
+    {
+        qsizetype inserted;
+        qsizetype lineStart;
+        qsizetype wordStart;
+        qsizetype previousWordStart;
+
+        bool operator==(const State &) const = default;
+    };
+
+    // Returns the number of lines since the same state; nothing if the state is new.
+    std::optional<int> linesSince(const State &state, int lineCount);
+
+private:
+    QHash<State, int> m_lineCounts;
+};
+
+size_t qHash(const WrapGuard::State &state, size_t seed)
+{
+    return qHashMulti(seed, state.inserted, state.lineStart, state.wordStart,
+                      state.previousWordStart);
+}
+
+std::optional<int> WrapGuard::linesSince(const State &state, int lineCount)
+{
+    const auto seen = m_lineCounts.constFind(state);
+    if (seen != m_lineCounts.cend())
+        return lineCount - *seen;
+    m_lineCounts.insert(state, lineCount);
+    return std::nullopt;
+}
+
+// One pass over one text. It takes the candidates one after the other. At each it accepts the word if the
+// line up to it fits; otherwise it splits the word, or wraps it and takes it again on the next line.
+//
+// Positions are those of the source: a line never contains what was inserted.
 class LineBreaker
 {
 public:
-    LineBreaker(const QString &text, const QFont &font, const LineLimits &limits,
+    LineBreaker(const SourceText &source, const QFont &font, const LineLimits &limits,
                 TextMeasure::Method method);
 
     BrokenText run();
-    bool isRulerWrong() const { return m_measure.isRulerWrong(); }
+    bool isReadWrong() { return m_measure.isReadWrong(); }
 
 private:
     bool isLimited() const { return m_limits.maxLineCount > 0; }
     bool nextCandidate();
-    bool loadText();
-    void loadUpTo(qsizetype position);
-    bool isWiderThanLimit() const;
     bool fits();
     bool maySplit() const;
 
     void acceptWord();
     bool splitWord();
     void wrapWord();
-    void skipCycles(int linesPerCycle);
     void breakAfterSeparator();
     void moveHyphenToNextLine();
     void elide();
-    void trimBeforeEllipsis();
 
     int hyphenationPoint();
     bool mayForceSplit();
@@ -98,44 +169,39 @@ private:
     bool isWordAfterHyphen() const;
     bool countLine();
     void startLine(qsizetype start);
-    void insert(qsizetype position, const QString &characters);
     qsizetype characterStart(qsizetype position) const;
-    QString range(qsizetype from, qsizetype to) const;
+    QString shownText() const;
+    std::optional<int> wholeFineWidth() const;
 
+    const SourceText &m_source;
     const LineLimits m_limits;
-    const QString m_source;
     TextMeasure m_measure;
+    BrokenLines m_lines;
 
-    QString m_text;         // what was looked at, with the breaks, and in the end a space behind it
-    qsizetype m_loaded = 0; // characters of the source, and the space
-    qsizetype m_inserted = 0;
     int m_lineCount = 0;
     qsizetype m_lineStart = 0;
     qsizetype m_wordStart = 0;
     qsizetype m_previousWordStart = 0; // of the last word that fitted
 
-    Candidate m_candidate = {};
-    qsizetype m_knownSeparator = -1; // of the rest of a word that was split
-    qsizetype m_break = 0;           // the separator behind which a new line may begin
+    Candidate m_candidate = {
+        .lineStart = 0, .wordStart = 0, .separator = -1, .endsParagraph = false};
+    qsizetype m_break = 0; // a new line may begin behind this position
     bool m_elided = false;
+    std::optional<qsizetype> m_cut; // where the ellipsis stands; nothing if the line cannot hold it
 
-    QHash<WrapState, int> m_lineCountAtWrap;
+    WrapGuard m_wraps;
+    qsizetype m_movedHyphen = -1;
     qsizetype m_hyphenMoves = 0;
-    qsizetype m_movedHyphen = -1;      // where it is in the source
-    qsizetype m_wordWithoutPoint = -1; // where it ends there; no part of it has one
+    qsizetype m_wordWithoutPoint = -1; // the end of a word of which no rest can be hyphenated
 };
 
-LineBreaker::LineBreaker(const QString &text, const QFont &font, const LineLimits &limits,
+LineBreaker::LineBreaker(const SourceText &source, const QFont &font, const LineLimits &limits,
                          TextMeasure::Method method)
-    : m_limits(limits)
-    , m_source(text)
-    , m_measure(font, limits.width, limits.maxLineCount, method)
+    : m_source(source)
+    , m_limits(limits)
+    , m_measure(source, font, limits.width, limits.maxLineCount, method)
+    , m_lines(source)
 {
-    // A break inserts a separator and at most one hyphen. Few texts are shown of which more than the first
-    // piece is looked at.
-    const qsizetype shown = std::min(text.size(), shortestLoad) + 1;
-    const qsizetype breaks = std::clamp<qsizetype>(limits.maxLineCount, 1, shown) - 1;
-    m_text.reserve(shown + 2 * breaks);
 }
 
 BrokenText LineBreaker::run()
@@ -147,68 +213,40 @@ BrokenText LineBreaker::run()
             wrapWord();
         }
     }
-    if (m_elided)
-        trimBeforeEllipsis();
-    else
-        m_text.chop(1);
-    return {.text = m_text, .elided = m_elided, .widerThanLimit = isWiderThanLimit()};
+    return {.text = shownText(), .elided = m_elided, .fineWidth = wholeFineWidth()};
 }
 
+QString LineBreaker::shownText() const
+{
+    if (!m_elided)
+        return m_lines.withoutSpace();
+    return m_cut ? m_lines.elidedAt(*m_cut) : QString();
+}
+
+// A word that was split or wrapped keeps its separator.
 bool LineBreaker::nextCandidate()
 {
-    qsizetype separator = std::exchange(m_knownSeparator, -1);
-    while (separator == -1) {
-        separator = wordBreak(m_text, m_wordStart);
-        if (separator == -1 && !loadText())
-            return false;
-    }
-
+    if (m_wordStart >= m_source.size())
+        return false;
+    const bool isKnown =
+        m_wordStart >= m_candidate.wordStart && m_wordStart <= m_candidate.separator;
+    const qsizetype separator =
+        isKnown ? m_candidate.separator : wordEnd(m_source.withoutSpace(), m_wordStart);
     m_break = separator;
     m_candidate = {.lineStart = m_lineStart,
                    .wordStart = m_wordStart,
                    .separator = separator,
-                   .endsParagraph = m_text.at(separator) == lineSeparator};
+                   .endsParagraph = m_source.at(separator) == lineSeparator};
     return true;
-}
-
-// Takes more of the source, and the space that ends its last word; returns whether there was any
-// left.
-bool LineBreaker::loadText()
-{
-    if (m_loaded > m_source.size())
-        return false;
-    const qsizetype size = std::max(shortestLoad, m_text.size());
-    m_text +=
-        QStringView(m_source).sliced(m_loaded).first(std::min(size, m_source.size() - m_loaded));
-    m_loaded += size;
-    if (m_loaded > m_source.size())
-        m_text += u' ';
-    return true;
-}
-
-// The text may end before that position, too.
-void LineBreaker::loadUpTo(qsizetype position)
-{
-    while (position >= m_text.size() && loadText()) {
-    }
-}
-
-bool LineBreaker::isWiderThanLimit() const
-{
-    const QStringView seen = QStringView(m_source).first(std::min(m_loaded, m_source.size()));
-    return m_measure.isWiderThanLine(seen, m_source.size());
 }
 
 bool LineBreaker::fits()
 {
-    // Fonts that kern letters with spaces are mostly those which a ruler reads wrong.
-    if (m_text.at(m_candidate.separator) == u' ')
-        m_measure.checkOnce(m_text, m_lineStart, m_candidate.separator);
-    return m_measure.decide(m_text, m_lineStart, m_candidate.separator,
+    return m_measure.decide(m_lineStart, m_candidate.separator,
                             [this](double advance) { return advance < m_limits.width; });
 }
 
-// A word that fills its line alone is split even without hyphenation: it fits nowhere.
+// A word that stands alone on its line is split even without hyphenation.
 bool LineBreaker::maySplit() const
 {
     return m_lineCount + 1 < m_limits.maxLineCount
@@ -232,31 +270,29 @@ bool LineBreaker::splitWord()
     const qsizetype splitPoint = characterStart(m_wordStart + kept);
     if (splitPoint <= m_wordStart)
         return false;
-
-    const QString lineEnd = hyphenated ? u"-\u2028"_s : u"\u2028"_s;
-    insert(splitPoint, lineEnd);
-    m_knownSeparator = m_candidate.separator + lineEnd.size();
-    startLine(splitPoint + lineEnd.size());
+    m_lines.insert(splitPoint, hyphenated ? u"-\u2028"_s : u"\u2028"_s);
+    startLine(splitPoint);
     ++m_lineCount;
     return true;
 }
 
 void LineBreaker::wrapWord()
 {
-    const WrapState state{m_inserted, m_lineStart, m_wordStart, m_previousWordStart};
-    const auto seen = m_lineCountAtWrap.constFind(state);
-    if (seen == m_lineCountAtWrap.cend()) {
-        m_lineCountAtWrap.insert(state, m_lineCount);
-    } else if (!isLimited()) {
+    const auto cycle = m_wraps.linesSince(
+        {m_lines.inserted(), m_lineStart, m_wordStart, m_previousWordStart}, m_lineCount);
+    if (cycle && !isLimited()) {
         acceptWord();
         return;
-    } else {
-        skipCycles(m_lineCount - *seen);
+    }
+    if (cycle) {
+        // The pass goes round until the line limit is near: only the last round is left to do.
+        const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
+        m_lineCount += linesLeft / *cycle * *cycle;
     }
 
     if (!countLine())
         return;
-    if (m_candidate.isWordSeparatorOnly()) {
+    if (m_candidate.isSeparatorOnly()) {
         startLine(m_previousWordStart);
     } else if (isWordAfterHyphen()) {
         moveHyphenToNextLine();
@@ -269,142 +305,99 @@ void LineBreaker::wrapWord()
     breakAfterSeparator();
 }
 
-// Wrapping has led back to where it was before that many lines, and does so until the limit is
-// near: only the last cycle is left to go through.
-void LineBreaker::skipCycles(int linesPerCycle)
-{
-    const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
-    m_lineCount += linesLeft / linesPerCycle * linesPerCycle;
-}
-
-// Ends the line where the word's own separator is a break that the user wanted.
+// Ends the line if the separator of the word is a line break of the text.
 void LineBreaker::breakAfterSeparator()
 {
     if (m_candidate.endsParagraph && countLine())
         m_lineStart = m_break + 1;
 }
 
-// Breaks the line in front of the hyphen, which begins the next one. A word for which that line is
-// too narrow as well comes back here, and does so until the limit: all its empty lines are made at once
-// then. Behind too many of them, or behind the first one where there is no limit, nothing is changed, and
-// wrapWord() sees that it is where it has been.
+// Breaks the line before the hyphen, so that the hyphen begins the next line. If its word does not fit on
+// that line either, the hyphen moves again, up to the line limit; these moves are made at once. After the
+// last move that is allowed nothing is changed, so that the guard in wrapWord() notices the next wrap.
 void LineBreaker::moveHyphenToNextLine()
 {
-    const qsizetype movedHyphen = m_wordStart - m_inserted;
-    if (m_movedHyphen != movedHyphen) {
-        m_movedHyphen = movedHyphen;
+    const qsizetype hyphenPosition = m_wordStart - 1;
+    if (m_movedHyphen != hyphenPosition) {
+        m_movedHyphen = hyphenPosition;
         m_hyphenMoves = 0;
     }
-    const qsizetype mostMoves = isLimited() ? std::max(usualHyphenMoves, m_source.size()) : 1;
+    const qsizetype mostMoves =
+        isLimited() ? std::max(mostHyphenMoves, m_source.withoutSpace().size()) : 1;
     const qsizetype movesLeft = mostMoves - m_hyphenMoves;
     if (movesLeft == 0)
         return;
 
-    qsizetype moves = 1;
-    const bool hyphenBeginsLine = m_lineStart == m_wordStart - 1;
-    if (isLimited() && hyphenBeginsLine)
-        moves = std::min<qsizetype>(movesLeft, m_limits.maxLineCount - m_lineCount);
-
+    const bool beginsLine = m_lineStart == hyphenPosition;
+    const qsizetype moves =
+        isLimited() && beginsLine
+            ? std::min<qsizetype>(movesLeft, m_limits.maxLineCount - m_lineCount)
+            : 1;
     m_hyphenMoves += moves;
     m_lineCount += static_cast<int>(moves - 1);
-    insert(m_wordStart - 1, QString(moves, lineSeparator));
-    m_wordStart += moves;
-    m_lineStart = m_wordStart - 1;
+    m_lines.insert(hyphenPosition, QString(moves, lineSeparator));
+    m_lineStart = hyphenPosition;
 }
 
+// The line that is measured is that of the candidate. The cut counts from the begin of the present line,
+// which is another one behind a wrapped word that ends a paragraph.
 void LineBreaker::elide()
 {
-    const QFontMetricsF &metrics = m_measure.metrics();
-    const QString line = range(m_candidate.lineStart, m_candidate.end());
-    const QString shown = metrics.elidedText(line, Qt::ElideRight, m_limits.width);
-    qsizetype cut = -1;
-    if (!shown.isEmpty()) {
-        // The line may begin behind the one whose length is taken here.
-        cut = m_lineStart + shown.size() - 1;
-        loadUpTo(cut);
-        if (metrics.horizontalAdvance(shown) > m_limits.width)
-            cut = characterStart(cut - 1);
-    }
-    if (cut >= 0)
-        m_text.replace(cut, 1, ellipsis);
-    m_text.truncate(cut + 1);
     m_elided = true;
-}
-
-void LineBreaker::trimBeforeEllipsis()
-{
-    const auto isTrimmed = [](QChar c) { return c.isSpace() || c.isPunct(); };
-    for (qsizetype i = m_text.size() - 2; i >= 0 && isTrimmed(m_text.at(i)); --i)
-        m_text.remove(i, 1);
+    const auto line = m_measure.elide(m_candidate.lineStart, m_candidate.end());
+    if (line.size == 0)
+        return;
+    const qsizetype cut = m_lineStart + line.size - (line.overflows ? 2 : 1);
+    m_cut =
+        cut < m_lineStart ? cut : characterStart(cut); // before the line stands what was inserted
 }
 
 int LineBreaker::hyphenationPoint()
 {
-    const qsizetype wordEndInSource = m_candidate.end() - m_inserted;
-    if (wordEndInSource == m_wordWithoutPoint)
+    if (m_candidate.end() == m_wordWithoutPoint)
         return -1;
-
     const double hyphenWidth = m_measure.metrics().horizontalAdvance(QChar(hyphen));
     const auto fits = [this, hyphenWidth](double advance) {
         return fineWidth(advance) + hyphenWidth < m_limits.width;
     };
-    const qsizetype mostKept = m_measure.mostPerLine();
-    bool isRejected = false;
-    // Also notes whether a point was seen that does not fit.
-    const auto fitsWithHyphen = [&](qsizetype kept) {
-        const bool accepted = m_measure.decide(m_text, m_lineStart, m_wordStart + kept, fits);
-        isRejected = !accepted && kept <= mostKept;
-        return accepted;
+    const auto prefixFits = [&](qsizetype kept) {
+        return kept <= m_candidate.wordSize()
+               && m_measure.decide(m_lineStart, m_wordStart + kept, fits);
     };
-
-    // The beginning of a word without an end tells its point, if there is one that does not fit.
-    const QString word = range(m_wordStart, m_candidate.end());
-    const QString head = word.left(mostKept + hyphenationReach);
-    int point = ovelin::hyphenationPoint(head, fitsWithHyphen);
-    if (!isRejected && head.size() < word.size())
-        point = ovelin::hyphenationPoint(word, fitsWithHyphen);
+    // The space behind the text is not needed here: no rule knows it.
+    const auto word = QStringView(m_source.withoutSpace()).mid(m_wordStart, m_candidate.wordSize());
+    const int point = ovelin::hyphenationPoint(word, prefixFits);
     if (point == -1)
-        m_wordWithoutPoint = wordEndInSource;
+        m_wordWithoutPoint = m_candidate.end();
     return point;
 }
 
 bool LineBreaker::mayForceSplit()
 {
     const auto fits = [this](double advance) { return fineWidth(advance) <= m_limits.width; };
-    return m_candidate.wordSize() >= shortestSplitWord
-           || !m_measure.decide(m_text, m_wordStart, m_candidate.end(), fits);
+    if (m_candidate.wordSize() >= shortestSplitWord)
+        return true;
+    return m_candidate.wordSize() > 1 && !m_measure.decide(m_wordStart, m_candidate.end(), fits);
 }
 
 qsizetype LineBreaker::forcedSplitPoint()
 {
-    const auto fitsWith = [this](qsizetype kept, double spare) {
-        return m_measure.decide(m_text, m_lineStart, m_wordStart + kept, [&](double advance) {
-            return fineWidth(advance + spare) < m_limits.width;
-        });
-    };
-    const qsizetype most = m_candidate.wordSize() - shortestRest;
+    const auto fits = [this](double advance) { return fineWidth(advance) < m_limits.width; };
+    const qsizetype most = m_candidate.wordSize() - fewestMoved;
     qsizetype kept = 0;
-    // Where a beginning fits with room to spare, each shorter one fits.
-    const qsizetype likely = std::min(most, m_measure.mostPerLine());
-    if (likely > 0 && m_measure.advancesGrow()) {
-        const double spare =
-            m_measure.mostShrinkage(QStringView(m_text).sliced(m_wordStart).first(likely));
-        for (auto step = qsizetype(std::bit_floor(size_t(likely))); step > 0; step /= 2) {
-            if (kept + step <= likely && fitsWith(kept + step, spare))
-                kept += step;
-        }
-    }
-    while (kept < most && fitsWith(kept + 1, 0))
+    while (kept < most && m_measure.decide(m_lineStart, m_wordStart + kept + 1, fits))
         ++kept;
     return kept;
 }
 
+// True if the source has the hyphen: a line break may have been inserted behind it.
 bool LineBreaker::isWordAfterHyphen() const
 {
-    return m_wordStart >= 1 && m_text.at(m_wordStart - 1) == hyphen;
+    return m_wordStart >= 1 && m_source.at(m_wordStart - 1) == hyphen
+           && m_lines.lastInsertion() != m_wordStart;
 }
 
-// Returns whether there is a next line; the text is elided on this one if not.
+// Returns false if there is no next line: the text is then elided on this one.
 bool LineBreaker::countLine()
 {
     ++m_lineCount;
@@ -419,36 +412,28 @@ void LineBreaker::startLine(qsizetype start)
     m_wordStart = start;
 }
 
-void LineBreaker::insert(qsizetype position, const QString &characters)
-{
-    m_text.insert(position, characters);
-    m_inserted += characters.size();
-    m_measure.textInserted(position + characters.size(), characters.size());
-}
-
-// Of two positions inside a surrogate pair, the one in front of it.
+// Returns the begin of a surrogate pair for the position inside it, and any other position as it is.
 qsizetype LineBreaker::characterStart(qsizetype position) const
 {
-    const bool isInsidePair = position > 0 && position < m_text.size()
-                              && m_text.at(position).isLowSurrogate()
-                              && m_text.at(position - 1).isHighSurrogate();
-    return isInsidePair ? position - 1 : position;
+    return m_source.isInsidePair(position) ? position - 1 : position;
 }
 
-QString LineBreaker::range(qsizetype from, qsizetype to) const
+std::optional<int> LineBreaker::wholeFineWidth() const
 {
-    return m_text.mid(from, to - from);
+    const auto advance = m_measure.wholeAdvance();
+    return advance ? std::optional(fineWidth(*advance)) : std::nullopt;
 }
 
 } // namespace
 
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits)
 {
-    LineBreaker breaker(text, font, limits, TextMeasure::Method::Ruler);
+    const SourceText source(text);
+    LineBreaker breaker(source, font, limits, TextMeasure::Method::Read);
     const BrokenText broken = breaker.run();
-    if (!breaker.isRulerWrong())
+    if (!breaker.isReadWrong())
         return broken;
-    return LineBreaker(text, font, limits, TextMeasure::Method::MeasureAll).run();
+    return LineBreaker(source, font, limits, TextMeasure::Method::MeasureAll).run();
 }
 
 } // namespace ovelin

@@ -3,16 +3,33 @@
 
 #include <QtCore/qstring.h>
 
+#include <optional>
+
 QT_BEGIN_NAMESPACE
 class QFont;
 QT_END_NAMESPACE
+
+// The terms of the text module:
+//
+// advance        The distance in pixels from the begin of a text to where the next glyph would stand.
+// fine width     The advance in whole pixels, rounded up, with two pixels of margin.
+// limit          The width in pixels that a line must stay below.
+// line limit     The number of lines that a text may have.
+// separator      A space, a line separator (U+2028), or a hyphen that no digit follows: a word ends with it.
+// candidate      A separator at which the line may end, with the word before it.
+// overflow       A line overflows if its advance, without its separator, is not below the limit.
+// wrap           To move a word that overflows to the next line.
+// split          To break a word, at a hyphenation point or, forced, between any two characters.
+// elide          To cut the text on its last line with an ellipsis.
+// shaped run     A part of the text for which Qt has chosen and placed the glyphs.
+// tolerance      How far an advance that was read from a shaped run may be off.
 
 namespace ovelin {
 
 struct LineLimits
 {
-    double width;     // a line exactly as wide does not fit
-    int maxLineCount; // 0 and below: no limit
+    double width;     // the limit
+    int maxLineCount; // the line limit; 0 and below: none
     bool hyphenationEnabled;
 };
 
@@ -20,12 +37,14 @@ struct BrokenText
 {
     QString text;
     bool elided;
-    bool widerThanLimit; // the whole text on one line is; it may be where this is false
+    // The fine width of the whole text, or, if that exceeds the limit, any that exceeds it; nothing if
+    // the layout did not come to know it.
+    std::optional<int> fineWidth;
 };
 
-// Breaks a text into lines: with line separators where Qt would not break it by itself at that
-// width, with a hyphen before a separator inside a word, and with an ellipsis at the end when the
-// line limit cuts it. The text is well-formed UTF-16.
+// Breaks a text into lines: inserts line separators where Qt would not break it by itself at that width,
+// a hyphen before a separator inside a word, and an ellipsis at the end if the line limit cuts it. The text
+// is well-formed UTF-16.
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits);
 
 } // namespace ovelin

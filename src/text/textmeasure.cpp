@@ -1,318 +1,294 @@
 #include "textmeasure_p.h"
 
+#include "hyphenation_p.h"
+
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace ovelin {
 
 namespace {
 
-// No character is wider than the first, the longest ligatures of sentences included, but for a tab, which
-// reaches up to the next of Qt's stops; and no text is wider than the second on average.
-constexpr double widestCharacterInEms = 16;
-constexpr double widestAverageInEms = 4;
-constexpr double tabStopDistance = 80;
-
-// Qt counts 64ths of pixels in an int: greater advances overflow.
+// Qt counts 64ths of a pixel in an int: greater advances overflow.
 constexpr double greatestAdvance = 1 << 25;
+// No text is wider on average, per character.
+constexpr double widestAverageInEms = 4;
 
-// What comes behind it is not measured: Qt takes it for a shorter form of the text.
+// Qt measures a text up to this control character only.
 constexpr char16_t endOfMeasuredText = u'\u009c';
-
-// The second halves of the pairs from REGIONAL INDICATOR SYMBOL LETTER A to Z.
-constexpr char16_t firstOfRegion = QChar::lowSurrogate(0x1f1e6);
-constexpr char16_t lastOfRegion = QChar::lowSurrogate(0x1f1ff);
 
 // Letters of most scripts are a little over half as wide as high.
 constexpr double usualCharacterInEms = 0.55;
 
-// In a line of narrow letters stand that many times as many as in one of usual ones, and some more.
-constexpr double narrowLetters = 2;
-constexpr qsizetype fewestPerLine = 64;
-constexpr double longestLine = 1 << 14;
+// Of lines without a limit, so many are shaped at once. Each run begins with the line in which the one
+// before it ended, so that shorter runs shape more characters twice.
+constexpr int usualLines = 16;
 
-// Shaping a longer stretch costs no less a character, and where the lines end sooner it is for
-// nothing.
-constexpr qsizetype longestUsualStretch = 256;
+// A run grows at least by half of its size, so that all runs that begin with one line cost no more than
+// three times the last one.
+constexpr double runGrowth = 1.5;
 
-// As many emoji of families, which end as one.
-constexpr double joinedCharactersInEms = 4;
+// Fonts are checked with at most so many characters.
+constexpr qsizetype longestCheck = 64;
 
-// Qt has longer texts shaped in pieces of so many characters, and these do not join.
-constexpr qsizetype longestShaped = 4096;
+// The elided part of a line is looked for by its last characters: so many before the one that overflows,
+// and so many behind it. An ellipsis is as wide as one to four of them.
+constexpr qsizetype charactersBeforeCut = 8;
+constexpr qsizetype charactersBehindCut = 4;
 
-// On a shorter line what is measured ahead saves nothing.
-constexpr qsizetype shortestLongLine = 64;
-constexpr qsizetype fewestAhead = 16;
+bool charactersTakeRoom(const QFont &font)
+{
+    return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
+}
 
-double characterWidth(const QFont &font, double ems)
+// At least a pixel: a font can have a size of 0.
+double widestAverage(const QFont &font)
 {
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    const double widest = std::max(ems * font.pixelSize(), tabStopDistance);
-    return widest * horizontalScale(font) + (percentage ? 0 : std::abs(font.letterSpacing()))
-           + std::abs(font.wordSpacing());
+    return std::max(1.0, widestAverageInEms * font.pixelSize() * horizontalScale(font))
+           + (percentage ? 0 : std::abs(font.letterSpacing())) + std::abs(font.wordSpacing());
 }
 
-// By how much a character may make a text narrower, in a font that sets them closer than they are wide.
-double characterShrinkage(const QFont &font)
+qsizetype usualLine(const QFont &font, double lineWidth, qsizetype textSize)
 {
-    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    const double letterShrinkage = percentage && font.letterSpacing() < 0
-                                       ? characterWidth(font, widestCharacterInEms)
-                                       : std::max(0.0, -font.letterSpacing());
-    return letterShrinkage + std::max(0.0, -font.wordSpacing());
+    const double size = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
+    return static_cast<qsizetype>(std::min(size, double(textSize)));
 }
 
-double usualPerLine(const QFont &font, double lineWidth)
+// With a quarter of a line more, for narrow letters and for the word that overflows.
+qsizetype usualRun(qsizetype usualLine, int maxLineCount)
 {
-    return std::min(lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize())), longestLine);
+    const bool isLimited = maxLineCount >= 1 && maxLineCount < usualLines;
+    return usualLine * (isLimited ? maxLineCount : usualLines) + usualLine / 4 + 1;
 }
 
-qsizetype stretchLength(const QFont &font, double lineWidth, int maxLineCount)
+// QFontMetricsF::elidedText() keeps these from what it cuts away, except the last one: what stands behind
+// that is a shorter form of the text, which it may show instead.
+bool isKeptWhenElided(QChar c)
 {
-    if (maxLineCount < 1)
-        return longestUsualStretch;
-    return static_cast<qsizetype>(
-        std::min<double>(usualPerLine(font, lineWidth) * maxLineCount, longestUsualStretch));
-}
-
-char32_t characterAt(QStringView text, qsizetype position)
-{
-    const QChar c = text.at(position);
-    const bool isPair = c.isHighSurrogate() && position + 1 < text.size();
-    return isPair ? QChar::surrogateToUcs4(c, text.at(position + 1)) : c.unicode();
-}
-
-bool hasScript(char32_t c)
-{
-    return QChar::script(c) > QChar::Script_Common;
-}
-
-bool isLetter(char32_t c)
-{
-    return hasScript(c) && !QChar::isMark(c);
-}
-
-// Returns the end, if there is none.
-qsizetype find(QStringView text, qsizetype from, qsizetype to, bool (*is)(char32_t))
-{
-    while (from < to && !is(characterAt(text, from)))
-        ++from;
-    return from;
-}
-
-// A letter behind such signs may turn them around, into wider or narrower ones. The brackets below are as
-// wide as their counterparts.
-bool mayTurnAround(QStringView text)
-{
-    return std::ranges::any_of(text, [](QChar c) { return c >= u'\u2200' && c.hasMirrored(); });
-}
-
-// The end of a text that holds such characters may be another one by itself: a tab reaches up to a stop,
-// controls of the direction act on all behind them, two signs of regions make a flag, and what is behind the
-// end of the measured text has not been measured.
-bool dependsOnBeginning(QChar c)
-{
-    const auto isBetween = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
-    return c == u'\t' || c == endOfMeasuredText || isBetween(u'\u202a', u'\u202e')
-           || isBetween(u'\u2066', u'\u2069') || isBetween(firstOfRegion, lastOfRegion);
-}
-
-// Up to where a longer text tells of the beginning that ends there: signs before the first letter are
-// shaped as that letter asks for.
-qsizetype endOfSameShape(QStringView text, qsizetype from, qsizetype to, qsizetype end)
-{
-    return find(text, from, to, hasScript) < to ? end : find(text, to, end, hasScript);
+    return (c >= u'\u200b' && c <= u'\u200f') || (c >= u'\u202a' && c <= u'\u202e')
+           || (c >= u'\u2060' && c <= u'\u206f') || c == u'\u061c' || c == endOfMeasuredText;
 }
 
 } // namespace
 
-TextMeasure::TextMeasure(const QFont &font, double lineWidth, int maxLineCount, Method method)
-    : m_metrics(font)
+QChar SourceText::at(qsizetype position) const
+{
+    return position < m_text.size() ? m_text.at(position) : u' ';
+}
+
+QString SourceText::range(qsizetype from, qsizetype to) const
+{
+    QString characters = m_text.mid(from, to - from);
+    if (to > m_text.size())
+        characters += u' ';
+    return characters;
+}
+
+bool SourceText::isInsidePair(qsizetype position) const
+{
+    return at(position).isLowSurrogate();
+}
+
+TextMeasure::TextMeasure(const SourceText &text, const QFont &font, double lineWidth,
+                         int maxLineCount, Method method)
+    : m_text(text)
+    , m_font(font)
+    , m_metrics(font)
     , m_lineWidth(lineWidth)
-    , m_widestCharacter(characterWidth(font, widestCharacterInEms))
-    , m_mostInText(
-          static_cast<qsizetype>(greatestAdvance / characterWidth(font, widestAverageInEms)))
-    , m_characterShrinkage(characterShrinkage(font))
-    , m_tolerance(TextRuler::tolerance(font))
-    , m_joinedCharacters(joinedCharactersInEms
-                         * (font.pixelSize() * horizontalScale(font) + m_characterShrinkage))
-    , m_mostPerLine(static_cast<qsizetype>(narrowLetters * usualPerLine(font, lineWidth))
-                    + fewestPerLine)
-    , m_stretchLength(stretchLength(font, lineWidth, maxLineCount))
-    , m_ruler(font)
-    , m_usesRuler(method == Method::Ruler && TextRuler::canRead(font))
+    , m_tolerances(font)
+    , m_charactersTakeRoom(charactersTakeRoom(font))
+    , m_longestRun(method == Method::MeasureAll
+                       ? 0
+                       : static_cast<qsizetype>(
+                             std::min(greatestAdvance / widestAverage(font), double(text.size()))))
+    , m_usualRun(usualRun(usualLine(font, lineWidth, text.size()), maxLineCount))
 {
 }
 
-double TextMeasure::mostShrinkage(QStringView text) const
+bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
 {
-    return TextRuler::canRead(text) ? m_tolerance : m_joinedCharacters;
-}
-
-bool TextMeasure::decide(const QString &text, qsizetype from, qsizetype to, Fits fits)
-{
-    to = std::max(from, to);
-    if (fits(double(to - from) * m_widestCharacter) || isKnownToFit(from, to, fits))
-        return true;
-
-    // Of what is much longer than a line, as a word without an end, the beginning is enough: what
-    // follows does not make it narrower, or, where letters join that cannot be read, by no whole line.
-    if (advancesGrow()) {
-        for (qsizetype seen = m_mostPerLine; seen < to - from; seen *= 2) {
-            const auto reading = read(text, from, from + seen);
-            const double least =
-                reading ? *reading - m_tolerance : measure(text, from, from + seen) - m_lineWidth;
-            if (!fits(least))
-                return false;
-        }
+    if (to <= from)
+        return fits(0);
+    while (!m_run.covers(from, to)) {
+        const bool readsPrefix = m_charactersTakeRoom && m_run.covers(from, from + 1);
+        if (readsPrefix && !fits(m_run.leastAdvanceOfLonger(from)))
+            return false;
+        if (!shape(from, nextRunSize(from, to)))
+            return fits(measure(from, to));
     }
 
-    const auto reading = read(text, from, to);
-    const auto decides = [&](double tolerance) {
-        return fits(*reading - tolerance) == fits(*reading + tolerance);
+    const auto decides = [&](const Reading &reading) {
+        return fits(reading.advance - reading.tolerance)
+               == fits(reading.advance + reading.tolerance);
     };
-    if (reading && (decides(m_tolerance) || decides(m_ruler.tolerance(text, from, to))))
-        return fits(*reading);
-    if (!reading && to - from >= shortestLongLine)
-        return decideLongLine(text, from, to, fits);
-    return fits(measureToo(text, from, to, reading));
+    const Reading reading = m_run.read(from, to);
+    if (decides(reading) || decides(m_run.readClosely(from, to, m_metrics)))
+        return fits(reading.advance);
+    return fits(measureAndCompare(from, to));
 }
 
-void TextMeasure::textInserted(qsizetype before, qsizetype size)
+// Makes a run that begins there. Returns false if none reads more than the present one.
+bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
-    m_ruler.textInserted(before, size);
-    m_ahead = {};
-    const qsizetype position = before - size;
-    if (m_rest && position >= m_rest->from && position < m_rest->to)
-        m_rest->to += size;
-    else
-        m_rest.reset();
+    const QStringView rest = QStringView(m_text.withoutSpace()).sliced(from);
+    QStringView characters = rest.first(std::min({size, m_longestRun, rest.size()}));
+    const qsizetype measured = characters.indexOf(endOfMeasuredText);
+    if (measured >= 0)
+        characters.truncate(measured);
+    if (!characters.isEmpty() && m_text.isInsidePair(from + characters.size()))
+        characters.chop(1);
+    const bool readsMore = !characters.isEmpty() && !m_run.covers(from, from + characters.size());
+    if (readsMore) {
+        m_run = ShapedRun(characters.toString(), from, m_font, m_tolerances);
+        noteWholeAdvance();
+    }
+    return readsMore;
 }
 
-void TextMeasure::checkOnce(const QString &text, qsizetype from, qsizetype to)
+// A text in which characters may take room away has to be known up to the end of the range.
+qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
 {
-    if (m_rulerIsChecked || !m_usesRuler || from >= to)
+    const bool isSameLine = m_run.begin() == from;
+    const auto grown =
+        isSameLine ? static_cast<qsizetype>(double(m_run.end() - from) * runGrowth) + 1 : 0;
+    return std::max({grown, m_usualRun, m_charactersTakeRoom ? 1 : to - from});
+}
+
+void TextMeasure::noteWholeAdvance()
+{
+    const qsizetype size = m_text.withoutSpace().size();
+    const bool isKnown = m_run.begin() > 0 || size > m_longestRun;
+    if (isKnown)
         return;
-    // With the neighbour behind it, which must be known for what it does. It need not be of the text.
-    static_cast<void>(m_ruler.advance(text, from, to + 1, m_stretchLength));
-    if (const auto reading = read(text, from, to)) {
-        measureToo(text, from, to, reading);
-        m_rulerIsChecked = true;
+    if (m_run.end() == size) {
+        m_wholeAdvance = m_run.read(0, size).advance;
+    } else if (m_charactersTakeRoom) {
+        const double least = m_run.leastAdvanceOfLonger(0);
+        if (least > m_lineWidth)
+            m_wholeAdvance = least;
     }
 }
 
-// What else is in the text makes it no narrower, but for the two ends of the range, which have
-// other neighbours in it.
-bool TextMeasure::isWiderThanLine(QStringView seen, qsizetype size) const
+double TextMeasure::measure(qsizetype from, qsizetype to) const
 {
-    return m_usesRuler && advancesGrow() && m_widestRange > m_lineWidth + m_tolerance
-           && size <= m_mostInText && !seen.contains(endOfMeasuredText) && !mayTurnAround(seen);
+    return m_metrics.horizontalAdvance(m_text.range(from, to));
 }
 
-bool TextMeasure::decideLongLine(const QString &text, qsizetype from, qsizetype to, Fits fits)
+double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
 {
-    if (isKnownNotToFit(text, from, to, fits))
-        return false;
-    if (fitsWithMore(text, from, to, fits))
-        return true;
-    const double advance = measure(text, from, to);
-    noteRest(text, from, to, advance);
-    return fits(advance);
+    const Reading reading = m_run.readClosely(from, to, m_metrics);
+    const double advance = measure(from, to);
+    if (std::abs(advance - reading.advance) > reading.tolerance)
+        m_isReadWrong = true;
+    if (m_text.at(to) == u' ' && to < m_run.end())
+        m_isChecked = true;
+    return advance;
 }
 
-// From what was measured ahead, with room to spare for what makes a beginning wider than all of it.
-bool TextMeasure::isKnownToFit(qsizetype from, qsizetype to, Fits fits) const
+// Fonts for which the tolerances are too small mostly kern letters with spaces: the run has to have the
+// space behind the range.
+bool TextMeasure::isReadWrong()
 {
-    if (from != m_ahead.from || to > m_ahead.to)
-        return false;
-    const double shrinkage = m_joinedCharacters + double(m_ahead.to - to) * m_characterShrinkage;
-    return fits(m_ahead.advance + shrinkage);
-}
-
-// Of a long line twice as much is measured as is asked for, and less and less ahead where that is too
-// much, so that the measurements are few however many words stand on it; and no more than can be without
-// an overflow.
-bool TextMeasure::fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits)
-{
-    if (from != m_ahead.from)
-        m_ahead = {.from = from, .to = from, .mostMore = std::numeric_limits<qsizetype>::max()};
-    while (!isKnownToFit(from, to, fits)) {
-        const auto unknown = double(std::max<qsizetype>(0, to - m_ahead.to));
-        const auto room = static_cast<qsizetype>(
-            (greatestAdvance - m_ahead.advance) / m_widestCharacter - unknown);
-        const qsizetype more = std::min({m_ahead.mostMore, to - from, text.size() - to, room});
-        if (more < fewestAhead)
-            return false;
-        const qsizetype end = endOfSameShape(text, from, to, to + more);
-        const QString seen = text.sliced(from, end - from);
-        if (mayTurnAround(seen))
-            return false;
-        m_ahead.to = end;
-        m_ahead.advance = m_metrics.horizontalAdvance(seen);
-        if (!isKnownToFit(from, to, fits))
-            m_ahead.mostMore = more / 2;
+    const QStringView text = m_text.withoutSpace();
+    qsizetype space = text.indexOf(u' ', m_run.begin() + 1);
+    if (space < 0)
+        space = text.lastIndexOf(u' ');
+    const qsizetype from =
+        std::max(space - longestCheck, space > m_run.begin() ? m_run.begin() : 0);
+    const bool canBeChecked = space > from && space - from < m_longestRun;
+    if (!m_isChecked && canBeChecked) {
+        if (!m_run.covers(from, space + 1))
+            m_run = ShapedRun(m_text.range(from, space + 1), from, m_font, m_tolerances);
+        measureAndCompare(from, space);
     }
-    return true;
+    return m_isReadWrong;
 }
 
-// Of a word without an end, what was left for one line tells of what is left for the next ones, until that
-// is little. Signs in front of its first letter are not counted where they had a letter in front of them:
-// they are shaped as that one asks for.
-bool TextMeasure::isKnownNotToFit(QStringView text, qsizetype from, qsizetype to, Fits fits) const
+TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
 {
-    if (!m_rest || from < m_rest->from || to != m_rest->to)
-        return false;
-    if (text.sliced(from, to - from).isRightToLeft() != m_rest->isRightToLeft)
-        return false;
-    const qsizetype same = from <= m_rest->firstOfScript ? from : find(text, from, to, isLetter);
-    const double mostGone =
-        double(same - m_rest->from) * (m_widestCharacter + m_characterShrinkage);
-    const qsizetype pieces = (to - m_rest->from) / longestShaped + 1;
-    return !fits(m_rest->advance - mostGone - double(pieces) * m_joinedCharacters);
-}
-
-// Only what ends farther than what was noted: the beginnings of its lines are measured, too.
-void TextMeasure::noteRest(QStringView text, qsizetype from, qsizetype to, double advance)
-{
-    const QStringView rest = text.sliced(from, to - from);
-    if (advancesGrow() || (m_rest && to < m_rest->to)
-        || std::ranges::any_of(rest, dependsOnBeginning)) {
-        return;
+    const QStringView line = QStringView(m_text.withoutSpace()).mid(from, to - from);
+    qsizetype end = to;
+    if (m_longestRun > 0 && std::ranges::none_of(line, isKeptWhenElided)) {
+        if (const auto elided = elideByReading(from, to))
+            return *elided;
+        if (m_run.covers(from, from + 1))
+            end = endOfWhatIsElided(from, to);
     }
-    m_rest = {.from = from,
-              .to = to,
-              .firstOfScript = find(text, from, to, hasScript),
-              .isRightToLeft = rest.isRightToLeft(),
-              .advance = advance};
+    const QString characters = m_text.range(from, end);
+    const QString shown = m_metrics.elidedText(characters, Qt::ElideRight, m_lineWidth);
+    return {.size = shown.size(),
+            .overflows = !shown.isEmpty() && m_metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
-std::optional<double> TextMeasure::read(const QString &text, qsizetype from, qsizetype to)
+// What is farther behind the end of the line than two joined ends is cut away and changes nothing before
+// it.
+qsizetype TextMeasure::endOfWhatIsElided(qsizetype from, qsizetype to)
 {
-    if (!m_usesRuler)
+    if (!m_charactersTakeRoom)
+        return to;
+    do {
+        const double least = m_run.leastAdvanceOfLonger(from);
+        if (m_run.end() < to && least > m_lineWidth + 2 * m_tolerances.joinedEnd
+            && m_run.isExact(from, m_run.end(), m_metrics)) {
+            return m_run.end();
+        }
+    } while (m_run.end() < to && shape(from, nextRunSize(from, to)));
+    return to;
+}
+
+// Looks for the cut in the last characters that fit, where the readings of the line's prefixes are exact.
+std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype from, qsizetype to)
+{
+    const bool isExact = m_run.covers(from, from + 1)
+                         && (m_run.begin() == from || m_run.hasOwnAdvance(from, m_metrics));
+    if (!isExact) {
+        m_run = ShapedRun();
+        if (!shape(from, std::min(to - from, nextRunSize(from, to))))
+            return std::nullopt;
+    }
+    const auto overflow = overflowByReading(from, to);
+    if (!overflow || m_font.capitalization() != QFont::MixedCase)
         return std::nullopt;
-    const auto reading = m_ruler.advance(text, from, to, m_stretchLength);
-    if (reading)
-        m_widestRange = std::max(m_widestRange, *reading - m_tolerance);
-    return reading;
+    qsizetype first = std::max(from, *overflow - charactersBeforeCut);
+    while (first > from && !m_run.hasOwnAdvance(first, m_metrics))
+        --first;
+    const qsizetype last = std::min({to, m_run.end(), *overflow + 1 + charactersBehindCut});
+    if (!m_run.isSideBySide(first, last) || !m_run.isExact(from, last, m_metrics))
+        return std::nullopt;
+
+    const double before = first > from ? m_run.read(from, first).advance : 0;
+    const QString tail = m_text.range(first, last);
+    const QString shown = m_metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
+    const qsizetype kept = shown.size() - 1;
+    if (kept < 1 || kept > tail.size() - 2 || shown.back() != ellipsis)
+        return std::nullopt;
+    return ElidedLine{.size = first - from + shown.size(),
+                      .overflows = before + m_metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
-double TextMeasure::measure(const QString &text, qsizetype from, qsizetype to)
+// Returns the position of the first character with which the line is not below the limit; nothing if the
+// whole line may fit, or if a character before it has a negative advance.
+std::optional<qsizetype> TextMeasure::overflowByReading(qsizetype from, qsizetype to) const
 {
-    const double advance = m_metrics.horizontalAdvance(text.mid(from, to - from));
-    m_widestRange = std::max(m_widestRange, advance);
-    return advance;
-}
-
-// Measures what was read, if it could be, to see whether the ruler is right.
-double TextMeasure::measureToo(const QString &text, qsizetype from, qsizetype to,
-                               std::optional<double> reading)
-{
-    const double advance = measure(text, from, to);
-    if (reading && std::abs(advance - *reading) > m_ruler.tolerance(text, from, to))
-        m_rulerIsWrong = true;
-    return advance;
+    const qsizetype end = std::min(to, m_run.end());
+    const Reading reading = m_run.read(from, end);
+    double least = reading.advance - reading.tolerance;
+    if (end < std::min(to, m_text.withoutSpace().size()))
+        least = m_charactersTakeRoom ? m_run.leastAdvanceOfLonger(from) : 0;
+    else if (end < to)
+        least -= m_tolerances.kernedEnd; // with the space behind the text
+    if (least <= m_lineWidth)
+        return std::nullopt;
+    qsizetype position = from;
+    double before = 0;
+    for (double next = before; next < m_lineWidth; ++position) {
+        before = next;
+        next = m_run.read(from, position + 1).advance;
+        if (next < before)
+            return std::nullopt;
+    }
+    return position - 1;
 }
 
 } // namespace ovelin

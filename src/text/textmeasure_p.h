@@ -1,100 +1,99 @@
 #ifndef OVELIN_TEXTMEASURE_P_H
 #define OVELIN_TEXTMEASURE_P_H
 
-#include "textruler_p.h"
+#include "shapedrun_p.h"
 
 #include <QtCore/qxpfunctional.h>
+#include <QtGui/qfont.h>
 #include <QtGui/qfontmetrics.h>
 
 #include <optional>
 
 namespace ovelin {
 
-// Decides whether ranges of a text fit on a line, and measures few of them.
+// The source text of a layout: well-formed UTF-16. One space that ends the last word stands behind it.
+class SourceText
+{
+public:
+    explicit SourceText(const QString &text)
+        : m_text(text)
+    {
+    }
+
+    const QString &withoutSpace() const { return m_text; }
+    qsizetype size() const { return m_text.size() + 1; }
+    QChar at(qsizetype position) const;
+    QString range(qsizetype from, qsizetype to) const;
+
+    // True if the position lies between the two halves of a surrogate pair.
+    bool isInsidePair(qsizetype position) const;
+
+private:
+    const QString m_text;
+};
+
+// Decides whether ranges of a text fit on a line.
 //
-// Most ranges are so much shorter or longer than the line that counting their characters, or
-// reading them from a ruler, tells. What is left is measured, and every measurement checks the
-// ruler: should it read this font wrong, nothing that was decided by it holds.
+// The rule: a part of the text is shaped once, and the advance of the range is read from that run. If the
+// answer is the same for all advances within the tolerance of the reading, it is decided. If not, the range
+// is measured by itself.
+//
+// A font for which the tolerances are too small shows when ranges are measured, because each measurement is
+// compared with the reading. Then the readings decided nothing: the text is laid out anew by measuring.
 class TextMeasure
 {
 public:
-    enum class Method { Ruler, MeasureAll };
+    enum class Method { Read, MeasureAll };
     using Fits = qxp::function_ref<bool(double advance) const>;
 
-    TextMeasure(const QFont &font, double lineWidth, int maxLineCount, Method method);
+    TextMeasure(const SourceText &text, const QFont &font, double lineWidth, int maxLineCount,
+                Method method);
 
     const QFontMetricsF &metrics() const { return m_metrics; }
 
-    // More characters hardly ever stand on a line.
-    qsizetype mostPerLine() const { return m_mostPerLine; }
+    // Returns what `fits` says of the advance of the characters from `from` up to but not including `to`.
+    // It says true of all advances up to one of them, and false of all greater ones.
+    bool decide(qsizetype from, qsizetype to, Fits fits);
 
-    // Whether each character takes room, but where it joins others.
-    bool advancesGrow() const { return m_characterShrinkage <= 0; }
+    // What QFontMetricsF::elidedText() shows of a line.
+    struct ElidedLine
+    {
+        qsizetype size; // in characters, the ellipsis included; 0 if not even the ellipsis fits
+        bool overflows; // true if the ellipsis makes it wider than the line
+    };
+    ElidedLine elide(qsizetype from, qsizetype to);
 
-    // By how much a beginning of that text may be wider than a longer one nevertheless.
-    double mostShrinkage(QStringView text) const;
+    // Compares a reading with a measurement, unless that has been done. True if one has ever differed by
+    // more than the tolerance.
+    bool isReadWrong();
 
-    // Returns what `fits` says of the advance of the characters from `from` up to but not including
-    // `to`; it says the same of every advance up to some limit.
-    bool decide(const QString &text, qsizetype from, qsizetype to, Fits fits);
-
-    void textInserted(qsizetype before, qsizetype size);
-
-    // Checks the ruler by a range, unless that has been done or it cannot read that one.
-    void checkOnce(const QString &text, qsizetype from, qsizetype to);
-    bool isRulerWrong() const { return m_rulerIsWrong; }
-
-    // Returns whether a range was found with which the whole text, of that size, is wider than the line;
-    // `seen` is its beginning that holds the ranges.
-    bool isWiderThanLine(QStringView seen, qsizetype size) const;
+    // Returns the advance of the whole text, or a lesser one that is greater than the line's width already;
+    // nothing if the runs did not tell.
+    std::optional<double> wholeAdvance() const { return m_wholeAdvance; }
 
 private:
-    // What was measured last to know of all of its beginnings.
-    struct Ahead
-    {
-        qsizetype from = -1;
-        qsizetype to = -1;
-        double advance = 0;
-        qsizetype mostMore = 0; // characters than asked for, the next time
-    };
+    bool shape(qsizetype from, qsizetype size);
+    qsizetype nextRunSize(qsizetype from, qsizetype to) const;
+    void noteWholeAdvance();
+    double measure(qsizetype from, qsizetype to) const;
+    double measureAndCompare(qsizetype from, qsizetype to);
+    qsizetype endOfWhatIsElided(qsizetype from, qsizetype to);
+    std::optional<ElidedLine> elideByReading(qsizetype from, qsizetype to);
+    std::optional<qsizetype> overflowByReading(qsizetype from, qsizetype to) const;
 
-    // What was measured last to know of all of its ends.
-    struct Rest
-    {
-        qsizetype from;
-        qsizetype to;
-        qsizetype firstOfScript; // `to`, if no character has one
-        bool isRightToLeft;
-        double advance;
-    };
-
-    bool decideLongLine(const QString &text, qsizetype from, qsizetype to, Fits fits);
-    bool isKnownToFit(qsizetype from, qsizetype to, Fits fits) const;
-    bool fitsWithMore(const QString &text, qsizetype from, qsizetype to, Fits fits);
-    bool isKnownNotToFit(QStringView text, qsizetype from, qsizetype to, Fits fits) const;
-    void noteRest(QStringView text, qsizetype from, qsizetype to, double advance);
-    std::optional<double> read(const QString &text, qsizetype from, qsizetype to);
-    double measure(const QString &text, qsizetype from, qsizetype to);
-    double measureToo(const QString &text, qsizetype from, qsizetype to,
-                      std::optional<double> reading);
-
+    const SourceText &m_text;
+    const QFont m_font;
     const QFontMetricsF m_metrics;
     const double m_lineWidth;
-    const double m_widestCharacter;
-    const qsizetype m_mostInText; // without an overflow
-    const double m_characterShrinkage;
-    const double m_tolerance; // of the ruler
-    const double m_joinedCharacters;
-    const qsizetype m_mostPerLine;
-    const qsizetype m_stretchLength;
+    const Tolerances m_tolerances;
+    const bool m_charactersTakeRoom; // no character has a negative advance
+    const qsizetype m_longestRun;    // in characters; 0 if nothing is read
+    const qsizetype m_usualRun;      // in characters
 
-    TextRuler m_ruler;
-    const bool m_usesRuler;
-    bool m_rulerIsChecked = false;
-    bool m_rulerIsWrong = false;
-    double m_widestRange = 0;
-    Ahead m_ahead;
-    std::optional<Rest> m_rest;
+    ShapedRun m_run;
+    std::optional<double> m_wholeAdvance;
+    bool m_isChecked = false;
+    bool m_isReadWrong = false;
 };
 
 } // namespace ovelin

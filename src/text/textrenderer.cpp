@@ -19,8 +19,6 @@ namespace ovelin {
 
 namespace {
 
-constexpr char16_t newline = u'\n';
-
 // From this limit on a text may have several lines, and newlines break it.
 constexpr int fewestLinesToBreak = 2;
 
@@ -126,10 +124,9 @@ void TextRendererPrivate::breakAtLimit()
     const double limit = staticText.textWidth();
     const BrokenText broken = breakText(limit);
     textElided = broken.elided;
-    if (broken.widerThanLimit) {
-        // By how much does not matter, and measuring all of a long text takes long.
-        fineWidth = toInt(limit + 1);
-        effectiveWidth = toInt(limit);
+    if (broken.fineWidth) {
+        fineWidth = broken.fineWidth;
+        effectiveWidth = std::min(*fineWidth, toInt(limit));
     }
     if (!textElided)
         staticText.setTextWidth(effectiveTextWidth());
@@ -162,6 +159,9 @@ void TextRendererPrivate::updateAlignedTextTopLeft()
             toInt(double(availableHeight) + textTopLeft.y() - toInt(std::ceil(size.height()))));
     }
 
+    // Nothing asks for the width of an elided text that stays at the left, and measuring it may take long.
+    if (textElided && !(alignment & (Qt::AlignHCenter | Qt::AlignRight)))
+        return;
     const int width = effectiveTextWidth();
     if (textWidth < 1 || textWidth < width)
         return;
@@ -195,6 +195,10 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     Russian words, and cuts what exceeds the line limit with an ellipsis; draw() paints the result with
     one call. The text needs a font with a size in pixels: with one in points, or without a text,
     nothing is laid out or painted.
+
+    \snippet tst_snippets.cpp text
+
+    The guide \l {How a text is laid out} explains lines, hyphens and geometry with pictures.
 
     All geometry is in device pixels. Arithmetic with positions saturates at the range of int.
 

@@ -53,8 +53,9 @@ QString appliedOnce(const Rule &rule, const QString &classes)
 QList<int> placesOf(const QString &word)
 {
     QString classes;
-    for (const QChar letter : word)
-        classes += classOf(letter.toLower());
+    const QString lowerCase = word.toLower();
+    for (const QChar letter : lowerCase)
+        classes += classOf(letter);
     for (const Rule &rule : rules)
         classes = appliedOnce(rule, appliedOnce(rule, classes));
 

@@ -12,11 +12,15 @@ namespace ovelin::tests {
 
 namespace {
 
-// The tables and their fields are OpenType's; all numbers are big endian.
-constexpr quint16 unitsPerEm = 1000;
-constexpr quint16 glyphWidth = 600;
-constexpr qint16 ascent = 800;
-constexpr qint16 descent = -200;
+// The tables and their fields are those of OpenType. All numbers are big endian.
+
+struct Proportions
+{
+    quint16 unitsPerEm;
+    quint16 glyphWidth;
+    qint16 ascent;
+    qint16 descent;
+};
 
 struct CharacterRange
 {
@@ -27,11 +31,12 @@ struct CharacterRange
 
 // Glyph 0 stands for all other characters.
 constexpr CharacterRange characterRanges[] = {
-    {0x20, 0x7e, 1},    {0xab, 0xab, 96},      {0xbb, 0xbb, 97},
-    {0x410, 0x451, 98}, {0x2014, 0x2014, 164}, {0x2026, 0x2026, 165},
+    {0x20, 0x7e, 1},       {0xa0, 0xa0, 166},     {0xab, 0xab, 96},        {0xbb, 0xbb, 97},
+    {0x130, 0x130, 167},   {0x401, 0x401, 168},   {0x410, 0x451, 98},      {0x2014, 0x2014, 164},
+    {0x2026, 0x2026, 165}, {0xfffd, 0xfffd, 169}, {0x1f600, 0x1f600, 170},
 };
 constexpr quint16 spaceGlyph = 1;
-constexpr quint16 glyphCount = 166;
+constexpr quint16 glyphCount = 171;
 
 template<typename... Fields>
 QByteArray packed(Fields... fields)
@@ -42,21 +47,21 @@ QByteArray packed(Fields... fields)
     return bytes;
 }
 
-QByteArray headTable()
+QByteArray headTable(const Proportions &font)
 {
     constexpr quint32 version = 0x00010000;
     constexpr quint32 magic = 0x5f0f3cf5;
     constexpr quint16 smallestSize = 6;
     constexpr qint16 longOffsets = 1;
-    return packed(version, version, quint32(0), magic, quint16(0), unitsPerEm, qint64(0), qint64(0),
-                  qint16(0), descent, qint16(glyphWidth), ascent, quint16(0), smallestSize,
-                  qint16(2), longOffsets, qint16(0));
+    return packed(version, version, quint32(0), magic, quint16(0), font.unitsPerEm, qint64(0),
+                  qint64(0), qint16(0), font.descent, qint16(font.glyphWidth), font.ascent,
+                  quint16(0), smallestSize, qint16(2), longOffsets, qint16(0));
 }
 
-QByteArray hheaTable()
+QByteArray hheaTable(const Proportions &font)
 {
-    return packed(quint32(0x00010000), ascent, descent, qint16(0), glyphWidth, qint64(0), qint64(0),
-                  quint32(0), quint16(0), quint16(1));
+    return packed(quint32(0x00010000), font.ascent, font.descent, qint16(0), font.glyphWidth,
+                  qint64(0), qint64(0), quint32(0), quint16(0), quint16(1));
 }
 
 QByteArray maxpTable()
@@ -65,16 +70,16 @@ QByteArray maxpTable()
 }
 
 // One width for all glyphs, and a left side bearing for each of the others.
-QByteArray hmtxTable()
+QByteArray hmtxTable(const Proportions &font)
 {
-    return packed(glyphWidth, qint16(0)) + QByteArray(2 * (glyphCount - 1), '\0');
+    return packed(font.glyphWidth, qint16(0)) + QByteArray(2 * (glyphCount - 1), '\0');
 }
 
-// A box: Qt takes a glyph without an outline for one without a width.
+// A box, because Qt gives no width to a glyph without an outline.
 QByteArray glyph()
 {
     constexpr qint16 left = 50;
-    constexpr qint16 right = 550;
+    constexpr qint16 right = 450;
     constexpr qint16 top = 700;
     constexpr qint16 width = right - left;
     constexpr qint16 height = top;
@@ -144,7 +149,7 @@ QByteArray kernTable(const Kerning &kerning)
     for (quint16 left = 1; left < glyphCount; ++left) {
         for (quint16 right = 1; right < glyphCount; ++right) {
             const int value = kerningOf(left, right, kerning);
-            // The table counts its bytes in 16 bits: letters are kerned with some others.
+            // The size of the table is a 16-bit number: only every fifth pair of letters is kerned.
             if (value == 0 || (right != spaceGlyph && left != spaceGlyph && (left + right) % 5 > 0))
                 continue;
             pairs += packed(left, right, qint16(value));
@@ -171,18 +176,20 @@ quint32 checksum(const QByteArray &table)
     return sum;
 }
 
-} // namespace
+// QMap sorts the tables by name, as the font's directory needs them.
+using Tables = QMap<QByteArray, QByteArray>;
 
-QByteArray kernedFont(const QString &family, const Kerning &kerning)
+Tables tablesWithoutKerning(const QString &family, const Proportions &font)
 {
-    // The directory is in the order of the tables' names.
-    const QMap<QByteArray, QByteArray> tables{
-        {"cmap", cmapTable()}, {"glyf", glyfTable()}, {"head", headTable()},
-        {"hhea", hheaTable()}, {"hmtx", hmtxTable()}, {"kern", kernTable(kerning)},
-        {"loca", locaTable()}, {"maxp", maxpTable()}, {"name", nameTable(family)},
-        {"post", postTable()},
+    return {
+        {"cmap", cmapTable()},     {"glyf", glyfTable()},       {"head", headTable(font)},
+        {"hhea", hheaTable(font)}, {"hmtx", hmtxTable(font)},   {"loca", locaTable()},
+        {"maxp", maxpTable()},     {"name", nameTable(family)}, {"post", postTable()},
     };
+}
 
+QByteArray fontFile(const Tables &tables)
+{
     const auto count = quint16(tables.size());
     const quint16 searched = std::bit_floor(count);
     QByteArray directory =
@@ -199,6 +206,25 @@ QByteArray kernedFont(const QString &family, const Kerning &kerning)
         contents += padded;
     }
     return directory + contents;
+}
+
+} // namespace
+
+QByteArray kernedFont(const QString &family, const Kerning &kerning)
+{
+    constexpr Proportions thousandths{
+        .unitsPerEm = 1000, .glyphWidth = 600, .ascent = 800, .descent = -200};
+    Tables tables = tablesWithoutKerning(family, thousandths);
+    tables.insert("kern", kernTable(kerning));
+    return fontFile(tables);
+}
+
+QByteArray halfEmFont(const QString &family)
+{
+    // A power of two makes half an em exactly 10 pixels: with 1000 units Qt gets 9.98.
+    constexpr Proportions powersOfTwo{
+        .unitsPerEm = 1024, .glyphWidth = 512, .ascent = 768, .descent = -256};
+    return fontFile(tablesWithoutKerning(family, powersOfTwo));
 }
 
 } // namespace ovelin::tests

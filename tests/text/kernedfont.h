@@ -6,7 +6,7 @@
 
 namespace ovelin::tests {
 
-// What a pair of glyphs gains in width, in thousandths of the font's size.
+// The change of the distance between two glyphs, in thousandths of the font's size.
 struct Kerning
 {
     int beforeSpace = 0;
@@ -14,9 +14,14 @@ struct Kerning
     int betweenLetters = 0;
 };
 
-// Makes a TrueType font of boxes for ASCII, the Russian letters and some marks, all as wide
-// as 600 thousandths of its size, and kerned as no font for reading is.
+// Both functions return a TrueType font whose glyphs are boxes. It has ASCII, the Russian letters,
+// « » — … İ, the no-break space, U+FFFD and U+1F600.
+
+// Every glyph is 0.6 em wide. The kerning may be stronger than in any font for reading.
 QByteArray kernedFont(const QString &family, const Kerning &kerning);
+
+// Every glyph is half an em wide: 10 pixels in a font of 20 pixels.
+QByteArray halfEmFont(const QString &family);
 
 } // namespace ovelin::tests
 

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int shortestForcedRest = 5; // characters of a split word that go to the next line
 constexpr int shortestSplitWord = 9;  // a word that would fit a line of its own
-constexpr int leastSeparatorsBeforeHyphen = 64;
+constexpr int leastSeparatorsBeforeHyphen = 1024;
 
 enum class Next { Accept, HardBreakCheck, NextMatch, Elide, Split, Wrap };
 
@@ -117,7 +117,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
             next = Next::Wrap;
             qsizetype k = lastFittingPlace(placesOf(word), [&](qsizetype place) {
                 const QString prefix = range(line, 0, wordStart - lineStart + place);
-                return fineWidth(prefix, input.font) + hyphenAdvance < W;
+                return place <= word.size() && fineWidth(prefix, input.font) + hyphenAdvance < W;
             });
             const bool hyphenated = k != -1;
             if (!hyphenated) {
@@ -205,7 +205,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
             if (!e.isEmpty()) {
                 const bool tooWide = metrics.horizontalAdvance(e) > W;
                 c = lineStart + e.size() - (tooWide ? 2 : 1);
-                if (tooWide && splitsPair(workText, c))
+                if (splitsPair(workText, c))
                     --c;
             }
             workText.replace(c, 1, QChar(ellipsis));

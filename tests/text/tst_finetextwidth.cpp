@@ -22,13 +22,13 @@ private Q_SLOTS:
 
     void emptyTextHasOnlyTheMargin();
     void wholeAdvanceIsNotRounded();
-    void brokenAdvanceIsRoundedUp();
+    void fractionalAdvanceIsRoundedUp();
     void measuresTheWholeText();
     void measuresWithTheGivenMetrics();
 
     void toIntTruncatesAndSaturates_data();
     void toIntTruncatesAndSaturates();
-    void toIntOfNoNumberEnds();
+    void toIntOfNotANumberIsTheLowestInt();
 };
 
 void tst_FineTextWidth::initTestCase()
@@ -43,7 +43,7 @@ void tst_FineTextWidth::emptyTextHasOnlyTheMargin()
 
 void tst_FineTextWidth::wholeAdvanceIsNotRounded()
 {
-    // Advances are multiples of 1/64 pixel, so that some repetition of a letter is whole.
+    // Qt measures in 1/64 pixel: the advance of at most 64 equal letters is a whole number.
     const QFontMetricsF metrics(pixelFont());
     QString text(QStringLiteral("a"));
     while (metrics.horizontalAdvance(text) != std::floor(metrics.horizontalAdvance(text)))
@@ -53,22 +53,22 @@ void tst_FineTextWidth::wholeAdvanceIsNotRounded()
              metrics.horizontalAdvance(text) + 2);
 }
 
-void tst_FineTextWidth::brokenAdvanceIsRoundedUp()
+void tst_FineTextWidth::fractionalAdvanceIsRoundedUp()
 {
     const QFontMetricsF metrics(pixelFont());
-    int slightlyAbove = 0;
-    int slightlyBelow = 0;
+    int nearestIsBelow = 0;
+    int nearestIsAbove = 0;
     for (QString text(u'a'); text.size() < 64; text += u'a') {
         const double advance = metrics.horizontalAdvance(text);
         const double fraction = advance - std::floor(advance);
         if (fraction == 0)
             continue;
-        slightlyAbove += fraction < 0.5;
-        slightlyBelow += fraction > 0.5;
+        nearestIsBelow += fraction < 0.5;
+        nearestIsAbove += fraction > 0.5;
         QCOMPARE(double(TextRenderer::fineTextWidth(text, metrics)), std::floor(advance) + 1 + 2);
     }
-    QVERIFY(slightlyAbove > 0);
-    QVERIFY(slightlyBelow > 0);
+    QVERIFY(nearestIsBelow > 0);
+    QVERIFY(nearestIsAbove > 0);
 }
 
 void tst_FineTextWidth::measuresTheWholeText()
@@ -92,8 +92,8 @@ void tst_FineTextWidth::measuresWithTheGivenMetrics()
 
 void tst_FineTextWidth::toIntTruncatesAndSaturates_data()
 {
-    constexpr int least = std::numeric_limits<int>::min();
-    constexpr int most = std::numeric_limits<int>::max();
+    constexpr int lowest = std::numeric_limits<int>::min();
+    constexpr int highest = std::numeric_limits<int>::max();
     constexpr double infinity = std::numeric_limits<double>::infinity();
 
     QTest::addColumn<double>("value");
@@ -105,18 +105,18 @@ void tst_FineTextWidth::toIntTruncatesAndSaturates_data()
     QTest::newRow("whole") << 7.0 << 7;
     QTest::newRow("positive") << 7.9 << 7;
     QTest::newRow("negative") << -7.9 << -7;
-    QTest::newRow("just below the most") << 2147483646.9 << most - 1;
-    QTest::newRow("most") << 2147483647.0 << most;
-    QTest::newRow("most and a part") << 2147483647.9 << most;
-    QTest::newRow("above the most") << 2147483648.0 << most;
-    QTest::newRow("far above") << 1e300 << most;
-    QTest::newRow("infinity") << infinity << most;
-    QTest::newRow("just above the least") << -2147483647.9 << least + 1;
-    QTest::newRow("least") << -2147483648.0 << least;
-    QTest::newRow("least and a part") << -2147483648.9 << least;
-    QTest::newRow("below the least") << -2147483649.0 << least;
-    QTest::newRow("far below") << -1e300 << least;
-    QTest::newRow("minus infinity") << -infinity << least;
+    QTest::newRow("just below the highest") << 2147483646.9 << highest - 1;
+    QTest::newRow("highest") << 2147483647.0 << highest;
+    QTest::newRow("highest and a part") << 2147483647.9 << highest;
+    QTest::newRow("above the highest") << 2147483648.0 << highest;
+    QTest::newRow("far above") << 1e300 << highest;
+    QTest::newRow("infinity") << infinity << highest;
+    QTest::newRow("just above the lowest") << -2147483647.9 << lowest + 1;
+    QTest::newRow("lowest") << -2147483648.0 << lowest;
+    QTest::newRow("lowest and a part") << -2147483648.9 << lowest;
+    QTest::newRow("below the lowest") << -2147483649.0 << lowest;
+    QTest::newRow("far below") << -1e300 << lowest;
+    QTest::newRow("minus infinity") << -infinity << lowest;
 }
 
 void tst_FineTextWidth::toIntTruncatesAndSaturates()
@@ -127,9 +127,9 @@ void tst_FineTextWidth::toIntTruncatesAndSaturates()
     QCOMPARE(toInt(value), expected);
 }
 
-void tst_FineTextWidth::toIntOfNoNumberEnds()
+void tst_FineTextWidth::toIntOfNotANumberIsTheLowestInt()
 {
-    // Which number is arbitrary; under the undefined behaviour sanitizer the conversion must not trap.
+    // A plain conversion would be undefined behaviour.
     QCOMPARE(toInt(std::numeric_limits<double>::quiet_NaN()), std::numeric_limits<int>::min());
 }
 

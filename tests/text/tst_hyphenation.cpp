@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <array>
 
 using namespace ovelin;
@@ -14,17 +15,17 @@ namespace {
 
 constexpr int unlimited = 1'000'000;
 
-using Places = QList<int>;
+using Points = QList<int>;
 
-auto fitsUpTo(int most)
+auto fitsUpTo(int limit)
 {
-    return [most](qsizetype kept) { return kept <= most; };
+    return [limit](qsizetype kept) { return kept <= limit; };
 }
 
-// The point of a word of which so many characters fit with a hyphen.
-int pointAt(const QString &word, int most)
+// Returns the hyphenation point of a word if at most this many of its characters fit with a hyphen.
+int pointAt(const QString &word, int limit)
 {
-    return hyphenationPoint(word, fitsUpTo(most));
+    return hyphenationPoint(word, fitsUpTo(std::min(limit, int(word.size()))));
 }
 
 } // namespace
@@ -37,17 +38,18 @@ private Q_SLOTS:
     void classifiesEveryRussianLetter_data();
     void classifiesEveryRussianLetter();
     void classifiesNothingElse();
-    void wordsEndAtSpaceSeparatorAndHyphenWithoutDigit_data();
-    void wordsEndAtSpaceSeparatorAndHyphenWithoutDigit();
-    void wordBreakPatternIsBuiltFromItsTemplate();
+    void wordsEndAtSpacesSeparatorsAndHyphensBeforeNoDigit_data();
+    void wordsEndAtSpacesSeparatorsAndHyphensBeforeNoDigit();
+    void wordBreakPatternHasTheExpectedText();
 
-    void findsThePlacesOfAWord_data();
-    void findsThePlacesOfAWord();
-    void wordWithoutPlaceIsRefused_data();
-    void wordWithoutPlaceIsRefused();
-    void nothingFitsIsNotTheSameAsNoPlace();
-    void countsLettersThatAreLongerInLowerCaseOnce();
-    void agreesOnEveryClassString();
+    void findsThePointsOfAWord_data();
+    void findsThePointsOfAWord();
+    void wordWithoutPointGivesMinusOne_data();
+    void wordWithoutPointGivesMinusOne();
+    void givesZeroIfNoPointFits();
+    void countsCharactersOfTheLowerCasedWord_data();
+    void countsCharactersOfTheLowerCasedWord();
+    void givesThePointsOfTheRulesForEveryClassString();
 };
 
 void tst_Hyphenation::classifiesEveryRussianLetter_data()
@@ -77,13 +79,13 @@ void tst_Hyphenation::classifiesNothingElse()
     QVERIFY(!hyphenationLetterClasses.contains(QChar(u'g')));
 }
 
-void tst_Hyphenation::wordsEndAtSpaceSeparatorAndHyphenWithoutDigit_data()
+void tst_Hyphenation::wordsEndAtSpacesSeparatorsAndHyphensBeforeNoDigit_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("expected");
 
-    QTest::newRow("none") << QStringLiteral("abc") << 0 << -1;
+    QTest::newRow("none") << QStringLiteral("abc") << 0 << 3;
     QTest::newRow("space") << QStringLiteral("ab c") << 0 << 2;
     QTest::newRow("line separator") << QStringLiteral("ab\u2028c") << 0 << 2;
     QTest::newRow("hyphen before a letter") << QStringLiteral("ab-c") << 0 << 2;
@@ -91,96 +93,100 @@ void tst_Hyphenation::wordsEndAtSpaceSeparatorAndHyphenWithoutDigit_data()
     QTest::newRow("hyphen before a hyphen") << QStringLiteral("ab--") << 0 << 2;
     QTest::newRow("hyphen before a newline") << QStringLiteral("ab-\nc") << 0 << 2;
     QTest::newRow("hyphen before a separator") << QStringLiteral("ab-\u2028c") << 0 << 2;
-    QTest::newRow("hyphen before a digit") << QStringLiteral("ab-1") << 0 << -1;
+    QTest::newRow("hyphen before a digit") << QStringLiteral("ab-1") << 0 << 4;
     QTest::newRow("range of numbers") << QStringLiteral("10-20 c") << 0 << 5;
     QTest::newRow("hyphen before an Arabic digit") << QStringLiteral("ab-\u0661") << 0 << 2;
-    QTest::newRow("hyphen at the end") << QStringLiteral("ab-") << 0 << -1;
+    QTest::newRow("hyphen at the end") << QStringLiteral("ab-") << 0 << 2;
     QTest::newRow("hyphen before a character of two units")
         << QStringLiteral("ab-\U0001F600") << 0 << 2;
-    QTest::newRow("no-break space") << QStringLiteral("ab\u00a0c") << 0 << -1;
-    QTest::newRow("tab and newline") << QStringLiteral("a\tb\nc") << 0 << -1;
+    QTest::newRow("no-break space") << QStringLiteral("ab\u00a0c") << 0 << 4;
+    QTest::newRow("tab and newline") << QStringLiteral("a\tb\nc") << 0 << 5;
     QTest::newRow("from the separator on") << QStringLiteral("a b c") << 1 << 1;
     QTest::newRow("behind the separator") << QStringLiteral("a b c") << 2 << 3;
+    QTest::newRow("digit and hyphen at the end") << QStringLiteral("ab-1-") << 0 << 4;
 }
 
-void tst_Hyphenation::wordsEndAtSpaceSeparatorAndHyphenWithoutDigit()
+void tst_Hyphenation::wordsEndAtSpacesSeparatorsAndHyphensBeforeNoDigit()
 {
     QFETCH(QString, text);
     QFETCH(int, from);
     QFETCH(int, expected);
 
-    QCOMPARE(int(text.indexOf(wordBreakPattern, from)), expected);
-    QCOMPARE(int(wordBreak(text, from)), expected);
+    // A space stands behind the text.
+    QCOMPARE(int((text + u' ').indexOf(wordBreakPattern, from)), expected);
+    QCOMPARE(int(wordEnd(text, from)), expected);
 }
 
-void tst_Hyphenation::wordBreakPatternIsBuiltFromItsTemplate()
+void tst_Hyphenation::wordBreakPatternHasTheExpectedText()
 {
     QVERIFY(wordBreakPattern.isValid());
     QCOMPARE(wordBreakPattern.pattern(), QStringLiteral("( |\u2028|-[^\\d])"));
     QCOMPARE(wordBreakPattern.patternOptions(), QRegularExpression::NoPatternOption);
 }
 
-void tst_Hyphenation::findsThePlacesOfAWord_data()
+void tst_Hyphenation::findsThePointsOfAWord_data()
 {
     QTest::addColumn<QString>("word");
-    QTest::addColumn<Places>("places");
+    QTest::addColumn<Points>("points");
 
-    // Latin g, s and x are taken for the classes of that name, so that a class string is a word.
-    QTest::newRow("xgg") << QStringLiteral("xgg") << Places{1};
-    QTest::newRow("xgs") << QStringLiteral("xgs") << Places{1};
-    QTest::newRow("xsg") << QStringLiteral("xsg") << Places{1};
-    QTest::newRow("xss") << QStringLiteral("xss") << Places{1};
-    QTest::newRow("ggg") << QStringLiteral("ggg") << Places{1};
-    QTest::newRow("ggs") << QStringLiteral("ggs") << Places{1};
-    QTest::newRow("ggx") << QStringLiteral("ggx") << Places{1};
-    QTest::newRow("gssg") << QStringLiteral("gssg") << Places{2};
-    QTest::newRow("sgsg") << QStringLiteral("sgsg") << Places{2};
-    QTest::newRow("gsssg") << QStringLiteral("gsssg") << Places{2};
-    QTest::newRow("gssssg") << QStringLiteral("gssssg") << Places{3};
+    // The Latin letters g, s and x count as members of the classes with these names: a class string is a word.
+    QTest::newRow("xgg") << QStringLiteral("xgg") << Points{1};
+    QTest::newRow("xgs") << QStringLiteral("xgs") << Points{1};
+    QTest::newRow("xsg") << QStringLiteral("xsg") << Points{1};
+    QTest::newRow("xss") << QStringLiteral("xss") << Points{1};
+    QTest::newRow("ggg") << QStringLiteral("ggg") << Points{1};
+    QTest::newRow("ggs") << QStringLiteral("ggs") << Points{1};
+    QTest::newRow("ggx") << QStringLiteral("ggx") << Points{1};
+    QTest::newRow("gssg") << QStringLiteral("gssg") << Points{2};
+    QTest::newRow("sgsg") << QStringLiteral("sgsg") << Points{2};
+    QTest::newRow("gsssg") << QStringLiteral("gsssg") << Points{2};
+    QTest::newRow("gssssg") << QStringLiteral("gssssg") << Points{3};
 
     QTest::newRow("three vowels before vowel and consonant")
-        << QStringLiteral("gggs") << Places{1, 2};
-    QTest::newRow("two of a kind share a letter") << QStringLiteral("gssgssg") << Places{2, 5};
-    QTest::newRow("three of a kind share letters") << QStringLiteral("sgsgsgsg") << Places{2, 4, 6};
-    QTest::newRow("several rules") << QStringLiteral("xggxggs") << Places{1, 2, 4, 5};
-    QTest::newRow("no match across a hyphen") << QStringLiteral("xsggsg") << Places{1, 3};
+        << QStringLiteral("gggs") << Points{1, 2};
+    QTest::newRow("two matches of a rule share a letter")
+        << QStringLiteral("gssgssg") << Points{2, 5};
+    QTest::newRow("three matches of a rule share letters")
+        << QStringLiteral("sgsgsgsg") << Points{2, 4, 6};
+    QTest::newRow("several rules") << QStringLiteral("xggxggs") << Points{1, 2, 4, 5};
+    QTest::newRow("no match across an inserted hyphen") << QStringLiteral("xsggsg") << Points{1, 3};
 
-    QTest::newRow("программа") << QStringLiteral("программа") << Places{4, 7};
-    QTest::newRow("сообщение") << QStringLiteral("сообщение") << Places{2, 4, 6};
-    QTest::newRow("район") << QStringLiteral("район") << Places{3};
-    QTest::newRow("подъезд") << QStringLiteral("подъезд") << Places{4};
-    QTest::newRow("стройка") << QStringLiteral("стройка") << Places{5};
-    QTest::newRow("выход") << QStringLiteral("выход") << Places{2};
-    QTest::newRow("lower case") << QStringLiteral("программирование") << Places{4, 7, 9, 11, 13};
+    QTest::newRow("программа") << QStringLiteral("программа") << Points{4, 7};
+    QTest::newRow("сообщение") << QStringLiteral("сообщение") << Points{2, 4, 6};
+    QTest::newRow("район") << QStringLiteral("район") << Points{3};
+    QTest::newRow("подъезд") << QStringLiteral("подъезд") << Points{4};
+    QTest::newRow("стройка") << QStringLiteral("стройка") << Points{5};
+    QTest::newRow("выход") << QStringLiteral("выход") << Points{2};
+    QTest::newRow("lower case") << QStringLiteral("программирование") << Points{4, 7, 9, 11, 13};
     QTest::newRow("first letter upper case")
-        << QStringLiteral("Программирование") << Places{4, 7, 9, 11, 13};
-    QTest::newRow("upper case") << QStringLiteral("ПРОГРАММИРОВАНИЕ") << Places{4, 7, 9, 11, 13};
-    QTest::newRow("eggs") << QStringLiteral("eggs") << Places{2};
+        << QStringLiteral("Программирование") << Points{4, 7, 9, 11, 13};
+    QTest::newRow("upper case") << QStringLiteral("ПРОГРАММИРОВАНИЕ") << Points{4, 7, 9, 11, 13};
+    QTest::newRow("eggs") << QStringLiteral("eggs") << Points{2};
 
-    QTest::newRow("with its space") << QStringLiteral("программа ") << Places{4, 7};
-    QTest::newRow("with its separator") << QStringLiteral("программа\u2028") << Places{4, 7};
-    QTest::newRow("hyphen at its end") << QStringLiteral("программа-") << Places{4, 7, 9};
-    QTest::newRow("only the hyphen at its end") << QStringLiteral("да-") << Places{2};
-    QTest::newRow("own hyphen shifts the later places")
-        << QStringLiteral("ааа-1ааа ") << Places{1, 3, 5};
-    QTest::newRow("two own hyphens") << QStringLiteral("да-1-2ааа ") << Places{2, 3, 5};
+    QTest::newRow("with its space") << QStringLiteral("программа ") << Points{4, 7};
+    QTest::newRow("with its separator") << QStringLiteral("программа\u2028") << Points{4, 7};
+    QTest::newRow("hyphen at its end") << QStringLiteral("программа-") << Points{4, 7, 9};
+    QTest::newRow("only the hyphen at its end") << QStringLiteral("да-") << Points{2};
+    QTest::newRow("own hyphen moves the later points to the left")
+        << QStringLiteral("ааа-1ааа ") << Points{1, 3, 5};
+    QTest::newRow("two own hyphens") << QStringLiteral("да-1-2ааа ") << Points{2, 3, 5};
 }
 
-void tst_Hyphenation::findsThePlacesOfAWord()
+void tst_Hyphenation::findsThePointsOfAWord()
 {
     QFETCH(QString, word);
-    QFETCH(Places, places);
+    QFETCH(Points, points);
 
     int previous = 0;
-    for (const int place : places) {
-        QCOMPARE(pointAt(word, place - 1), previous);
-        QCOMPARE(pointAt(word, place), place);
-        previous = place;
+    for (const int point : points) {
+        QCOMPARE(pointAt(word, point - 1), previous);
+        QCOMPARE(pointAt(word, point), point);
+        previous = point;
     }
-    QCOMPARE(pointAt(word, unlimited), places.last());
+    QCOMPARE(pointAt(word, unlimited), points.last());
 }
 
-void tst_Hyphenation::wordWithoutPlaceIsRefused_data()
+void tst_Hyphenation::wordWithoutPointGivesMinusOne_data()
 {
     QTest::addColumn<QString>("word");
 
@@ -198,7 +204,7 @@ void tst_Hyphenation::wordWithoutPlaceIsRefused_data()
     QTest::newRow("five consonants") << QStringLiteral("gsssssg ");
 }
 
-void tst_Hyphenation::wordWithoutPlaceIsRefused()
+void tst_Hyphenation::wordWithoutPointGivesMinusOne()
 {
     QFETCH(QString, word);
 
@@ -206,7 +212,7 @@ void tst_Hyphenation::wordWithoutPlaceIsRefused()
     QCOMPARE(pointAt(word, 0), -1);
 }
 
-void tst_Hyphenation::nothingFitsIsNotTheSameAsNoPlace()
+void tst_Hyphenation::givesZeroIfNoPointFits()
 {
     const QString word = QStringLiteral("программа ");
     QCOMPARE(pointAt(word, 3), 0);
@@ -214,17 +220,29 @@ void tst_Hyphenation::nothingFitsIsNotTheSameAsNoPlace()
     QCOMPARE(pointAt(word, -1), 0);
 }
 
-void tst_Hyphenation::countsLettersThatAreLongerInLowerCaseOnce()
+void tst_Hyphenation::countsCharactersOfTheLowerCasedWord_data()
 {
-    const QString word = QStringLiteral("İпрограмма ");
-    QCOMPARE(word.toLower().size(), word.size() + 1);
-    QCOMPARE(pointAt(word, unlimited), int(QStringLiteral("İпрограм").size()));
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<int>("kept");
 
-    const QString shortWord = QStringLiteral("İİİ-");
-    QCOMPARE(pointAt(shortWord, unlimited), 3);
+    // In lower case İ (U+0130) is two characters, so that each point after it moves one character to the right.
+    QTest::newRow("one longer letter") << QStringLiteral("İпрограмма ") << 9;
+    QTest::newRow("two longer letters") << QStringLiteral("İİпрограмма ") << 11;
+    QTest::newRow("point at the end of the word") << QStringLiteral("İİ--") << 4;
+    QTest::newRow("point behind the end of the word") << QStringLiteral("İİİ-") << 0;
+    QTest::newRow("second point behind the end") << QStringLiteral("программаİİİ-") << 7;
 }
 
-void tst_Hyphenation::agreesOnEveryClassString()
+void tst_Hyphenation::countsCharactersOfTheLowerCasedWord()
+{
+    QFETCH(QString, word);
+    QFETCH(int, kept);
+
+    QCOMPARE(word.toLower().size(), word.size() + word.count(QChar(u'\u0130')));
+    QCOMPARE(pointAt(word, unlimited), kept);
+}
+
+void tst_Hyphenation::givesThePointsOfTheRulesForEveryClassString()
 {
     const std::array letters{u'g', u's', u'x'};
     constexpr int longest = 8;
@@ -239,9 +257,9 @@ void tst_Hyphenation::agreesOnEveryClassString()
         words = longer;
 
         for (const QString &word : std::as_const(words)) {
-            const Places places = placesOf(word);
-            for (int most = 0; most <= length; ++most) {
-                QVERIFY2(pointAt(word, most) == lastFittingPlace(places, fitsUpTo(most)),
+            const Points points = placesOf(word);
+            for (int limit = 0; limit <= length; ++limit) {
+                QVERIFY2(pointAt(word, limit) == lastFittingPlace(points, fitsUpTo(limit)),
                          qPrintable(word));
             }
         }

@@ -15,34 +15,34 @@ using namespace ovelin;
 using namespace ovelin::tests;
 using namespace Qt::StringLiterals;
 
-// Every word of a Russian dictionary is divided as the rules say.
+// The words of a Russian dictionary, hyphenated as the rules say.
 
 namespace {
 
 constexpr auto dictionary = "/usr/share/hunspell/ru_RU.dic"_L1;
 constexpr int fewestWords = 100'000;
-constexpr int reducedStep = 100; // of so many words one is tried under a slow tool
+constexpr int reducedStep = 100; // under a slow tool one word in 100 is tried
 
 constexpr std::array lineWidths{10, 40, 70, 110, 1000};
 constexpr std::array boxWidths{40, 60, 80, 110, 150};
 
-// How a text begins that is shown with this word behind another: up to the word's first hyphen, or all of it
-// where the word has none. Nothing if no rule tells. A beginning of the word is measured with what stands in
-// front of it, two pixels of margin, and the hyphen.
-QString expectedBeginning(const QString &firstWord, const QString &word, int boxWidth)
+// Returns the text of both words as the layout should show it: up to the break behind the hyphen, or all of it
+// if the line is not broken. Returns nothing if the rules of hyphenation do not decide. The part of the word that
+// stays on the line is measured with the word before it, two pixels of margin and the hyphen.
+QString expectedStart(const QString &firstWord, const QString &word, int boxWidth)
 {
     static const double hyphenAdvance = advance(QString(hyphen));
-    const QList<int> places = placesOf(word + u' ');
+    const QList<int> points = placesOf(word + u' ');
     for (const QString &before : {firstWord, QString()}) {
         if (advance(before + word) < boxWidth)
             return firstWord + word;
-        const int point = lastFittingPlace(places, [&](qsizetype kept) {
+        const int point = lastFittingPlace(points, [&](qsizetype kept) {
             return fineWidth(before + word.left(kept)) + hyphenAdvance < boxWidth;
         });
         if (point > 0)
             return firstWord + word.left(point) + u"-\n"_s;
         if (point == -1)
-            break; // It may be split without a hyphen.
+            break; // A word without a point may be split without a hyphen.
     }
     return {};
 }
@@ -53,7 +53,7 @@ QStringList dictionaryWords()
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QStringList words;
-    file.readLine(); // how many there are
+    file.readLine(); // the number of words
     while (!file.atEnd())
         words.append(QString::fromUtf8(file.readLine()).section(u'/', 0, 0).trimmed());
     return words;
@@ -67,7 +67,7 @@ class tst_HyphenationWords : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void dividesEveryWordAsTheRulesSay();
+    void hyphenatesEveryWordAsTheRulesSay();
     void laysEveryWordOutAsTheRulesSay();
 };
 
@@ -78,7 +78,7 @@ void tst_HyphenationWords::initTestCase()
     QVERIFY(isTestFontInstalled());
 }
 
-void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
+void tst_HyphenationWords::hyphenatesEveryWordAsTheRulesSay()
 {
     const QStringList words = dictionaryWords();
     QCOMPARE_GT(words.size(), fewestWords);
@@ -91,11 +91,11 @@ void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
         return advances.value(letter);
     };
 
-    qsizetype divided = 0;
+    qsizetype hyphenated = 0;
     const qsizetype step = isRunReduced() ? reducedStep : 1;
     for (qsizetype i = 0; i < words.size(); i += step) {
         const QString word = words.at(i) + u' ';
-        const QList<int> places = placesOf(word);
+        const QList<int> points = placesOf(word);
         for (const int lineWidth : lineWidths) {
             const auto fits = [&](qsizetype kept) {
                 const QString part = word.left(kept) + hyphen;
@@ -104,16 +104,16 @@ void tst_HyphenationWords::dividesEveryWordAsTheRulesSay()
                        < lineWidth;
             };
             const int point = hyphenationPoint(word, fits);
-            QVERIFY2(point == lastFittingPlace(places, fits), qPrintable(word));
-            divided += point > 0;
+            QVERIFY2(point == lastFittingPlace(points, fits), qPrintable(word));
+            hyphenated += point > 0;
         }
     }
-    QCOMPARE_GT(divided, words.size() / step);
-    qInfo("%lld words at %d widths, divided %lld times", qlonglong((words.size() - 1) / step + 1),
-          int(lineWidths.size()), qlonglong(divided));
+    QCOMPARE_GT(hyphenated, words.size() / step);
+    qInfo("%lld words at %d widths, hyphenated %lld times",
+          qlonglong((words.size() - 1) / step + 1), int(lineWidths.size()), qlonglong(hyphenated));
 }
 
-// Each of them at one of the widths.
+// Each word is laid out at one of the widths.
 void tst_HyphenationWords::laysEveryWordOutAsTheRulesSay()
 {
     const QString firstWord = u"и "_s;
@@ -123,22 +123,23 @@ void tst_HyphenationWords::laysEveryWordOutAsTheRulesSay()
     renderer.setMaxLineCount(std::numeric_limits<int>::max());
 
     const QStringList words = dictionaryWords();
-    const qsizetype step = isRunReduced() ? reducedStep + 1 : 1; // prime to the number of widths
-    qsizetype divided = 0;
+    const qsizetype step =
+        isRunReduced() ? reducedStep + 1 : 1; // no multiple of the number of widths
+    qsizetype hyphenated = 0;
     for (qsizetype i = 0; i < words.size(); i += step) {
         const QString &word = words.at(i);
         const int boxWidth = boxWidths.at(std::size_t(i) % boxWidths.size());
-        const QString beginning = expectedBeginning(firstWord, word, boxWidth);
-        if (word.contains(hyphen) || beginning.isEmpty())
+        const QString start = expectedStart(firstWord, word, boxWidth);
+        if (word.contains(hyphen) || start.isEmpty())
             continue;
 
         renderer.setTextWidth(boxWidth);
         renderer.setText(firstWord + word);
         renderer.relayout();
-        QVERIFY2(renderer.displayText().startsWith(beginning), qPrintable(word));
-        divided += beginning.endsWith(u'\n');
+        QVERIFY2(renderer.displayText().startsWith(start), qPrintable(word));
+        hyphenated += start.endsWith(u'\n');
     }
-    QCOMPARE_GT(divided, words.size() / step / 2);
+    QCOMPARE_GT(hyphenated, words.size() / step / 2);
 }
 
 QTEST_MAIN(tst_HyphenationWords)

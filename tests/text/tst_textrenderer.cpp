@@ -1,4 +1,5 @@
 #include "support/paintrecorder.h"
+#include "support/shapercalls.h"
 #include "textsupport.h"
 
 #include <ovelin/textrenderer.h>
@@ -10,6 +11,8 @@
 #include <QStaticText>
 #include <QTest>
 #include <QTextOption>
+#include <QtGui/private/qpaintengineex_p.h>
+#include <QtGui/private/qstatictext_p.h>
 #include <QTransform>
 
 #include <functional>
@@ -80,6 +83,54 @@ bool isBlank(const QImage &image)
     return image == canvas();
 }
 
+// Notes of each part of a static text whether the engine is asked to keep what it makes of it.
+class CachingRecorder : public QPaintEngineEx
+{
+public:
+    QList<bool> asked;
+
+    void drawStaticTextItem(QStaticTextItem *item) override
+    {
+        asked.append(item->useBackendOptimizations != 0);
+    }
+
+    bool begin(QPaintDevice *) override { return true; }
+    bool end() override { return true; }
+    Type type() const override { return User; }
+    void fill(const QVectorPath &, const QBrush &) override {}
+    using QPaintEngineEx::clip;
+    void clip(const QVectorPath &, Qt::ClipOperation) override {}
+    using QPaintEngineEx::drawPixmap;
+    void drawPixmap(const QRectF &, const QPixmap &, const QRectF &) override {}
+    using QPaintEngineEx::drawImage;
+    void drawImage(const QRectF &, const QImage &, const QRectF &,
+                   Qt::ImageConversionFlags) override
+    {
+    }
+    void clipEnabledChanged() override {}
+    void penChanged() override {}
+    void brushChanged() override {}
+    void brushOriginChanged() override {}
+    void opacityChanged() override {}
+    void compositionModeChanged() override {}
+    void renderHintsChanged() override {}
+    void transformChanged() override {}
+};
+
+class CachingRecorderDevice : public QImage
+{
+public:
+    explicit CachingRecorderDevice(CachingRecorder &engine)
+        : QImage(canvas())
+        , m_engine(engine)
+    {
+    }
+    QPaintEngine *paintEngine() const override { return &m_engine; }
+
+private:
+    CachingRecorder &m_engine;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Change)
@@ -111,6 +162,7 @@ private Q_SLOTS:
     void displayTextHasNewlines();
 
     void maxTextWidthReachesTheStaticTextAtOnce();
+    void equalMaxTextWidthLeavesTheStaticTextAlone();
     void textWidthReachesTheStaticTextWithTheLayout();
     void textWidthPrecedesMaxTextWidth();
     void widthsBelowOneAreNoWidth_data();
@@ -141,6 +193,8 @@ private Q_SLOTS:
     void resetsVerticalPositionWithoutABox();
     void alignsHorizontally_data();
     void alignsHorizontally();
+    void textThatFitsKeepsItsOwnWidth_data();
+    void textThatFitsKeepsItsOwnWidth();
     void alignsHorizontallyByTheLimitWhereTheTextIsWider();
     void leavesHorizontalPositionOfUnalignedText();
     void doesNotAlignHorizontallyWithoutTextWidth();
@@ -162,6 +216,10 @@ private Q_SLOTS:
     void drawPaintsTheStaticText();
     void drawPaintsPixels();
     void drawPaintsAtTheAlignedPosition();
+    void drawPaintsAtANullAlignedPosition();
+    void drawAsksForAggressiveCaching();
+    void drawShapesNothingAfterALayout_data();
+    void drawShapesNothingAfterALayout();
     void drawPaintsThePreviousLayoutOfADirtyText();
     void drawPaintsNothingWhenInvalid_data();
     void drawPaintsNothingWhenInvalid();
@@ -479,6 +537,23 @@ void tst_TextRenderer::maxTextWidthReachesTheStaticTextAtOnce()
     renderer.setMaxTextWidth(-1);
     QCOMPARE(constRenderer.boundingSize().width(),
              static_cast<int>(std::ceil(staticText(text, -1).size().width())));
+}
+
+void tst_TextRenderer::equalMaxTextWidthLeavesTheStaticTextAlone()
+{
+    const QString text = QStringLiteral("aaaa bbbb");
+    TextRenderer renderer;
+    renderer.setTextFont(pixelFont());
+    renderer.setText(text);
+    renderer.setMaxTextWidth(ampleWidth);
+    renderer.relayout();
+    const TextRenderer &constRenderer = renderer;
+    QCOMPARE(constRenderer.boundingSize().width(), fineWidth(text));
+
+    renderer.setMaxTextWidth(ampleWidth);
+
+    QVERIFY(!renderer.isNeedRelayout());
+    QCOMPARE(constRenderer.boundingSize().width(), fineWidth(text));
 }
 
 void tst_TextRenderer::textWidthReachesTheStaticTextWithTheLayout()
@@ -939,6 +1014,39 @@ void tst_TextRenderer::alignsHorizontally()
     }
 }
 
+// A layout may tell from a prefix that the whole text is wider than the box: it is not these.
+void tst_TextRenderer::textThatFitsKeepsItsOwnWidth_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("maxLineCount");
+
+    const auto row = [](const char *name, const QString &text) {
+        QTest::addRow("%s, one line", name) << text << 1;
+        QTest::addRow("%s, three lines", name) << text << 3;
+    };
+    row("wide letters", QStringLiteral("wwwwwwwwwwwwwwwww"));
+    row("narrow letters", QStringLiteral("iiiiii"));
+    row("no advance", QStringLiteral("\U000E0100").repeated(60));
+}
+
+void tst_TextRenderer::textThatFitsKeepsItsOwnWidth()
+{
+    QFETCH(QString, text);
+    QFETCH(int, maxLineCount);
+    const int width = fineWidth(text);
+    TextRenderer renderer;
+    renderer.setTextAlignment(Qt::AlignHCenter);
+    prepare(renderer, text, width + 5, maxLineCount);
+
+    QCOMPARE(renderer.isTextElided(), false);
+    QCOMPARE(renderer.boundingSize().width(), width);
+    QCOMPARE(renderer.alignedTextTopLeft().x(), 3);
+
+    renderer.setTextWidth(width);
+    QCOMPARE(renderer.isNeedRelayout(), false);
+    QCOMPARE(renderer.alignedTextTopLeft().x(), 0);
+}
+
 void tst_TextRenderer::alignsHorizontallyByTheLimitWhereTheTextIsWider()
 {
     // The whole text's width counts, limited by the box: a wrapped text fills its box.
@@ -1355,6 +1463,81 @@ void tst_TextRenderer::drawPaintsAtTheAlignedPosition()
     QVERIFY(isBlank(drawn));
 }
 
+void tst_TextRenderer::drawPaintsAtANullAlignedPosition()
+{
+    const int height = qRound(lineHeight());
+    QFont font = pixelFont();
+    font.setStrikeOut(true);
+    TextRenderer renderer;
+    renderer.setTextAlignment(Qt::AlignVCenter);
+    renderer.setAvailableHeight(height - 14);
+    renderer.setTextTopLeft(QPoint(0, 7));
+    prepare(renderer, QStringLiteral("a"));
+    renderer.setTextFont(font);
+    renderer.relayout();
+    QCOMPARE(renderer.alignedTextTopLeft(), QPoint(0, 0));
+
+    QTest::ignoreMessage(QtWarningMsg, "QPen::setWidth: Setting a pen width that is out of range");
+    PaintRecorder recorder;
+    {
+        QPainter painter(&recorder);
+        renderer.draw(painter);
+    }
+
+    // boundingRect() is at textTopLeft() then, and begins 7 pixels further down.
+    const QPointF baseline = recorder.calls(PaintCall::Kind::Text).constFirst().position;
+    QCOMPARE(baseline, QPointF(0, QFontMetricsF(font).ascent()));
+    const QLineF strike = recorder.calls(PaintCall::Kind::Lines).constFirst().lines.constFirst();
+    QCOMPARE(strike.p1(), QPointF(0, height / 2));
+}
+
+void tst_TextRenderer::drawAsksForAggressiveCaching()
+{
+    TextRenderer renderer;
+    prepare(renderer, QStringLiteral("aaaa bbbb"), fineWidth(QStringLiteral("aaaa")), 2);
+    const TextRenderer copy = renderer;
+
+    for (const TextRenderer *each : {&std::as_const(renderer), &copy}) {
+        CachingRecorder engine;
+        CachingRecorderDevice device(engine);
+        {
+            QPainter painter(&device);
+            each->draw(painter);
+        }
+        QCOMPARE(engine.asked, (QList{true, true})); // for each line
+    }
+}
+
+void tst_TextRenderer::drawShapesNothingAfterALayout_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("maxLineCount");
+
+    const QString text = QStringLiteral("путешествие на воздушном шаре");
+    QTest::newRow("one line") << text << ampleWidth << 1;
+    QTest::newRow("no width") << text << 0 << 1;
+    QTest::newRow("elided") << text << 120 << 1;
+    QTest::newRow("several lines") << text << 120 << 4;
+    QTest::newRow("rich text") << QStringLiteral("<b>a</b> b") << ampleWidth << 1;
+}
+
+void tst_TextRenderer::drawShapesNothingAfterALayout()
+{
+    QFETCH(const QString, text);
+    QFETCH(const int, width);
+    QFETCH(const int, maxLineCount);
+    TextRenderer renderer;
+    if (countShaperCalls([&] { prepare(renderer, text, width, maxLineCount); }) == 0)
+        QSKIP("This Qt contains the shaper: its calls cannot be counted.");
+
+    QImage image = canvas();
+    QPainter painter(&image);
+    QCOMPARE(countShaperCalls([&] { renderer.draw(painter); }), 0);
+    painter.end();
+    QVERIFY(!isBlank(image));
+}
+
 void tst_TextRenderer::drawPaintsThePreviousLayoutOfADirtyText()
 {
     TextRenderer renderer;
@@ -1475,7 +1658,8 @@ void tst_TextRenderer::drawStrikesOut()
     QCOMPARE(std::fmod(height, 2), pixelSize == 14 ? 1.0 : 0.0);
 
     TextRenderer renderer;
-    renderer.setTextAlignment(Qt::AlignRight);
+    renderer.setTextAlignment(Qt::AlignRight | Qt::AlignBottom);
+    renderer.setAvailableHeight(100);
     renderer.setTextTopLeft(QPoint(10, 20));
     prepare(renderer, text);
     renderer.setTextFont(font);
@@ -1491,7 +1675,8 @@ void tst_TextRenderer::drawStrikesOut()
     }
 
     const int x = 10 + ampleWidth - fineWidth(text, font);
-    const int y = 20 + static_cast<int>(std::floor(height / 2));
+    const int top = 20 + 100 - static_cast<int>(std::ceil(height));
+    const int y = top + static_cast<int>(std::floor(height / 2));
     QCOMPARE(recorder.kinds().constFirst(), PaintCall::Kind::Text);
     QCOMPARE(recorder.kinds().constLast(), PaintCall::Kind::Lines);
     const QList<PaintCall> lines = recorder.calls(PaintCall::Kind::Lines);

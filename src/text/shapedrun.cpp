@@ -1,0 +1,333 @@
+#include "shapedrun_p.h"
+
+#include <QFont>
+#include <QFontMetricsF>
+
+#include <private/qtextengine_p.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace ovelin {
+
+namespace {
+
+// The table of tolerances, in ems unless it says otherwise. Each was found with fonts of the scripts that
+// it is for; one that is too small breaks lines in the wrong place, one that is too large costs
+// measurements.
+
+// The end of a range parts two characters that stand side by side. Fonts kern such a pair by up to half an
+// em.
+constexpr double kernedEndInEms = 0.5;
+// The same for an end whose character has its own advance. It has no pair kerning then, and rules for
+// characters that are farther apart are small.
+constexpr double freeEndInEms = 0.05;
+// The end parts characters that join, stack or are one glyph, as Arabic letters, marks and ligatures.
+constexpr double joinedEndInEms = 4;
+// Capitalization by QFont::Capitalize depends on whether a word begins at the end.
+constexpr double capitalizedEndInEms = 1;
+// Qt shapes a text in pieces of this many characters, which do not join. A range within a run of several
+// pieces has its own pieces elsewhere.
+constexpr qsizetype longestPiece = 4096;
+constexpr double pieceEndInEms = 2 * joinedEndInEms;
+// Where the direction changes, no pair is kerned. The neutral characters there can belong to either side.
+constexpr double directionChangeInEms = 1;
+// A sign from the first one on can be turned around by a letter outside the range. Brackets before it are
+// as wide as their counterparts.
+constexpr double mirroredSignInEms = 2;
+constexpr char16_t firstMirroredSign = u'\u2200';
+// Two regional indicators are one flag. The pairs depend on where the range begins.
+constexpr double regionalIndicatorInEms = 2;
+constexpr char32_t firstRegionalIndicator = 0x1f1e6;
+constexpr char32_t lastRegionalIndicator = 0x1f1ff;
+// Signs and marks before the first letter of a range are shaped by the rules of its script. Within the run they can
+// have a letter of another script before them.
+constexpr double foreignSignInEms = 2;
+// A tab reaches up to the next multiple of this many pixels from the begin of the range.
+constexpr double tabStopDistance = 80;
+
+constexpr double qtUnit = 1.0 / 64; // Qt rounds advances to multiples of it
+
+double em(const QFont &font)
+{
+    return font.pixelSize() * horizontalScale(font);
+}
+
+double absoluteLetterSpacing(const QFont &font)
+{
+    return font.letterSpacingType() == QFont::AbsoluteSpacing ? font.letterSpacing() : 0;
+}
+
+// Characters of these scripts stand side by side, but for marks, which are in one cluster with a letter.
+bool standsSideBySide(QChar::Script script)
+{
+    switch (script) {
+    case QChar::Script_Unknown:
+    case QChar::Script_Inherited:
+    case QChar::Script_Common:
+    case QChar::Script_Latin:
+    case QChar::Script_Greek:
+    case QChar::Script_Cyrillic:
+    case QChar::Script_Armenian:
+    case QChar::Script_Hebrew:
+    case QChar::Script_Georgian:
+    case QChar::Script_Hangul:
+    case QChar::Script_Hiragana:
+    case QChar::Script_Katakana:
+    case QChar::Script_Bopomofo:
+    case QChar::Script_Han:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// These turn the direction of everything behind them.
+bool isDirectionControl(QChar c)
+{
+    return (c >= u'\u202a' && c <= u'\u202e') || (c >= u'\u2066' && c <= u'\u2069');
+}
+
+char32_t characterAt(QStringView text, qsizetype index)
+{
+    const QChar c = text.at(index);
+    const bool isPair = c.isHighSurrogate() && index + 1 < text.size();
+    return isPair ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
+}
+
+bool isLetter(char32_t c)
+{
+    return QChar::script(c) > QChar::Script_Common && !QChar::isMark(c);
+}
+
+// Qt gives characters without a script of their own that of the letter before them, or, at the begin of a
+// text, that of the first letter. Script_Common stands for a text without letters.
+qsizetype firstWithScript(QStringView text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && QChar::script(characterAt(text, i)) <= QChar::Script_Common)
+        ++i;
+    return i;
+}
+
+QChar::Script firstScript(QStringView text)
+{
+    const qsizetype first = firstWithScript(text);
+    return first < text.size() ? QChar::script(characterAt(text, first)) : QChar::Script_Common;
+}
+
+QChar::Script lastScript(QStringView text)
+{
+    for (qsizetype i = text.size() - 1; i >= 0; --i) {
+        const char32_t c = characterAt(text, i);
+        if (isLetter(c))
+            return QChar::script(c);
+    }
+    return QChar::Script_Common;
+}
+
+// Returns the number of characters before the first letter.
+qsizetype leadingSigns(QStringView text)
+{
+    qsizetype signs = 0;
+    while (signs < text.size() && !isLetter(characterAt(text, signs)))
+        ++signs;
+    return signs;
+}
+
+} // namespace
+
+double horizontalScale(const QFont &font)
+{
+    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
+    return std::max(1.0, font.stretch() / 100.0)
+           * std::max(1.0, percentage ? std::abs(font.letterSpacing()) / 100 : 0);
+}
+
+Tolerances::Tolerances(const QFont &font)
+{
+    const double wordSpacing =
+        std::abs(font.wordSpacing()); // only the last of several spaces has it
+    const double character = em(font) + std::abs(absoluteLetterSpacing(font)) + wordSpacing;
+    const double capitals =
+        font.capitalization() == QFont::MixedCase ? 0 : capitalizedEndInEms * em(font);
+    kernedEnd = kernedEndInEms * em(font) + wordSpacing + capitals;
+    freeEnd = freeEndInEms * em(font) + wordSpacing + capitals;
+    joinedEnd = joinedEndInEms * character;
+    pieceEnd = pieceEndInEms * character;
+    directionChange = directionChangeInEms * character;
+    mirroredSign = mirroredSignInEms * character;
+    regionalIndicator = regionalIndicatorInEms * character;
+    foreignSign = foreignSignInEms * character;
+}
+
+ShapedRun::ShapedRun(const QString &text, qsizetype begin, const QFont &font,
+                     const Tolerances &tolerances)
+    : m_text(text)
+    , m_begin(begin)
+    , m_tolerances(&tolerances)
+    , m_letterSpacing(absoluteLetterSpacing(font))
+{
+    const auto control = std::ranges::find_if(m_text, isDirectionControl);
+    m_firstDirectionControl = begin + (control - m_text.cbegin());
+
+    m_firstLetter = begin + firstWithScript(m_text);
+
+    const QStackTextEngine engine(text, font);
+    engine.itemize();
+    m_positions.reserve(size_t(text.size()) + 1);
+    m_positions.push_back({});
+    for (int item = 0; item < engine.layoutData->items.size(); ++item)
+        appendItem(engine, item);
+    m_positions.back().endTolerance = 0;
+}
+
+bool ShapedRun::covers(qsizetype from, qsizetype to) const
+{
+    // What a control has turned has another direction without it.
+    return (from == m_begin || (from > m_begin && from <= m_firstDirectionControl)) && to <= end();
+}
+
+Reading ShapedRun::read(qsizetype from, qsizetype to) const
+{
+    const Position &first = at(from);
+    const Position &last = at(to);
+    return {.advance = last.advance - first.advance,
+            .tolerance = first.endTolerance + last.endTolerance + last.tolerance - first.tolerance
+                         + foreignSignsTolerance(from, to) + piecesTolerance(from, to)};
+}
+
+Reading ShapedRun::readClosely(qsizetype from, qsizetype to, const QFontMetricsF &metrics) const
+{
+    Reading reading = read(from, to);
+    const auto relax = [&](qsizetype end, qsizetype character) {
+        if (at(end).endTolerance == m_tolerances->kernedEnd && hasOwnAdvance(character, metrics))
+            reading.tolerance += m_tolerances->freeEnd - m_tolerances->kernedEnd;
+    };
+    relax(from, from);
+    relax(to, to - 1);
+    return reading;
+}
+
+double ShapedRun::leastAdvanceOfLonger(qsizetype from) const
+{
+    Reading reading = read(from, end());
+    const QStringView characters = QStringView(m_text).sliced(from - m_begin);
+    // Letters behind the run may give all of these signs another script.
+    if (firstScript(characters) == QChar::Script_Common)
+        reading.tolerance += double(characters.size()) * m_tolerances->foreignSign;
+    return reading.advance - reading.tolerance - m_tolerances->joinedEnd;
+}
+
+bool ShapedRun::hasOwnAdvance(qsizetype position, const QFontMetricsF &metrics) const
+{
+    const double alone = metrics.horizontalAdvance(m_text.at(position - m_begin)) + m_letterSpacing;
+    return std::abs(at(position + 1).advance - at(position).advance - alone) <= qtUnit;
+}
+
+bool ShapedRun::isExact(qsizetype from, qsizetype to, const QFontMetricsF &metrics) const
+{
+    const QStringView range = QStringView(m_text).sliced(from - m_begin, to - from);
+    const bool beginsExactly =
+        from == m_begin || (isSideBySide(from, from) && hasOwnAdvance(from, metrics));
+    return beginsExactly && at(to).tolerance == at(from).tolerance
+           && firstScript(range) != QChar::Script_Common && foreignSignsTolerance(from, to) == 0;
+}
+
+bool ShapedRun::isSideBySide(qsizetype from, qsizetype to) const
+{
+    const auto first = m_positions.begin() + (from - m_begin);
+    return std::all_of(first, first + (to - from) + 1, [this](const Position &position) {
+        return position.endTolerance <= m_tolerances->kernedEnd;
+    });
+}
+
+void ShapedRun::appendItem(const QStackTextEngine &engine, int index)
+{
+    const QScriptItem &item = engine.layoutData->items.at(index);
+    if (index > 0) {
+        const QScriptItem &before = engine.layoutData->items.at(index - 1);
+        Position &begin = m_positions.back();
+        if (before.analysis.bidiLevel != item.analysis.bidiLevel)
+            begin.tolerance += m_tolerances->directionChange;
+    }
+    if (item.analysis.flags == QScriptAnalysis::Tab)
+        appendTab(engine, index);
+    else
+        appendCharacters(engine, index);
+}
+
+void ShapedRun::appendTab(const QStackTextEngine &engine, int index)
+{
+    Position position = m_positions.back();
+    position.advance +=
+        engine.calculateTabWidth(index, QFixed::fromReal(position.advance)).toReal();
+    position.tolerance += tabStopDistance;
+    position.endTolerance = m_tolerances->kernedEnd;
+    m_positions.push_back(position);
+}
+
+void ShapedRun::appendCharacters(const QStackTextEngine &engine, int index)
+{
+    engine.shape(index);
+    const QScriptItem &item = engine.layoutData->items.at(index);
+    const QGlyphLayout glyphs = engine.shapedGlyphs(&item);
+    const unsigned short *clusters = engine.logClusters(&item);
+    const int length = engine.length(index);
+    const bool joins = !standsSideBySide(QChar::Script(item.analysis.script));
+
+    Position position = m_positions.back();
+    for (int i = 0; i < length; ++i) {
+        const bool isLast = i + 1 == length;
+        const int nextGlyph = isLast ? glyphs.numGlyphs : clusters[i + 1];
+        for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
+            position.advance += glyphs.effectiveAdvance(glyph).toReal();
+
+        const qsizetype character = item.position + i;
+        position.tolerance += characterTolerance(character);
+        const auto isSpace = [this](qsizetype at) { return m_text.at(at).isSpace(); };
+        const bool isJoined = !isLast
+                              && (clusters[i + 1] == clusters[i]
+                                  || (joins && !isSpace(character) && !isSpace(character + 1)));
+        position.endTolerance = isJoined ? m_tolerances->joinedEnd : m_tolerances->kernedEnd;
+        m_positions.push_back(position);
+    }
+}
+
+double ShapedRun::characterTolerance(qsizetype index) const
+{
+    const QChar c = m_text.at(index);
+    if (c < firstMirroredSign)
+        return 0;
+    if (c.hasMirrored())
+        return m_tolerances->mirroredSign;
+    const char32_t character = characterAt(m_text, index);
+    const bool isRegionalIndicator =
+        character >= firstRegionalIndicator && character <= lastRegionalIndicator;
+    return isRegionalIndicator ? m_tolerances->regionalIndicator : 0;
+}
+
+double ShapedRun::piecesTolerance(qsizetype from, qsizetype to) const
+{
+    if (m_text.size() <= longestPiece || from == m_begin)
+        return 0;
+    const qsizetype pieces = (to - from) / longestPiece + 1;
+    return double(pieces) * m_tolerances->pieceEnd;
+}
+
+double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
+{
+    // The run and each of its prefixes have the script of the first letter.
+    if (from == m_begin && (to > m_firstLetter || m_firstLetter == end()))
+        return 0;
+    const QStringView range = QStringView(m_text).sliced(from - m_begin, to - from);
+    const qsizetype signs = leadingSigns(range);
+    if (signs == 0)
+        return 0;
+    QChar::Script scriptInRun = lastScript(QStringView(m_text).first(from - m_begin));
+    if (scriptInRun == QChar::Script_Common)
+        scriptInRun = firstScript(m_text);
+    return firstScript(range) == scriptInRun ? 0 : double(signs) * m_tolerances->foreignSign;
+}
+
+} // namespace ovelin

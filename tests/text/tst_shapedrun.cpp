@@ -1,0 +1,458 @@
+#include "text/shapedrun_p.h"
+#include "textsupport.h"
+
+#include <QTest>
+
+#include <cmath>
+
+using namespace ovelin;
+using namespace ovelin::tests;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QFont capitalizedFont(QFont::Capitalization capitalization)
+{
+    QFont font = pixelFont();
+    font.setCapitalization(capitalization);
+    return font;
+}
+
+QFont fontWithWordSpacing(double spacing)
+{
+    QFont font = pixelFont();
+    font.setWordSpacing(spacing);
+    return font;
+}
+
+QFont stretchedFont(int stretch)
+{
+    QFont font = pixelFont();
+    font.setStretch(stretch);
+    return font;
+}
+
+// True if a reading of these characters is off by its tolerance at most.
+bool isRight(const Reading &reading, const QString &characters, const QFont &font)
+{
+    const double error = std::abs(reading.advance - advance(characters, font));
+    if (error > reading.tolerance) {
+        qWarning() << characters << "is read" << reading.advance << "±" << reading.tolerance
+                   << "and measured" << advance(characters, font);
+    }
+    return error <= reading.tolerance;
+}
+
+} // namespace
+
+class tst_ShapedRun : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void readsWithinTheTolerance_data();
+    void readsWithinTheTolerance();
+    void readsTheWholeRunExactly_data();
+    void readsTheWholeRunExactly();
+    void readsARunOfSeveralPieces_data();
+    void readsARunOfSeveralPieces();
+    void toleratesThatPiecesEndElsewhere();
+    void readsCloselyWhereNothingIsKerned_data();
+    void readsCloselyWhereNothingIsKerned();
+
+    void covers_data();
+    void covers();
+    void longerTextIsNotNarrower_data();
+    void longerTextIsNotNarrower();
+    void isExact_data();
+    void isExact();
+    void isExactInsideTheRun();
+    void isSideBySide_data();
+    void isSideBySide();
+    void hasOwnAdvance_data();
+    void hasOwnAdvance();
+    void horizontalScale_data();
+    void horizontalScale();
+};
+
+void tst_ShapedRun::initTestCase()
+{
+    QVERIFY(isTestFontInstalled());
+}
+
+void tst_ShapedRun::readsWithinTheTolerance_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QFont>("font");
+
+    const auto row = [](const char *name, const QString &text) {
+        QTest::newRow(name) << text << pixelFont();
+    };
+    row("Russian", u"«Ёлка», фильм 1-2 — 16+"_s);
+    row("kerned pairs", u"AVATAR To. Ty VAVA LT"_s);
+    row("ligatures", u"office affluent fi ffl"_s);
+    row("combining marks", u"програ\u0301мма не\u0302\u0301т"_s);
+    row("Hebrew", u"שלום, עולם 12 שָׁלוֹם"_s);
+    row("Hebrew and Latin", u"abc (שלום) def-12 עולם"_s);
+    row("Arabic", u"السلام عليكم لا، لله"_s);
+    row("Arabic and digits", u"قناة 12 السلام 3.5"_s);
+    row("Devanagari", u"हिन्दी क्षेत्र र्क (कि)"_s);
+    row("Thai", u"ภาษาไทย น้ำ กำ"_s);
+    row("CJK", u"日本語「テレビ」番組、한국어"_s);
+    row("emoji with ZWJ", u"a\U0001F468\u200d\U0001F469\u200d\U0001F467 b\U0001F44D\U0001F3FD"_s);
+    row("regional indicators", u"\U0001F1F7\U0001F1FA\U0001F1E9\U0001F1EA\U0001F1EB x"_s);
+    row("tabs", u"аб\tв\t\tгде\t"_s);
+    row("mirrored signs beside Hebrew", u"ש∈⧵⟦∑⟧ש⊂a⟮⟯"_s);
+    row("mirrored signs between Hebrew letters", u"aש"_s + u"⧵"_s.repeated(20) + u"ש"_s);
+    row("brackets beside Hebrew", u"(ש) [«a»] {ש}"_s);
+    row("signs before another script", u"a ⟶⟶ «» ש — … क ... ж"_s);
+    row("signs without letters", u"… — «!» 12:30 ⟶"_s);
+    row("marks without letters", u"\u0301\u0301 \u0301—\u0301"_s);
+    row("embedded direction", u"ab\u202bשלום cd\u202c ef"_s);
+    row("isolated direction", u"ab\u2067שלום cd\u2069 ef"_s);
+
+    const QString words = u"«Office» AVATAR, не\u0301т שלום"_s;
+    QTest::newRow("letter spacing -2") << words << spacedFont(QFont::AbsoluteSpacing, -2);
+    QTest::newRow("letter spacing 0.5") << words << spacedFont(QFont::AbsoluteSpacing, 0.5);
+    QTest::newRow("letter spacing 25") << words << spacedFont(QFont::AbsoluteSpacing, 25);
+    QTest::newRow("letter spacing 50 %") << words << spacedFont(QFont::PercentageSpacing, 50);
+    QTest::newRow("letter spacing 300 %") << words << spacedFont(QFont::PercentageSpacing, 300);
+    const QString spaces = u"a b  ц   שלום  "_s;
+    QTest::newRow("word spacing 30") << spaces << fontWithWordSpacing(30);
+    QTest::newRow("word spacing -30") << spaces << fontWithWordSpacing(-30);
+    QTest::newRow("stretch 200 %") << words << stretchedFont(200);
+    QTest::newRow("5 pixels") << words << pixelFont(5);
+    QTest::newRow("200 pixels") << words << pixelFont(200);
+    const QString mixedCase = u"wie GROSS iJ ваЛ ﬁ ß"_s;
+    QTest::newRow("capitals") << mixedCase << capitalizedFont(QFont::AllUppercase);
+    QTest::newRow("no capitals") << mixedCase << capitalizedFont(QFont::AllLowercase);
+    QTest::newRow("small capitals") << mixedCase << capitalizedFont(QFont::SmallCaps);
+    QTest::newRow("capital first letters") << mixedCase << capitalizedFont(QFont::Capitalize);
+}
+
+void tst_ShapedRun::readsWithinTheTolerance()
+{
+    QFETCH(QString, text);
+    QFETCH(QFont, font);
+    const QFontMetricsF metrics(font);
+    const Tolerances tolerances(font);
+    const ShapedRun run(text, 0, font, tolerances);
+
+    for (qsizetype from = 0; from < text.size(); ++from) {
+        for (qsizetype to = from + 1; to <= text.size() && run.covers(from, to); ++to) {
+            const QString characters = text.sliced(from, to - from);
+            const Reading reading = run.read(from, to);
+            const Reading closeReading = run.readClosely(from, to, metrics);
+            QVERIFY(isRight(reading, characters, font));
+            QVERIFY(isRight(closeReading, characters, font));
+            QVERIFY(closeReading.tolerance <= reading.tolerance);
+        }
+    }
+}
+
+void tst_ShapedRun::readsTheWholeRunExactly_data()
+{
+    readsWithinTheTolerance_data();
+}
+
+void tst_ShapedRun::readsTheWholeRunExactly()
+{
+    QFETCH(QString, text);
+    QFETCH(QFont, font);
+    const Tolerances tolerances(font);
+    constexpr qsizetype begin = 7;
+    const ShapedRun run(text, begin, font, tolerances);
+
+    QCOMPARE(run.begin(), begin);
+    QCOMPARE(run.end(), begin + text.size());
+    QCOMPARE(run.read(begin, run.end()).advance, advance(text, font));
+}
+
+void tst_ShapedRun::readsARunOfSeveralPieces_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("Russian") << u"абвгдежзик"_s.repeated(500);
+    QTest::newRow("Arabic") << u"السلاملا"_s.repeated(600);
+    QTest::newRow("marks") << u"а\u0301"_s.repeated(2300);
+}
+
+void tst_ShapedRun::readsARunOfSeveralPieces()
+{
+    QFETCH(QString, text);
+    const Tolerances tolerances(pixelFont());
+    const ShapedRun run(text, 0, pixelFont(), tolerances);
+    QVERIFY(text.size() > 4200);
+    QCOMPARE(run.read(0, text.size()).advance, advance(text));
+
+    for (const qsizetype from : {0, 1, 2, 103, 4000, 4095, 4096, 4097}) {
+        for (const qsizetype to : {4095, 4096, 4097, 4098, 4100, 4200}) {
+            if (from < to)
+                QVERIFY(isRight(run.read(from, to), text.sliced(from, to - from), pixelFont()));
+        }
+    }
+}
+
+// The run has its pieces end between two words, and the range has them end inside a word.
+void tst_ShapedRun::toleratesThatPiecesEndElsewhere()
+{
+    const QString text = u"سسسس سس "_s + u"سسسسسسس "_s.repeated(2500);
+    const Tolerances tolerances(pixelFont());
+    const ShapedRun run(text, 0, pixelFont(), tolerances);
+    constexpr qsizetype from = 5;
+    const qsizetype to = text.size();
+    const double error = std::abs(run.read(from, to).advance - advance(text.sliced(from)));
+
+    QVERIFY(error > tolerances.kernedEnd);
+    QVERIFY(error <= run.read(from, to).tolerance);
+}
+
+void tst_ShapedRun::readsCloselyWhereNothingIsKerned_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("from");
+    QTest::addColumn<qsizetype>("to");
+    QTest::addColumn<int>("closeEnds");
+
+    QTest::newRow("both ends") << u"xабвx"_s << qsizetype(1) << qsizetype(4) << 2;
+    QTest::newRow("kerned at the begin") << u"xVAбx"_s << qsizetype(1) << qsizetype(4) << 1;
+    QTest::newRow("kerned at the end") << u"xабAVx"_s << qsizetype(1) << qsizetype(4) << 1;
+    QTest::newRow("the begin of the run") << u"абвx"_s << qsizetype(0) << qsizetype(3) << 1;
+    QTest::newRow("the whole run") << u"абв"_s << qsizetype(0) << qsizetype(3) << 0;
+    QTest::newRow("joined at both ends") << u"سلام"_s << qsizetype(1) << qsizetype(2) << 0;
+}
+
+void tst_ShapedRun::readsCloselyWhereNothingIsKerned()
+{
+    QFETCH(QString, text);
+    QFETCH(qsizetype, from);
+    QFETCH(qsizetype, to);
+    QFETCH(int, closeEnds);
+    const Tolerances tolerances(pixelFont());
+    const ShapedRun run(text, 0, pixelFont(), tolerances);
+
+    const double difference = run.read(from, to).tolerance
+                              - run.readClosely(from, to, QFontMetricsF(pixelFont())).tolerance;
+    QCOMPARE(difference, closeEnds * (tolerances.kernedEnd - tolerances.freeEnd));
+}
+
+void tst_ShapedRun::covers_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("from");
+    QTest::addColumn<qsizetype>("to");
+    QTest::addColumn<bool>("covered");
+
+    const auto row = [](const char *name, const QString &text, qsizetype from, qsizetype to,
+                        bool covered) { QTest::newRow(name) << text << from << to << covered; };
+    // The run begins at position 10.
+    row("all", u"abcdef"_s, 10, 16, true);
+    row("a part", u"abcdef"_s, 12, 14, true);
+    row("begins before it", u"abcdef"_s, 9, 14, false);
+    row("ends behind it", u"abcdef"_s, 12, 17, false);
+    row("all, with a control", u"ab\u202edef"_s, 10, 16, true);
+    row("before the control", u"ab\u202edef"_s, 11, 12, true);
+    row("from before the control", u"ab\u202edef"_s, 11, 16, true);
+    row("from the control", u"ab\u202edef"_s, 12, 16, true);
+    row("behind the control", u"ab\u202edef"_s, 13, 14, false);
+    row("behind the first embedding", u"ab\u202adef"_s, 13, 16, false);
+    row("behind the first isolate", u"ab\u2066def"_s, 13, 16, false);
+    row("behind the last isolate", u"ab\u2069def"_s, 13, 16, false);
+    row("behind a mark that turns nothing", u"ab\u200fdef"_s, 13, 16, true);
+}
+
+void tst_ShapedRun::covers()
+{
+    QFETCH(QString, text);
+    QFETCH(qsizetype, from);
+    QFETCH(qsizetype, to);
+    QFETCH(bool, covered);
+    const Tolerances tolerances(pixelFont());
+
+    QCOMPARE(ShapedRun(text, 10, pixelFont(), tolerances).covers(from, to), covered);
+}
+
+void tst_ShapedRun::longerTextIsNotNarrower_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("Russian") << u"абвгд"_s;
+    QTest::newRow("a kerned letter") << u"xxT"_s;
+    QTest::newRow("a part of a ligature") << u"of"_s;
+    QTest::newRow("Arabic") << u"السل"_s;
+    QTest::newRow("Hebrew") << u"שלום"_s;
+    QTest::newRow("Devanagari") << u"हिन्"_s;
+    QTest::newRow("an emoji") << u"a\U0001F468"_s;
+    QTest::newRow("an emoji and ZWJ") << u"a\U0001F468\u200d"_s;
+    QTest::newRow("regional indicators") << u"\U0001F1F7\U0001F1FA\U0001F1E9"_s;
+    QTest::newRow("signs without letters") << u"⟶"_s.repeated(60);
+    QTest::newRow("mirrored signs") << u"∈⧵⟦∑⟧⊂"_s;
+    QTest::newRow("a tab") << u"a\t"_s;
+}
+
+void tst_ShapedRun::longerTextIsNotNarrower()
+{
+    QFETCH(QString, text);
+    const QStringList continuations = {
+        u""_s,       u" "_s,      u"я"_s,   u"."_s,      u"AV"_s,         u"fi"_s,
+        u"\u0301"_s, u"ا"_s,      u"لام"_s, u"ש"_s,      u"क्ष"_s,         u"\u094d"_s,
+        u"\t"_s,     u"\u200d"_s, u"日"_s,  u"\u202e"_s, u"\U0001F1F7"_s, u"\u200d\U0001F469"_s,
+    };
+    const Tolerances tolerances(pixelFont());
+    const ShapedRun run(text, 0, pixelFont(), tolerances);
+
+    for (qsizetype from = 0; from < text.size(); ++from) {
+        const double least = run.leastAdvanceOfLonger(from);
+        for (const QString &continuation : continuations) {
+            const QString longer = text.sliced(from) + continuation;
+            QVERIFY2(least <= advance(longer), qPrintable(longer));
+        }
+    }
+}
+
+void tst_ShapedRun::isExact_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("to");
+    QTest::addColumn<bool>("exact");
+
+    const auto row = [](const char *name, const QString &text, qsizetype to, bool exact) {
+        QTest::newRow(name) << text << to << exact;
+    };
+    row("letters", u"абв"_s, 2, true);
+    row("a sign before the first letter", u"«абв»"_s, 1, false);
+    row("the first letter behind a sign", u"«абв»"_s, 2, true);
+    row("signs without letters", u"1-2…"_s, 4, false);
+    row("before a tab", u"а\tб"_s, 1, true);
+    row("behind a tab", u"а\tб"_s, 2, false);
+    row("before the direction changes", u"абש"_s, 1, true);
+    row("where the direction changes", u"абש"_s, 2, false);
+    row("behind a mirrored sign", u"а∈б"_s, 2, false);
+    row("behind a regional indicator", u"а\U0001F1F7б"_s, 3, false);
+}
+
+void tst_ShapedRun::isExact()
+{
+    QFETCH(QString, text);
+    QFETCH(qsizetype, to);
+    QFETCH(bool, exact);
+    const Tolerances tolerances(pixelFont());
+    constexpr qsizetype begin = 10;
+
+    const ShapedRun run(text, begin, pixelFont(), tolerances);
+    QCOMPARE(run.isExact(begin, begin + to, QFontMetricsF(pixelFont())), exact);
+}
+
+// A prefix that begins inside the run is exact if nothing kerns its first letter.
+void tst_ShapedRun::isExactInsideTheRun()
+{
+    const Tolerances tolerances(pixelFont());
+    const QFontMetricsF metrics(pixelFont());
+    const ShapedRun run(u"AVA нет"_s, 0, pixelFont(), tolerances);
+    QVERIFY(!run.isExact(1, 3, metrics));
+    QVERIFY(run.isExact(4, 6, metrics));
+}
+
+void tst_ShapedRun::isSideBySide_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("from");
+    QTest::addColumn<qsizetype>("to");
+    QTest::addColumn<bool>("sideBySide");
+
+    const auto row = [](const char *name, const QString &text, qsizetype from, qsizetype to,
+                        bool sideBySide) {
+        QTest::newRow(name) << text << from << to << sideBySide;
+    };
+    row("Russian", u"абв где"_s, 0, 7, true);
+    row("kerned", u"AVAVA"_s, 1, 4, true);
+    row("Hebrew", u"שלום"_s, 0, 4, true);
+    row("CJK", u"日本語한국어テレビ"_s, 0, 9, true);
+    row("Arabic", u"درس"_s, 0, 3, false);
+    row("Devanagari", u"कखग"_s, 0, 3, false);
+    row("before a ligature", u"xfi"_s, 0, 1, true);
+    row("up to inside a ligature", u"xfi"_s, 0, 2, false);
+    row("from inside a ligature", u"fix"_s, 1, 3, false);
+    row("a ligature", u"xfix"_s, 1, 3, false);
+    row("a mark", u"ае\u0301б"_s, 0, 4, false);
+    row("behind a mark", u"ае\u0301б"_s, 3, 4, true);
+    row("a surrogate pair", u"a\U0001F600"_s, 0, 3, false);
+}
+
+void tst_ShapedRun::isSideBySide()
+{
+    QFETCH(QString, text);
+    QFETCH(qsizetype, from);
+    QFETCH(qsizetype, to);
+    QFETCH(bool, sideBySide);
+    const Tolerances tolerances(pixelFont());
+    constexpr qsizetype begin = 10;
+    const ShapedRun run(text, begin, pixelFont(), tolerances);
+
+    QCOMPARE(run.isSideBySide(begin + from, begin + to), sideBySide);
+}
+
+void tst_ShapedRun::hasOwnAdvance_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("position");
+    QTest::addColumn<QFont>("font");
+    QTest::addColumn<bool>("own");
+
+    const auto row = [](const char *name, const QString &text, qsizetype position, bool own,
+                        const QFont &font = pixelFont()) {
+        QTest::newRow(name) << text << position << font << own;
+    };
+    row("the first letter", u"ан"_s, 0, true);
+    row("the last letter", u"ан"_s, 1, true);
+    row("kerned", u"xAVx"_s, 1, false);
+    row("behind a kerned letter", u"AVx"_s, 2, true);
+    row("in a ligature", u"xfi"_s, 1, false);
+    row("letter spacing", u"ан"_s, 0, true, spacedFont(QFont::AbsoluteSpacing, 3));
+    row("letter spacing, kerned", u"xAVx"_s, 1, false, spacedFont(QFont::AbsoluteSpacing, 3));
+    row("word spacing", u"а н"_s, 1, false, fontWithWordSpacing(30));
+}
+
+void tst_ShapedRun::hasOwnAdvance()
+{
+    QFETCH(QString, text);
+    QFETCH(qsizetype, position);
+    QFETCH(QFont, font);
+    QFETCH(bool, own);
+    const Tolerances tolerances(font);
+    constexpr qsizetype begin = 10;
+    const ShapedRun run(text, begin, font, tolerances);
+
+    QCOMPARE(run.hasOwnAdvance(begin + position, QFontMetricsF(font)), own);
+}
+
+void tst_ShapedRun::horizontalScale_data()
+{
+    QTest::addColumn<QFont>("font");
+    QTest::addColumn<double>("scale");
+
+    QFont both = spacedFont(QFont::PercentageSpacing, 300);
+    both.setStretch(150);
+    QTest::newRow("plain") << pixelFont() << 1.0;
+    QTest::newRow("narrow") << stretchedFont(50) << 1.0;
+    QTest::newRow("wide") << stretchedFont(150) << 1.5;
+    QTest::newRow("letters apart") << spacedFont(QFont::PercentageSpacing, 300) << 3.0;
+    QTest::newRow("letters close") << spacedFont(QFont::PercentageSpacing, 50) << 1.0;
+    QTest::newRow("letters backwards") << spacedFont(QFont::PercentageSpacing, -300) << 3.0;
+    QTest::newRow("letters apart by pixels") << spacedFont(QFont::AbsoluteSpacing, 300) << 1.0;
+    QTest::newRow("both") << both << 4.5;
+}
+
+void tst_ShapedRun::horizontalScale()
+{
+    QFETCH(QFont, font);
+    QFETCH(double, scale);
+
+    QCOMPARE(ovelin::horizontalScale(font), scale);
+}
+
+QTEST_MAIN(tst_ShapedRun)
+
+#include "tst_shapedrun.moc"
