@@ -6,9 +6,11 @@
 #include <ovelin/brushes.h>
 
 #include <QBrush>
+#include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -47,14 +49,100 @@ Comparison compareFill(const QSize &size)
              {"a colour", fill(size, Qt::darkBlue)}}};
 }
 
+// What fills an area with a gradient that covers it once, from edge to edge.
+struct Backdrop
+{
+    Qt::Orientation direction;
+    QSize size;
+    QImage::Format format;
+
+    QLinearGradient gradient() const
+    {
+        const bool isDown = direction == Qt::Vertical;
+        QLinearGradient gradient(0, 0, isDown ? 0 : size.width(), isDown ? size.height() : 0);
+        gradient.setColorAt(0, Qt::black);
+        gradient.setColorAt(1, Qt::darkBlue);
+        return gradient;
+    }
+
+    // As long as the gradient, and so thick across it.
+    QBrush texture(int thickness) const
+    {
+        const QSize texture = direction == Qt::Vertical ? QSize(thickness, size.height())
+                                                        : QSize(size.width(), thickness);
+        return createTexturedBrush(texture, gradient());
+    }
+
+    std::function<void()> paint(const std::function<void(QPainter &, const QRect &)> &action) const
+    {
+        return [action, canvas = std::make_shared<Canvas>(size, format)] {
+            action(canvas->painter, canvas->image.rect());
+        };
+    }
+
+    std::function<void()> fill(const QBrush &brush) const
+    {
+        return paint(
+            [brush](QPainter &painter, const QRect &area) { painter.fillRect(area, brush); });
+    }
+
+    // In the format of the target, as the pixmaps of a window system are.
+    std::function<void()> copyKept() const
+    {
+        QImage kept(size, format);
+        QPainter(&kept).fillRect(kept.rect(), gradient());
+        return paint([kept](QPainter &painter, const QRect &) { painter.drawImage(0, 0, kept); });
+    }
+
+    Comparison comparison() const
+    {
+        constexpr int thin = 8;
+        const int full = direction == Qt::Vertical ? size.width() : size.height();
+        Comparison comparison{
+            fill(texture(thin)),
+            {{"the gradient itself", fill(gradient())}, {"a kept picture", copyKept()}}};
+        for (const int thickness : {2 * thin, 8 * thin, full}) {
+            comparison.contenders.push_back(
+                {"a texture " + std::to_string(thickness) + " px thick", fill(texture(thickness))});
+        }
+        return comparison;
+    }
+};
+
+std::string name(const QSize &size)
+{
+    return std::to_string(size.width()) + " x " + std::to_string(size.height());
+}
+
+struct NamedFormat
+{
+    const char *name;
+    QImage::Format format;
+};
+
+constexpr NamedFormat formats[] = {
+    {"RGB32", QImage::Format_RGB32},
+    {"RGB16", QImage::Format_RGB16},
+    {"ARGB32_Premultiplied", QImage::Format_ARGB32_Premultiplied},
+};
+
 } // namespace
 
 void registerGraphics()
 {
-    for (const QSize &size : {QSize(1280, 720), QSize(300, 60)}) {
-        compare("textured brush: filling " + std::to_string(size.width()) + " x "
-                    + std::to_string(size.height()),
-                [=] { return compareFill(size); });
+    for (const QSize &size : {QSize(1280, 720), QSize(300, 60)})
+        compare("textured brush: filling " + name(size), [=] { return compareFill(size); });
+
+    for (const Qt::Orientation direction : {Qt::Vertical, Qt::Horizontal}) {
+        for (const QSize &size : {QSize(900, 180), QSize(1280, 720)}) {
+            for (const NamedFormat &format : formats) {
+                const Backdrop backdrop{direction, size, format.format};
+                compare("texture 8 px thick: "
+                            + std::string(direction == Qt::Vertical ? "down " : "across ")
+                            + name(size) + ", " + format.name,
+                        [=] { return backdrop.comparison(); });
+            }
+        }
     }
 }
 

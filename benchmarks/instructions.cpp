@@ -33,6 +33,18 @@ Work relayout()
     return relayoutOf(makeRenderer(textCase));
 }
 
+// Some of the grid's cells.
+constexpr TextCase tickerRussian{
+    .script = Script::Russian, .wordCount = 200, .maxLineCount = 1, .width = justWideEnough};
+constexpr TextCase cutTickerArabic{
+    .script = Script::Arabic, .wordCount = 200, .maxLineCount = 1, .width = screenWidth};
+constexpr TextCase linesHebrew{.script = Script::Hebrew, .wordCount = 200, .maxLineCount = 4};
+constexpr TextCase linesChinese{.script = Script::Chinese, .wordCount = 200, .maxLineCount = 4};
+constexpr TextCase linesSpaced{
+    .script = Script::Russian, .wordCount = 200, .maxLineCount = 4, .letterSpacing = -0.5};
+constexpr TextCase linesEndless{
+    .script = Script::Russian, .wordCount = 2000, .maxLineCount = 4, .endless = true};
+
 Work hyphenation()
 {
     return hyphenationOf(description(Script::Russian, 60));
@@ -121,6 +133,12 @@ constexpr NamedWork works[] = {
     {"relayout-20-4-latin", relayout<TextCase{Script::Latin, 20, 4}>},
     {"relayout-60-100", relayout<TextCase{Script::Russian, 60, 100}>},
     {"relayout-20000-4", relayout<TextCase{Script::Russian, 20000, 4}>},
+    {"relayout-200-1-ticker", relayout<tickerRussian>},
+    {"relayout-200-1-arabic", relayout<cutTickerArabic>},
+    {"relayout-200-4-hebrew", relayout<linesHebrew>},
+    {"relayout-200-4-chinese", relayout<linesChinese>},
+    {"relayout-200-4-spaced", relayout<linesSpaced>},
+    {"relayout-2000-4-endless", relayout<linesEndless>},
     {"hyphenation", hyphenation},
     {"draw", draw},
     {"registration", registration},

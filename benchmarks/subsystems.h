@@ -8,6 +8,7 @@ void registerText();
 void registerResources();
 void registerThrobber();
 void registerGraphics();
+void registerTextGrid();
 
 } // namespace ovelin::benchmarks
 

@@ -1,14 +1,11 @@
 #include "subsystems.h"
 
 #include "contenders/qttext.h"
+#include "contenders/textcontenders.h"
 #include "support/canvas.h"
 #include "support/comparison.h"
 #include "support/renderers.h"
 #include "support/texts.h"
-
-#ifdef OVELIN_BENCHMARK_PANGO
-#  include "contenders/pangotext.h"
-#endif
 
 #include <ovelin/textrenderer.h>
 
@@ -41,33 +38,11 @@ std::string caseName(const TextCase &textCase)
 
 constexpr TextCase usualCase{.script = Script::Russian, .wordCount = 20, .maxLineCount = 4};
 
-Contender floorOf(const TextRenderer &renderer)
-{
-    auto floor = std::make_shared<StaticTextOf>(renderer);
-    return {"QStaticText alone (floor)", [floor] { floor->prepare(); }};
-}
-
-Contender lineLoop(const QString &text, int maxLineCount)
-{
-    auto loop = std::make_shared<LineLoop>(pixelFont(), boxWidth, maxLineCount);
-    return {"QTextLayout loop", [loop, text] { loop->layOut(text); }};
-}
-
 Contender document(const QString &text)
 {
     auto document = std::make_shared<Document>(pixelFont(), boxWidth);
     return {"QTextDocument", [document, text] { document->layOut(text); }};
 }
-
-#ifdef OVELIN_BENCHMARK_PANGO
-Contender pango(const QString &text, int maxLineCount)
-{
-    const QFont font = pixelFont();
-    auto layout = std::make_shared<PangoText>(font.family().toUtf8().constData(), font.pixelSize(),
-                                              boxWidth, maxLineCount);
-    return {"Pango", [layout, utf8 = text.toUtf8()] { layout->layOut(utf8); }};
-}
-#endif
 
 // A long text is to cost what is shown of it.
 constexpr int fewWords = 60;
@@ -81,19 +56,10 @@ Contender relayoutOfFewWords(TextCase textCase)
 Comparison compareRelayout(const TextCase &textCase)
 {
     const auto renderer = makeRenderer(textCase);
-    const QString text = renderer->text();
-    Comparison comparison;
-    comparison.contenders = {
-        floorOf(*renderer),
-        lineLoop(text, textCase.maxLineCount),
-        document(text),
-#ifdef OVELIN_BENCHMARK_PANGO
-        pango(text, textCase.maxLineCount),
-#endif
-    };
+    Comparison comparison{relayoutOf(renderer), textContenders(*renderer)};
+    comparison.contenders.push_back(document(renderer->text()));
     if (textCase.wordCount > fewWords)
         comparison.contenders.push_back(relayoutOfFewWords(textCase));
-    comparison.work = relayoutOf(renderer);
     return comparison;
 }
 

@@ -12,20 +12,40 @@ std::shared_ptr<Object> shared(Object *object)
     return {object, g_object_unref};
 }
 
+int toPango(double pixels)
+{
+    return int(pixels * PANGO_SCALE);
+}
+
+void setFont(PangoLayout *layout, const QFont &font)
+{
+    PangoFontDescription *description = pango_font_description_new();
+    pango_font_description_set_family(description, font.family().toUtf8().constData());
+    pango_font_description_set_absolute_size(description, toPango(font.pixelSize()));
+    pango_layout_set_font_description(layout, description);
+    pango_font_description_free(description);
+}
+
+void setLetterSpacing(PangoLayout *layout, double spacing)
+{
+    PangoAttrList *attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_letter_spacing_new(toPango(spacing)));
+    pango_layout_set_attributes(layout, attributes);
+    pango_attr_list_unref(attributes);
+}
+
 } // namespace
 
-PangoText::PangoText(const char *fontFamily, int pixelSize, int width, int maxLineCount)
+PangoText::PangoText(const QFont &font, int width, int maxLineCount)
 {
     const auto context = shared(pango_font_map_create_context(pango_cairo_font_map_get_default()));
     m_layout = shared(pango_layout_new(context.get()));
+    setFont(m_layout.get(), font);
+    if (font.letterSpacing() != 0)
+        setLetterSpacing(m_layout.get(), font.letterSpacing());
 
-    PangoFontDescription *font = pango_font_description_new();
-    pango_font_description_set_family(font, fontFamily);
-    pango_font_description_set_absolute_size(font, pixelSize * PANGO_SCALE);
-    pango_layout_set_font_description(m_layout.get(), font);
-    pango_font_description_free(font);
-
-    pango_layout_set_width(m_layout.get(), width * PANGO_SCALE);
+    pango_layout_set_width(m_layout.get(), toPango(width));
+    pango_layout_set_wrap(m_layout.get(), PANGO_WRAP_WORD_CHAR);
     // A negative height is a number of lines.
     pango_layout_set_height(m_layout.get(), -maxLineCount);
     pango_layout_set_ellipsize(m_layout.get(), PANGO_ELLIPSIZE_END);

@@ -2,6 +2,7 @@
 #define OVELIN_BENCHMARKS_PANGOTEXT_H
 
 #include <QByteArray>
+#include <QFont>
 
 #include <memory>
 
@@ -13,7 +14,7 @@ namespace ovelin::benchmarks {
 class PangoText
 {
 public:
-    PangoText(const char *fontFamily, int pixelSize, int width, int maxLineCount);
+    PangoText(const QFont &font, int width, int maxLineCount);
 
     void layOut(const QByteArray &utf8);
 

@@ -45,6 +45,9 @@ LineLoop::LineLoop(const QFont &font, int width, int maxLineCount)
     , m_width(width)
     , m_maxLineCount(maxLineCount)
 {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_layout.setTextOption(option);
     m_layout.setFont(font);
     m_layout.setCacheEnabled(true);
     m_lastLine.setFont(font);

@@ -7,11 +7,11 @@
 
 namespace ovelin::benchmarks {
 
-// An image in the format of a raster window, and a painter on it.
+// An image, by default in the format of a raster window, and a painter on it.
 struct Canvas
 {
-    explicit Canvas(const QSize &size)
-        : image(size, QImage::Format_ARGB32_Premultiplied)
+    explicit Canvas(const QSize &size, QImage::Format format = QImage::Format_ARGB32_Premultiplied)
+        : image(size, format)
     {
         image.fill(Qt::black);
         painter.begin(&image);

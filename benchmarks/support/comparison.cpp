@@ -18,8 +18,10 @@ using Seconds = std::chrono::duration<double>;
 // that it does not count.
 constexpr Seconds shortestMeasurement{0.0005};
 
-// What each repetition takes at least.
+// What each repetition takes at least, and the only one where there are no others.
 constexpr Seconds repetitionTime{0.1};
+constexpr Seconds singleRunTime{0.3};
+constexpr int fewestRounds = 3;
 
 // Time that this program had a processor: what others take of it is left out, and what Qt does in
 // threads of its own, such as large fills, counts as on a box with one processor.
@@ -28,13 +30,6 @@ Seconds processorTime()
     timespec time;
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 class Measurement
@@ -97,7 +92,7 @@ private:
     std::vector<double> m_secondsPerRun;
 };
 
-void run(const Comparison &comparison, benchmark::State &state)
+void run(const Comparison &comparison, benchmark::State &state, Seconds time)
 {
     std::vector<Measurement> measurements{Measurement(comparison.work, comparison.undoWork)};
     for (const Contender &contender : comparison.contenders)
@@ -110,7 +105,7 @@ void run(const Comparison &comparison, benchmark::State &state)
 
     for ([[maybe_unused]] const auto &repetition : state) {
         Seconds total{};
-        while (total < repetitionTime) {
+        for (int round = 0; round < fewestRounds || total < time; ++round) {
             for (Measurement *measurement : order)
                 total += measurement->runRound();
             // Whoever comes first is not always the same.
@@ -126,9 +121,9 @@ void run(const Comparison &comparison, benchmark::State &state)
 }
 
 template<typename Function>
-void registerBenchmark(const std::string &name, Function function)
+benchmark::internal::Benchmark *registerBenchmark(const std::string &name, Function function)
 {
-    benchmark::RegisterBenchmark(name, std::move(function))->UseManualTime()->Iterations(1);
+    return benchmark::RegisterBenchmark(name, std::move(function))->UseManualTime()->Iterations(1);
 }
 
 } // namespace
@@ -136,17 +131,32 @@ void registerBenchmark(const std::string &name, Function function)
 void compare(const std::string &name, std::function<Comparison()> makeComparison)
 {
     registerBenchmark(name, [makeComparison = std::move(makeComparison)](benchmark::State &state) {
-        run(makeComparison(), state);
+        run(makeComparison(), state, repetitionTime);
     });
+}
+
+void compareOnce(const std::string &name, std::function<Comparison()> makeComparison)
+{
+    const auto measure = [makeComparison = std::move(makeComparison)](benchmark::State &state) {
+        run(makeComparison(), state, singleRunTime);
+    };
+    registerBenchmark(name, measure)->Repetitions(1);
 }
 
 void countShaping(const std::string &name, std::function<std::function<void()>()> makeAction)
 {
     registerBenchmark(name, [makeAction = std::move(makeAction)](benchmark::State &state) {
         const auto action = makeAction();
-        run({.work = action}, state);
+        run({.work = action}, state, repetitionTime);
         state.counters[shaperCallsCounter] = tests::countShaperCalls(action);
     });
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }
 
 } // namespace ovelin::benchmarks

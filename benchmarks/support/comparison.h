@@ -27,6 +27,9 @@ struct Comparison
 // what is compared.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);
 
+// The same for one of many comparisons: it is not repeated, and it takes few rounds if these are long.
+void compareOnce(const std::string &name, std::function<Comparison()> makeComparison);
+
 // Registers an action of which is told how often it has a text shaped.
 void countShaping(const std::string &name, std::function<std::function<void()>()> makeAction);
 
@@ -34,6 +37,8 @@ void countShaping(const std::string &name, std::function<std::function<void()>()
 // All others have the names of contenders and tell how many times as long as theirs the work takes.
 inline constexpr auto workCounter = "work";
 inline constexpr auto shaperCallsCounter = "calls of the text shaper";
+
+double median(std::vector<double> values);
 
 } // namespace ovelin::benchmarks
 

@@ -16,6 +16,7 @@ int main(int argc, char *argv[])
     ovelin::benchmarks::registerResources();
     ovelin::benchmarks::registerThrobber();
     ovelin::benchmarks::registerGraphics();
+    ovelin::benchmarks::registerTextGrid();
 
     ovelin::benchmarks::Table table;
     return benchmark::RunSpecifiedBenchmarks(&table) > 0 ? 0 : 1;

@@ -4,37 +4,53 @@
 
 #include <benchmark/benchmark.h>
 
+#include <QFontMetricsF>
+#include <QPoint>
 #include <QStringList>
 
 #include <vector>
 
 namespace ovelin::benchmarks {
 
+namespace {
+
+QString makeText(const TextCase &textCase)
+{
+    const auto make = textCase.endless ? endlessWord : description;
+    return make(textCase.script, textCase.wordCount);
+}
+
+int findWidth(const TextCase &textCase, const TextRenderer &renderer)
+{
+    if (textCase.width != justWideEnough)
+        return textCase.width;
+    // A line that is exactly as wide as the box would not fit.
+    return TextRenderer::fineTextWidth(renderer.text(), QFontMetricsF(renderer.textFont())) + 1;
+}
+
+} // namespace
+
 std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase)
 {
     auto renderer = std::make_shared<TextRenderer>();
-    renderer->setTextFont(pixelFont());
-    renderer->setTextWidth(boxWidth);
+    renderer->setTextFont(pixelFont(textCase.letterSpacing));
     renderer->setMaxLineCount(textCase.maxLineCount);
     renderer->setHyphenationEnabled(textCase.hyphenationEnabled);
     if (textCase.centred) {
         renderer->setTextAlignment(Qt::AlignCenter);
         renderer->setAvailableHeight(boxHeight);
     }
-    renderer->setText(description(textCase.script, textCase.wordCount));
+    renderer->setText(makeText(textCase));
+    renderer->setTextWidth(findWidth(textCase, *renderer));
     renderer->relayout();
     return renderer;
 }
 
-// Setting the width of a text that takes several lines makes its layout out of date, even if it
-// stays.
+// Another position makes the layout of any text in any box out of date.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
 {
-    renderer->setTextWidth(boxWidth);
-    if (!renderer->isNeedRelayout())
-        qFatal("A text that is to be laid out again fits on one line.");
     return [renderer] {
-        renderer->setTextWidth(boxWidth);
+        renderer->setTextTopLeft(QPoint(1, 1) - renderer->textTopLeft());
         renderer->relayout();
     };
 }

@@ -12,6 +12,10 @@ namespace ovelin::benchmarks {
 
 constexpr int boxWidth = 400;
 constexpr int boxHeight = 200;
+constexpr int screenWidth = 1900;
+
+// The width of a box that shows the whole text on one line.
+constexpr int justWideEnough = 0;
 
 struct TextCase
 {
@@ -20,6 +24,9 @@ struct TextCase
     int maxLineCount;
     bool hyphenationEnabled = true;
     bool centred = false;
+    int width = boxWidth;
+    bool endless = false; // one word, of the letters of the words
+    double letterSpacing = 0;
 };
 
 // Returns a renderer that has laid out its text in the box.

@@ -77,24 +77,27 @@ constexpr auto compiler =
 bool Table::ReportContext(const Context &context)
 {
     GetOutputStream() << "Measured on " << processorModel() << ", " << context.cpu_info.num_cpus
-                      << " processors, with Qt " << qVersion() << " and " << compiler << ".\n\n"
-                      << "| work | time | against | ratio | target | |\n"
-                         "|---|---:|---|---:|---:|---|\n";
+                      << " processors, with Qt " << qVersion() << " and " << compiler << ".\n\n";
     return true;
 }
 
 void Table::ReportRuns(const std::vector<Run> &runs)
 {
-    const auto median = std::ranges::find_if(runs, [](const Run &run) {
-        return run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+    // The result of a benchmark that is not repeated is its only run.
+    const auto result = std::ranges::find_if(runs, [](const Run &run) {
+        return run.repetitions == 1 || run.aggregate_name == "median";
     });
-    if (median == runs.end())
+    if (result == runs.end())
         return;
 
-    const double seconds = median->counters.at(workCounter);
-    for (const auto &[against, ratio] : median->counters) {
+    const std::string &name = result->run_name.function_name;
+    if (m_grid.add(name, result->counters, GetOutputStream()))
+        return;
+
+    const double seconds = result->counters.at(workCounter);
+    for (const auto &[against, ratio] : result->counters) {
         if (against != workCounter)
-            printRow(median->run_name.function_name, seconds, against, ratio);
+            printRow(name, seconds, against, ratio);
     }
 }
 
@@ -102,8 +105,17 @@ void Table::printRow(const std::string &work, double seconds, const std::string 
                      double ratio)
 {
     std::ostream &out = GetOutputStream();
+    if (!m_hasRows)
+        out << "| work | time | against | ratio | target | |\n|---|---:|---|---:|---:|---|\n";
+    m_hasRows = true;
     out << "| " << work << " | " << timeText(seconds) << " | " << against << " | "
         << numberText(ratio) << " | ";
+    printVerdict(work, against, ratio);
+}
+
+void Table::printVerdict(std::string_view work, std::string_view against, double ratio)
+{
+    std::ostream &out = GetOutputStream();
     if (const Target *target = findTarget(work, against)) {
         ++m_targets;
         m_targetsMet += ratio <= target->ratio;
@@ -114,8 +126,24 @@ void Table::printRow(const std::string &work, double seconds, const std::string 
     out.flush();
 }
 
+void Table::printGridSummary()
+{
+    std::ostream &out = GetOutputStream();
+    m_grid.printLastBox(out);
+    const auto summary = m_grid.summary();
+    if (summary.empty())
+        return;
+    out << "\nThe grid's cells of at most " << longText << " words together:\n\n"
+        << "| | number | target | |\n|---|---:|---:|---|\n";
+    for (const auto &[what, number] : summary) {
+        out << "| " << what << " | " << numberText(number) << " | ";
+        printVerdict(gridName, what, number);
+    }
+}
+
 void Table::Finalize()
 {
+    printGridSummary();
     if (m_targets > 0)
         GetOutputStream() << "\n" << m_targetsMet << " of " << m_targets << " targets are met.\n";
 }

@@ -1,14 +1,17 @@
 #ifndef OVELIN_BENCHMARKS_TABLE_H
 #define OVELIN_BENCHMARKS_TABLE_H
 
+#include "support/gridtable.h"
+
 #include <benchmark/benchmark.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ovelin::benchmarks {
 
-// Prints a Markdown table of the comparisons, a line as soon as it is known.
+// Prints a Markdown table of the comparisons, a line as soon as it is known, and those of the grid.
 class Table : public benchmark::BenchmarkReporter
 {
 public:
@@ -19,7 +22,11 @@ public:
 private:
     void printRow(const std::string &work, double seconds, const std::string &against,
                   double ratio);
+    void printGridSummary();
+    void printVerdict(std::string_view work, std::string_view against, double ratio);
 
+    GridTable m_grid;
+    bool m_hasRows = false;
     int m_targets = 0;
     int m_targetsMet = 0;
 };

@@ -6,7 +6,11 @@
 
 namespace ovelin::benchmarks {
 
-// How many times as long as another contender a work may take.
+// The work of the targets for what sums up the grid.
+inline constexpr auto gridName = "grid";
+
+// How many times as long as another contender a work may take, or the most that a number of the grid's
+// may be.
 struct Target
 {
     std::string_view work;

@@ -6,14 +6,17 @@
 
 namespace ovelin::benchmarks {
 
-enum class Script { Russian, Latin, Mixed };
+enum class Script { Russian, Latin, Mixed, Hebrew, Arabic, Chinese };
 
 const char *name(Script script);
 
 // A programme's description of so many words; long ones begin anew after 60.
 QString description(Script script, int wordCount);
 
-QFont pixelFont();
+// The letters of such a description, with nothing between them.
+QString endlessWord(Script script, int wordCount);
+
+QFont pixelFont(double letterSpacing = 0);
 
 } // namespace ovelin::benchmarks
 

@@ -1,7 +1,7 @@
 # bench [FILTER]
 # Measure the library's speed as ratios to what Qt and others need for the same.
 #
-# Work and contenders take turns in one run, by processor time; the table has medians and goes to
+# Work and contenders take turns in one run, by processor time; the tables have medians and go to
 # build/bench.md as well. FILTER is a regular expression for the names of works: ./dev bench Russian
 #
 #   ./dev bench --check     count the instructions of some works, and fail when one takes over 3 % more

@@ -1,0 +1,22 @@
+#ifndef OVELIN_BENCHMARKS_TEXTCONTENDERS_H
+#define OVELIN_BENCHMARKS_TEXTCONTENDERS_H
+
+#include "support/comparison.h"
+
+#include <ovelin/textrenderer.h>
+
+#include <vector>
+
+namespace ovelin::benchmarks {
+
+inline constexpr auto floorName = "QStaticText alone (floor)";
+inline constexpr auto lineLoopName = "QTextLayout loop";
+inline constexpr auto pangoName = "Pango";
+
+// Returns the floor of a renderer, and the others that show its text in its box, with its font and
+// its line limit. Pango is missing where the program was built without it.
+std::vector<Contender> textContenders(const TextRenderer &renderer);
+
+} // namespace ovelin::benchmarks
+
+#endif

@@ -1,0 +1,49 @@
+#ifndef OVELIN_BENCHMARKS_GRIDTABLE_H
+#define OVELIN_BENCHMARKS_GRIDTABLE_H
+
+#include "support/textgrid.h"
+
+#include <benchmark/benchmark.h>
+
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ovelin::benchmarks {
+
+// Collects the ratios of the grid's cells, and prints a Markdown table for each box.
+class GridTable
+{
+public:
+    // Returns false if no cell of the grid has that name. Prints the table of the last box when the
+    // first cell of another one arrives.
+    bool add(const std::string &cellName, const benchmark::UserCounters &counters,
+             std::ostream &out);
+
+    void printLastBox(std::ostream &out) const;
+
+    // Returns named numbers on the cells of at most 2,000 words, without those that nothing was
+    // measured for.
+    std::vector<std::pair<std::string, double>> summary() const;
+
+private:
+    // How many times as long as others the layout takes; NaN where that was not measured.
+    struct Result
+    {
+        GridCell cell;
+        double floor;
+        double loop;
+        double pango;
+        double growth;
+    };
+
+    void printRow(const TextKind &kind, std::ostream &out) const;
+
+    const TextBox *m_box = nullptr;
+    std::vector<Result> m_results;
+};
+
+} // namespace ovelin::benchmarks
+
+#endif

@@ -1,0 +1,34 @@
+#include "subsystems.h"
+
+#include "contenders/textcontenders.h"
+#include "support/comparison.h"
+#include "support/renderers.h"
+#include "support/textgrid.h"
+
+namespace ovelin::benchmarks {
+
+namespace {
+
+Comparison compareCell(GridCell cell)
+{
+    const auto renderer = makeRenderer(cell.textCase());
+    Comparison comparison{relayoutOf(renderer)};
+    // It comes right after the work, before others fill the processor's caches with long texts.
+    if (cell.box->cuts && cell.wordCount == longText) {
+        cell.wordCount = shortText;
+        comparison.contenders.push_back({growthName, relayoutOf(makeRenderer(cell.textCase()))});
+    }
+    for (const Contender &contender : textContenders(*renderer))
+        comparison.contenders.push_back(contender);
+    return comparison;
+}
+
+} // namespace
+
+void registerTextGrid()
+{
+    for (const GridCell &cell : gridCells())
+        compareOnce(cell.name(), [cell] { return compareCell(cell); });
+}
+
+} // namespace ovelin::benchmarks
