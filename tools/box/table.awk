@@ -2,7 +2,7 @@
 # a budget is exceeded, a value is missing or 0, or one has no budget: nothing that is measured costs nothing.
 
 BEGIN {
-    print "| cost on the box | measured | budget | unit |"
+    print "| cost on the device | measured | budget | unit |"
     print "|---|---:|---:|---|"
 }
 

@@ -7,6 +7,7 @@
 #include "mark.h"
 
 #include <ovelin/abstractresourceowner.h>
+#include <ovelin/brushes.h>
 #include <ovelin/sceneresourcetracker.h>
 #include <ovelin/textrenderer.h>
 #include <ovelin/throbberrenderer.h>
@@ -14,12 +15,14 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImage>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QStaticText>
 #include <QTextOption>
 #include <QTransform>
 #include <QUrl>
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -32,6 +35,7 @@ namespace {
 
 constexpr int fontPixelSize = 24;
 constexpr int descriptionLines = 4;
+constexpr QSize panelSize(900, 180);
 constexpr int descriptionWidth = 620; // four full lines of the description
 
 const QString title = u"Ледокол идёт на север"_s;
@@ -222,6 +226,38 @@ void countThrobber()
     });
 }
 
+void countPainting(const std::string &name, const std::function<void(QPainter &)> &paint)
+{
+    QImage screen(panelSize, QImage::Format_RGB32);
+    screen.fill(Qt::black);
+    QPainter painter(&screen);
+    paint(painter);
+    markAction(name, [&] { paint(painter); });
+}
+
+// A gradient that covers a panel once, as itself and as a texture.
+void countGradient(const std::string &name, const QPoint &end, const QSize &textureSize)
+{
+    constexpr QRect panel(QPoint(0, 0), panelSize);
+    QLinearGradient gradient(QPoint(0, 0), end);
+    gradient.setColorAt(0, Qt::black);
+    gradient.setColorAt(1, Qt::darkBlue);
+    const QBrush texture = createTexturedBrush(textureSize, gradient);
+    countPainting(name, [&](QPainter &painter) { painter.fillRect(panel, gradient); });
+    countPainting(name + "-texture", [&](QPainter &painter) { painter.fillRect(panel, texture); });
+}
+
+void countGradients()
+{
+    constexpr int thickness = 8;
+    countGradient("gradient-down", {0, panelSize.height()}, {thickness, panelSize.height()});
+    countGradient("gradient-across", {panelSize.width(), 0}, {panelSize.width(), thickness});
+
+    QImage kept(panelSize, QImage::Format_RGB32);
+    kept.fill(Qt::darkBlue);
+    countPainting("gradient-kept", [&](QPainter &painter) { painter.drawImage(0, 0, kept); });
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -237,4 +273,5 @@ int main(int argc, char *argv[])
     countText();
     countTracker();
     countThrobber();
+    countGradients();
 }
