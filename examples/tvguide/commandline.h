@@ -32,7 +32,7 @@ struct Options
     }
 };
 
-// What to print instead of going on: help, the version, or what was wrong.
+// The text to print before the program ends: the help, the version, or an error in the arguments.
 struct Answer
 {
     QString text;

@@ -5,10 +5,10 @@
 
 namespace tvguide {
 
-// One line on standard output, in UTF-8 whatever the locale.
+// Prints one line on standard output, in UTF-8 in every locale.
 void print(const QString &line);
 
-// One line on standard error.
+// Prints one line on standard error, in UTF-8 in every locale.
 void complain(const QString &line);
 
 } // namespace tvguide

@@ -39,7 +39,10 @@ QJsonArray describeTexts(const GuideScene &scene)
                      describe(u"panel title"_s, panel.title),
                      describe(u"panel facts"_s, panel.facts),
                      describe(u"panel remaining"_s, panel.remaining),
+                     describe(u"panel episode"_s, panel.episode),
                      describe(u"panel description"_s, panel.description)};
+    for (const PanelTag &tag : panel.tags)
+        texts += describe(u"panel tag"_s, tag.label);
     for (const TimeMark &mark : scene.timeMarks())
         texts += describe(u"time mark"_s, mark.label);
     for (const auto &[index, entry] : scene.channels()) {

@@ -9,8 +9,9 @@ class GuideScene;
 class ResourcePolicy;
 class TrackerLog;
 
-// What is on the screen, as JSON: the displayed lines of every text, the rectangle of every card,
-// and what was decided about the pictures. The same on every machine that has the same font.
+// Returns the content of the screen as JSON: the displayed lines of every text, the rectangle of
+// every card, and the decisions about pictures. Machines with the same font give the same
+// description.
 QByteArray describe(const GuideScene &scene, const ResourcePolicy &policy, const TrackerLog &log);
 
 } // namespace tvguide

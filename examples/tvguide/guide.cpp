@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <ranges>
 #include <utility>
 
 namespace tvguide {
@@ -10,23 +11,54 @@ namespace {
 
 using namespace std::chrono;
 
-// Assumed for the last programme of a channel when its end was not given.
+// The length of the last programme of a channel if its stop is not given.
 constexpr minutes defaultDuration(30);
 
-// When most people watch, and far enough from the full hour to find programmes half over.
+// Most people watch at this time, and most programmes have begun some minutes before.
 constexpr seconds eveningTime = hours(20) + minutes(10);
+
+std::pair<Instant, int> placeOf(const Programme &programme)
+{
+    return {programme.start, programme.clumpIndex};
+}
+
+// Keeps the last one of several programmes at the same place: the file corrects itself.
+void dropCorrected(std::vector<Programme> &programmes)
+{
+    const auto dropped = std::ranges::unique(programmes | std::views::reverse, {}, placeOf);
+    programmes.erase(programmes.begin(), dropped.begin().base());
+}
+
+// Keeps the first programme of every slot. The slot ends at the latest stop that is given.
+void joinSlots(std::vector<Programme> &programmes)
+{
+    std::vector<Programme> joined;
+    joined.reserve(programmes.size());
+    for (Programme &programme : programmes) {
+        if (joined.empty() || joined.back().start != programme.start) {
+            joined.push_back(std::move(programme));
+            continue;
+        }
+        Programme &first = joined.back();
+        first.alsoInSlot += programme.title;
+        if (first.stop == Programme::unknownStop)
+            first.stop = programme.stop;
+        else if (programme.stop != Programme::unknownStop)
+            first.stop = std::max(first.stop, programme.stop);
+    }
+    programmes = std::move(joined);
+}
 
 void arrange(std::vector<Programme> &programmes)
 {
-    std::ranges::stable_sort(programmes, {}, &Programme::start);
+    std::ranges::stable_sort(programmes, {}, placeOf);
+    dropCorrected(programmes);
+    joinSlots(programmes);
 
     for (std::size_t i = 0; i + 1 < programmes.size(); ++i)
         programmes[i].stop = std::min(programmes[i].stop, programmes[i + 1].start);
     if (!programmes.empty() && programmes.back().stop == Programme::unknownStop)
         programmes.back().stop = programmes.back().start + defaultDuration;
-
-    // Of several that begin together only the last one has kept a duration.
-    std::erase_if(programmes, [](const Programme &p) { return p.stop <= p.start; });
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #ifndef TVGUIDE_GUIDE_H
 #define TVGUIDE_GUIDE_H
 
+#include "episodenumber.h"
 #include "times.h"
 
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 #include <cstddef>
@@ -13,15 +15,29 @@ namespace tvguide {
 
 struct Programme
 {
-    // The end of a programme of which only the beginning is known.
+    // The stop of a programme if only its start is known.
     static constexpr Instant unknownStop = Instant::max();
 
     Instant start;
     Instant stop = unknownStop;
+    // Counts the programmes that share a slot of their channel, from 0.
+    int clumpIndex = 0;
+
     QString title;
+    QString subTitle;
     QString description;
     QString category;
     QUrl icon;
+    EpisodeNumber episodeNumber;
+    // The episode as the broadcaster writes it, for a programme without an episode number.
+    QString episodeText;
+    bool isNew = false;
+    bool isPremiere = false;
+    QString premiere;
+    QStringList ratings;
+
+    // The titles of the programmes that follow in the same slot.
+    QStringList alsoInSlot;
 
     bool isRunning(Instant now) const { return start <= now && now < stop; }
 };
@@ -34,14 +50,15 @@ struct Channel
     QUrl icon;
     std::vector<Programme> programmes;
 
-    // The index of the first programme that ends after the instant; the number of programmes if
-    // there is none. Costs a binary search.
+    // Returns the index of the first programme that ends after the instant; the number of
+    // programmes if there is none. Costs a binary search.
     std::size_t firstEndingAfter(Instant instant) const;
     bool hasProgrammeAt(Instant instant) const;
 };
 
-// What is on, channel by channel. On every channel the programmes follow each other without
-// overlapping: each one ends at the latest where the next one begins.
+// The programmes of all channels. The programmes of a channel are sorted by their start and do not
+// overlap: a programme ends at the start of the next one or earlier. Programmes with the same start
+// share a slot: the guide keeps the first of them, which names the others.
 class Guide
 {
 public:
@@ -55,7 +72,7 @@ public:
     std::size_t programmeCount() const;
     bool covers(Instant instant) const;
 
-    // A moment worth looking at, for a guide that does not cover the present: an evening of it.
+    // Returns a time to show if the guide does not cover the present: an evening of the guide.
     Instant suggestedTime() const;
 
 private:

@@ -3,7 +3,6 @@
 #include "guidescene.h"
 #include "theme.h"
 
-#include <ovelin/brushes.h>
 #include <ovelin/platformnativeinterface.h>
 #include <ovelin/throbberrenderer.h>
 
@@ -19,15 +18,13 @@ namespace {
 
 constexpr int progressWhole = 1000;
 
-// A gradient from top to bottom. Sideways the texture is only as wide as it has to be to repeat
-// evenly over the width.
-QBrush verticalBrush(const QSize &area, const QColor &top, const QColor &bottom)
+// A gradient from top to bottom has one colour a row: Qt fills it faster than any texture.
+QBrush verticalBrush(int height, const QColor &top, const QColor &bottom)
 {
-    QLinearGradient gradient(0, 0, 0, area.height());
+    QLinearGradient gradient(0, 0, 0, height);
     gradient.setColorAt(0, top);
     gradient.setColorAt(1, bottom);
-    const QSize texture(ovelin::chooseGradientLength(area.width()), area.height());
-    return ovelin::createTexturedBrush(texture, gradient);
+    return gradient;
 }
 
 void fillRounded(QPainter &painter, const QRect &rect, int radius, const QBrush &brush)
@@ -49,7 +46,7 @@ void paintProgress(QPainter &painter, const QRect &track, int progress)
         fillRounded(painter, done, radius, theme::accent);
 }
 
-// Points from its base to its tip, twice as wide as it is long.
+// Fills a triangle with its tip at base + toTip. It is twice as wide as it is long.
 void fillArrow(QPainter &painter, const QPoint &base, const QPoint &toTip)
 {
     const QPoint side(toTip.y(), toTip.x());
@@ -70,33 +67,33 @@ GuidePainter::GuidePainter(const GuideScene &scene, ovelin::ThrobberRenderer &th
     m_throbber.setBackgroundColor(theme::progressTrack);
 }
 
-void GuidePainter::renderTextures()
+void GuidePainter::makeBrushes()
 {
     const ScreenLayout &layout = m_scene.layout();
-    if (m_textures.size == layout.size())
+    if (m_brushes.size == layout.size())
         return;
 
-    const QSize cardArea(layout.grid.width(), layout.row(0).height());
-    m_textures.size = layout.size();
-    m_textures.background =
-        verticalBrush(layout.size(), theme::backgroundTop, theme::backgroundBottom);
-    m_textures.panel = verticalBrush(layout.panel.size(), theme::panelTop, theme::panelBottom);
-    m_textures.card = verticalBrush(cardArea, theme::cardTop, theme::cardBottom);
-    m_textures.runningCard =
-        verticalBrush(cardArea, theme::runningCardTop, theme::runningCardBottom);
-    m_textures.focusedCard =
-        verticalBrush(cardArea, theme::focusedCardTop, theme::focusedCardBottom);
+    const int cardHeight = layout.row(0).height();
+    m_brushes.size = layout.size();
+    m_brushes.background =
+        verticalBrush(layout.size().height(), theme::backgroundTop, theme::backgroundBottom);
+    m_brushes.panel = verticalBrush(layout.panel.height(), theme::panelTop, theme::panelBottom);
+    m_brushes.card = verticalBrush(cardHeight, theme::cardTop, theme::cardBottom);
+    m_brushes.runningCard =
+        verticalBrush(cardHeight, theme::runningCardTop, theme::runningCardBottom);
+    m_brushes.focusedCard =
+        verticalBrush(cardHeight, theme::focusedCardTop, theme::focusedCardBottom);
 
     if (const ovelin::PlatformNativeInterface *platform = ovelin::platformNativeInterface()) {
-        m_textures.platformBackground = platform->createTiledPixmap(
-            layout.size(), [screen = layout.screen(), brush = m_textures.background](
+        m_brushes.platformBackground = platform->createTiledPixmap(
+            layout.size(), [screen = layout.screen(), brush = m_brushes.background](
                                QPainter &painter) { painter.fillRect(screen, brush); });
     }
 }
 
 void GuidePainter::paint(QPainter &painter)
 {
-    renderTextures();
+    makeBrushes();
     painter.setRenderHint(QPainter::Antialiasing);
 
     paintBackground(painter);
@@ -112,14 +109,14 @@ void GuidePainter::paint(QPainter &painter)
 
 void GuidePainter::paintBackground(QPainter &painter) const
 {
-    if (m_textures.platformBackground.isNull()) {
-        painter.fillRect(m_scene.layout().screen(), m_textures.background);
+    if (m_brushes.platformBackground.isNull()) {
+        painter.fillRect(m_scene.layout().screen(), m_brushes.background);
         return;
     }
     painter.save();
-    ovelin::platformNativeInterface()->setupPainterForTiledPixmap(m_textures.platformBackground,
+    ovelin::platformNativeInterface()->setupPainterForTiledPixmap(m_brushes.platformBackground,
                                                                   painter);
-    painter.drawPixmap(0, 0, m_textures.platformBackground);
+    painter.drawPixmap(0, 0, m_brushes.platformBackground);
     painter.restore();
 }
 
@@ -134,7 +131,7 @@ void GuidePainter::paintPanel(QPainter &painter)
 {
     const ScreenLayout &layout = m_scene.layout();
     const DetailPanel &panel = m_scene.panel();
-    fillRounded(painter, layout.panel, layout.px(14), m_textures.panel);
+    fillRounded(painter, layout.panel, layout.px(14), m_brushes.panel);
 
     const QRect poster = layout.panelPoster;
     if (panel.poster->picture().isNull())
@@ -145,8 +142,15 @@ void GuidePainter::paintPanel(QPainter &painter)
         paintThrobber(painter, poster, layout.px(64), layout.px(6));
 
     panel.title.draw(painter);
+    for (const PanelTag &tag : panel.tags) {
+        painter.setPen(QPen(tag.color, 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(tag.frame, layout.px(6), layout.px(6));
+        tag.label.draw(painter);
+    }
     panel.facts.draw(painter);
     panel.remaining.draw(painter);
+    panel.episode.draw(painter);
     panel.description.draw(painter);
     paintProgress(painter, layout.panelProgress,
                   m_scene.progress(m_scene.programme(m_scene.focus())));
@@ -167,7 +171,7 @@ void GuidePainter::paintTimeLine(QPainter &painter) const
     }
 }
 
-// There may be fewer channels than there is room for.
+// A guide may have fewer channels than the screen has rows.
 int GuidePainter::rowsBottom() const
 {
     return m_scene.channels().rbegin()->second.rect.bottom();
@@ -184,12 +188,12 @@ void GuidePainter::paintChannel(QPainter &painter, const ChannelEntry &entry) co
 const QBrush &GuidePainter::cardBrush(ProgrammeIndex index) const
 {
     if (index == m_scene.focus())
-        return m_textures.focusedCard;
-    return m_scene.programme(index).isRunning(m_scene.now()) ? m_textures.runningCard
-                                                             : m_textures.card;
+        return m_brushes.focusedCard;
+    return m_scene.programme(index).isRunning(m_scene.now()) ? m_brushes.runningCard
+                                                             : m_brushes.card;
 }
 
-// The mark of the present lies over the cards and under the words.
+// The mark of the present time covers the cards, but not their titles.
 void GuidePainter::paintCards(QPainter &painter)
 {
     const QRect grid = m_scene.layout().grid;
@@ -230,7 +234,7 @@ void GuidePainter::paintCardText(QPainter &painter, const ProgrammeCard &card) c
     const ScreenLayout &layout = m_scene.layout();
     const int reach = layout.px(4);
     const int middle = card.rect.center().y();
-    // Small arrows tell that a programme goes on outside of the grid.
+    // A small arrow marks a programme that begins before the grid or ends after it.
     if (card.rect.left() < layout.grid.left())
         fillArrow(painter, QPoint(layout.grid.left() + reach, middle), QPoint(-reach, 0));
     if (card.rect.right() > layout.grid.right())
@@ -283,7 +287,7 @@ void GuidePainter::paintNow(QPainter &painter) const
     painter.fillPath(marker, theme::now);
 }
 
-// One indicator serves all places: they turn together.
+// One throbber serves all rectangles, so that all of them show the same angle.
 void GuidePainter::paintThrobber(QPainter &painter, const QRect &area, int size, int penWidth)
 {
     QRect circle(0, 0, size, size);

@@ -21,7 +21,7 @@ struct ChannelEntry;
 struct ProgrammeCard;
 struct ProgrammeIndex;
 
-// Paints a scene. Gradients are rendered once for a size of the screen, into textures that repeat.
+// Paints a scene. The brushes are made once for a size of the screen.
 class GuidePainter
 {
 public:
@@ -30,10 +30,10 @@ public:
     void paint(QPainter &painter);
 
 private:
-    struct Textures
+    struct Brushes
     {
         QSize size;
-        // Where the platform has pixmaps of its own kind, the background is one of them.
+        // The background on a platform with tiled pixmaps; null on other platforms.
         QPixmap platformBackground;
         QBrush background;
         QBrush panel;
@@ -42,7 +42,7 @@ private:
         QBrush focusedCard;
     };
 
-    void renderTextures();
+    void makeBrushes();
     void paintBackground(QPainter &painter) const;
     void paintHeading(QPainter &painter) const;
     void paintPanel(QPainter &painter);
@@ -60,7 +60,7 @@ private:
 
     const GuideScene &m_scene;
     ovelin::ThrobberRenderer &m_throbber;
-    Textures m_textures;
+    Brushes m_brushes;
 };
 
 } // namespace tvguide

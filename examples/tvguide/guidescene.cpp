@@ -15,11 +15,11 @@ using namespace std::chrono;
 using TimeSteps = duration<qint64, std::ratio<1800>>;
 constexpr seconds timeStep = TimeSteps(1);
 
-// Of programmes shorter than this not every one gets a card: it would be too narrow to be seen, and
-// there may be thousands.
+// A row skips some programmes shorter than this: their cards would be too narrow to be seen, and a
+// guide may have thousands of them.
 constexpr minutes shortestCard(2);
 
-// Of a programme that has the focus at least this much is shown.
+// The grid shows at least this much of the programme with the focus.
 constexpr minutes leastShown(30);
 
 constexpr int cardGap = 4;
@@ -58,7 +58,7 @@ void GuideScene::resize(const QSize &size)
 
 void GuideScene::setTime(Instant now)
 {
-    // The grid follows the clock as long as nobody has moved it away.
+    // The grid follows the clock unless the viewer has moved it.
     const seconds offset = m_guide.clock().utcOffset();
     if (m_gridStart == stepBefore(m_now, offset))
         m_gridStart = stepBefore(now, offset);
@@ -189,50 +189,7 @@ void GuideScene::arrangePanel()
     }
     m_panel.poster->place(m_layout.panelPoster);
 
-    m_panel.title.show(titleOf(shown),
-                       {.pixelSize = m_layout.px(32), .weight = QFont::Bold, .color = theme::text},
-                       m_layout.panelTitle);
-
-    m_panel.facts.show(facts(shown), {.pixelSize = m_layout.px(20), .color = theme::softText},
-                       m_layout.panelFacts);
-
-    m_panel.remaining.show(distance(shown),
-                           {.pixelSize = m_layout.px(18),
-                            .color = theme::accent,
-                            .alignment = Qt::AlignRight | Qt::AlignVCenter},
-                           m_layout.panelRemaining);
-
-    m_panel.description.show(
-        shown.description.isEmpty() ? m_wording.noDescription : shown.description,
-        {.pixelSize = m_layout.px(19), .color = theme::text}, m_layout.panelDescription);
-}
-
-const QString &GuideScene::titleOf(const Programme &programme) const
-{
-    return programme.title.isEmpty() ? m_wording.untitled : programme.title;
-}
-
-QString GuideScene::facts(const Programme &programme) const
-{
-    const WallClock &clock = m_guide.clock();
-    QStringList facts{channel(m_focus).name};
-    if (clock.date(programme.start) != clock.date(m_now))
-        facts += m_wording.date(clock.date(programme.start));
-    facts += clock.hoursAndMinutes(programme.start) + u'–' + clock.hoursAndMinutes(programme.stop);
-    facts += m_wording.duration(programme.stop - programme.start);
-    if (!programme.category.isEmpty())
-        facts += programme.category;
-    return facts.join(u"  ·  "_s);
-}
-
-// How far away in time its beginning is, or its end.
-QString GuideScene::distance(const Programme &programme) const
-{
-    if (programme.isRunning(m_now))
-        return m_wording.remaining.arg(m_wording.duration(programme.stop - m_now));
-    if (programme.start > m_now)
-        return m_wording.startsIn.arg(m_wording.duration(programme.start - m_now));
-    return m_wording.over;
+    m_panel.show(shown, channel(m_focus), m_guide.clock(), m_now, m_wording, m_layout);
 }
 
 void GuideScene::arrangeTimeLine()
@@ -309,8 +266,8 @@ void GuideScene::arrangeCards()
     forgetFarCards();
 }
 
-// Looks every card up by its time instead of walking through the programmes, so that a row costs
-// what it has room for.
+// Searches each card by its time. A walk through all programmes would cost more than the cards that
+// fit the row.
 void GuideScene::arrangeRow(std::size_t channelIndex)
 {
     const Channel &channel = m_guide.channels()[channelIndex];
@@ -340,10 +297,10 @@ void GuideScene::arrangeCard(ProgrammeIndex index)
     const bool isPast = shown.stop <= m_now;
     const int padding = m_layout.px(cardPadding);
     QRect inside = card.rect.intersected(m_layout.grid).marginsRemoved({padding, 0, padding, 0});
-    // Clear of the picture, except of the part that has faded.
+    // The title may cover the left half of the picture, which fades out.
     inside.setRight(inside.right() - card.poster->geometry().width() / 2);
 
-    card.title.show(titleOf(shown),
+    card.title.show(m_wording.title(shown.title),
                     {.pixelSize = m_layout.px(18),
                      .weight = isFocused ? QFont::Bold : QFont::Normal,
                      .color = isPast && !isFocused ? theme::pastText : theme::text,
@@ -364,8 +321,8 @@ QRect GuideScene::cardRect(ProgrammeIndex index) const
     return rect;
 }
 
-// At the right end of what is seen of the card. Its width goes by the duration, so that scrolling
-// does not change it.
+// Returns a rectangle at the right end of the visible part of the card. Its width depends on the
+// length of the programme alone, so that scrolling does not change it.
 QRect GuideScene::cardPosterRect(ProgrammeIndex index) const
 {
     const QRect card = cardRect(index);
@@ -375,7 +332,8 @@ QRect GuideScene::cardPosterRect(ProgrammeIndex index) const
                  card.height());
     poster.moveRight(isInGrid(card) ? std::min(card.right(), grid.right()) : card.right());
 
-    // Who has left the grid is not behind the panel or the channels, but outside of the screen.
+    // A card outside of the grid is not visible behind the panel or the channels. Its picture moves
+    // outside of the screen, so that the policy clears it.
     if (card.right() < grid.left())
         poster.translate(-m_layout.size().width(), 0);
     else if (card.left() > grid.right())
@@ -387,7 +345,7 @@ QRect GuideScene::cardPosterRect(ProgrammeIndex index) const
     return poster;
 }
 
-// A viewer often comes back, so what is within one screen of the grid stays, without its pictures.
+// Keeps cards within one screen of the grid, without their pictures: viewers often come back.
 void GuideScene::forgetFarCards()
 {
     const QSize reach = m_layout.grid.size();

@@ -1,6 +1,7 @@
 #ifndef TVGUIDE_GUIDESCENE_H
 #define TVGUIDE_GUIDESCENE_H
 
+#include "detailpanel.h"
 #include "guide.h"
 #include "posteritem.h"
 #include "screenlayout.h"
@@ -23,7 +24,7 @@ namespace tvguide {
 
 class ResourcePolicy;
 
-// A programme in the guide: the numbers of its channel and of itself on that channel.
+// The index of a channel in the guide, and of a programme on this channel.
 struct ProgrammeIndex
 {
     std::size_t channel = 0;
@@ -53,19 +54,10 @@ struct TimeMark
     TextBlock label;
 };
 
-struct DetailPanel
-{
-    TextBlock title;
-    TextBlock facts;
-    TextBlock remaining;
-    TextBlock description;
-    std::unique_ptr<PosterItem> poster;
-};
-
 enum class Direction { Left, Right, Up, Down };
 
-// What is on the screen: which channels and programmes, where, with which texts and pictures, and
-// where the focus is.
+// The content of the screen: the channels and programmes with their rectangles, texts and pictures,
+// and the focus.
 class GuideScene : public QObject
 {
     Q_OBJECT
@@ -79,8 +71,8 @@ public:
     void setTime(Instant now);
     void moveFocus(Direction direction);
 
-    // Makes some of the pictures that are wanted, those near the focus first. True while more are
-    // wanted: one call per frame keeps the frames coming.
+    // Makes up to limit pictures that are wanted, those near the focus first. Returns true if more
+    // pictures are wanted. One call per frame keeps each frame short.
     bool createPictures(int limit);
     bool hasWantedPictures() const;
 
@@ -93,8 +85,8 @@ public:
     const Channel &channel(ProgrammeIndex index) const;
     const Programme &programme(ProgrammeIndex index) const;
 
-    // What a painter and a description walk through. Cards that have just left the screen are kept
-    // for a while; isInGrid() tells them from the others.
+    // The parts that a painter and a description need. The cards include some that have left the
+    // screen; isInGrid() is true for the cards on the screen.
     const std::map<ProgrammeIndex, ProgrammeCard> &cards() const { return m_cards; }
     bool isInGrid(const QRect &card) const { return m_layout.grid.intersects(card); }
     const std::map<std::size_t, ChannelEntry> &channels() const { return m_channels; }
@@ -104,7 +96,7 @@ public:
     const TextBlock &date() const { return m_date; }
     const TextBlock &clock() const { return m_clock; }
 
-    // The part of a running programme that is over, in thousandths.
+    // Returns the part of a running programme that is over, in thousandths.
     int progress(const Programme &programme) const;
 
 Q_SIGNALS:
@@ -122,9 +114,6 @@ private:
     void arrangeRow(std::size_t channel);
     void arrangeCard(ProgrammeIndex index);
     void forgetFarCards();
-    const QString &titleOf(const Programme &programme) const;
-    QString facts(const Programme &programme) const;
-    QString distance(const Programme &programme) const;
     QRect cardRect(ProgrammeIndex index) const;
     QRect cardPosterRect(ProgrammeIndex index) const;
     std::vector<PosterItem *> pictures() const;
@@ -139,7 +128,7 @@ private:
     Instant m_gridStart;
     std::size_t m_firstChannel = 0;
     ProgrammeIndex m_focus;
-    // The time to which the focus returns when it comes down from a long programme to a short one.
+    // The focus keeps this time when it moves to another channel, whatever programme is on there.
     Instant m_focusTime;
 
     TextBlock m_heading;

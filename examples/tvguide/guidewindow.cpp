@@ -19,7 +19,7 @@ constexpr int logMargin = 32;
 constexpr int logPixelSize = 12;
 constexpr QColor logShade(0x07, 0x09, 0x14, 0xe8);
 
-// The L key has another letter on a Russian keyboard.
+// On a Russian keyboard the L key types another letter.
 bool isLogKey(const QKeyEvent &event)
 {
     return event.key() == Qt::Key_L || event.text().toLower() == u"д"_s;
@@ -111,7 +111,7 @@ void GuideWindow::paintLog(QPainter &painter) const
     }
 }
 
-// The time that is shown may be any; it goes on as fast as the real one.
+// The screen may show any time; its clock runs as fast as the real one.
 void GuideWindow::advanceClock()
 {
     using namespace std::chrono;

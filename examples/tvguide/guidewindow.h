@@ -13,7 +13,7 @@ namespace tvguide {
 class Presentation;
 class TrackerLog;
 
-// Shows a presentation and obeys the remote control, or a keyboard in its place.
+// Shows a presentation. The keys of a remote control or a keyboard move the focus.
 class GuideWindow : public QRasterWindow
 {
     Q_OBJECT

@@ -22,11 +22,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// A single picture shows the screen this many beats, a sixth of a second, after it was opened: what
-// is near the focus is there, and what is far from it is still on its way.
+// A single picture shows the screen this many beats, a sixth of a second, after it was opened. By
+// then the pictures near the focus have been made, and throbbers turn in the places of others.
 constexpr int stillBeats = 10;
 
-// In a sequence the focus moves every so many frames, on this way.
+// In a sequence the focus makes one step of this walk after this many frames.
 constexpr int framesPerStep = 8;
 constexpr std::array walk{Direction::Right, Direction::Down, Direction::Right, Direction::Down,
                           Direction::Left,  Direction::Down, Direction::Down,  Direction::Right};
@@ -38,7 +38,7 @@ struct Durations
     qint64 painting = 0;
 };
 
-// Runs an action and adds the time it takes.
+// Runs an action and adds its duration to a sum.
 void measure(qint64 &nanoseconds, const std::function<void()> &action)
 {
     QElapsedTimer timer;
@@ -61,7 +61,7 @@ QImage paint(Presentation &presentation)
     return image;
 }
 
-// A file appears complete or not at all.
+// Writes a file that appears complete or not at all. Returns the cause of a failure.
 QString write(const QString &fileName, const std::function<QString(QIODevice &)> &writeContent)
 {
     QSaveFile file(fileName);

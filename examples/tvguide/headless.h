@@ -9,8 +9,8 @@ class Presentation;
 class TrackerLog;
 struct Options;
 
-// Draws what the options ask for into files, and prints where they are, what it took and what was
-// decided. Returns the cause of a failure, empty when all went well.
+// Draws the files that the options ask for, and prints their names, the time that the work took and
+// the decisions about pictures. Returns the cause of a failure; an empty text means success.
 QString drawToFiles(Presentation &presentation, const Options &options, const TrackerLog *log,
                     qint64 arrangingNanoseconds);
 

@@ -29,7 +29,7 @@ int refuse(const QString &cause)
     return UsageOrOutputError;
 }
 
-// The library's two global objects, in place as long as this lives.
+// Installs the library's two global objects and removes them in its destructor.
 class Globals
 {
 public:
@@ -54,15 +54,15 @@ private:
     ovelin::PlatformNativeInterface m_platform;
 };
 
-// Drawing into files needs no display. An explicit choice of the user stands.
+// Drawing into files needs no display. The variable QT_QPA_PLATFORM has precedence.
 void choosePlatform(const Options &options)
 {
     if (!options.needsWindow() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-// Qt ends the process when the display cannot be reached, and on a platform that shows nothing the
-// window would wait for ever.
+// True if a window can be shown. Without a display Qt would end the process, and on a platform that
+// shows nothing the window would wait for ever.
 bool hasDisplay()
 {
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
@@ -115,14 +115,14 @@ int run(const Options &options, const XmltvResult &read)
 
 } // namespace
 
-// NOLINTNEXTLINE(bugprone-exception-escape) what nobody foresees may end the program
+// NOLINTNEXTLINE(bugprone-exception-escape) an unforeseen exception may end the program
 int main(int argc, char *argv[])
 {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments += QString::fromLocal8Bit(argv[i]);
 
-    // All that can go wrong without a display is told before Qt looks for one.
+    // Faults of the arguments and of the guide are reported before Qt needs a display.
     const auto commandLine = readCommandLine(arguments);
     if (const auto *answer = std::get_if<Answer>(&commandLine)) {
         if (answer->isError)

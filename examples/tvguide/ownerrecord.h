@@ -3,8 +3,8 @@
 
 #include <ovelin/resourceinfo.h>
 
-// The library leaves two numbers in an owner's state to the application. Here the items write into
-// them what the policy has to know.
+// The library leaves two numbers in an owner's state to the application. The items of this program
+// write the facts into them by which the policy decides.
 namespace tvguide {
 
 inline qint32 &neededBytes(ovelin::ResourceOwnerState &state)

@@ -14,7 +14,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// A sequence of numbers that looks random and is the same for the same text on every machine.
+// Pseudo-random numbers that depend on a text alone: every machine gets the same ones.
 class Variation
 {
 public:
@@ -245,7 +245,7 @@ void paintSpotlights(Scenery &s)
 
 struct Genre
 {
-    // How the category begins, in the languages of the guides that name it so.
+    // Prefixes of the category names of this genre, in English and Russian.
     std::array<QLatin1StringView, 2> latinStems;
     std::array<QStringView, 2> stems;
     int hue;

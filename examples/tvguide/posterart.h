@@ -10,15 +10,15 @@ QT_END_NAMESPACE
 
 namespace tvguide {
 
-// What stands in for a poster: a picture in the colours of the genre with a motif of it. It depends
-// on the title only, so that a programme looks the same whenever it is shown.
+// Paints a picture for a programme without a poster: a motif of its genre, in the genre's colours.
+// Title and category alone decide how it looks, so that a programme always looks the same.
 void paintPosterArt(QPainter &painter, const QRect &rect, const QString &title,
                     const QString &category);
 
-// The first letter of the title, large and faint, for a picture that has no words beside it.
+// Paints the first letter of the title, large and faint, onto a picture without words beside it.
 void paintPosterInitial(QPainter &painter, const QRect &rect, const QString &title);
 
-// The sign of a channel without a logo: its first letter on a disc.
+// Paints the sign of a channel without a logo: the first letter of its name on a disc.
 void paintChannelBadge(QPainter &painter, const QRect &rect, const QString &name);
 
 } // namespace tvguide

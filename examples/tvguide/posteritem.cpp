@@ -21,8 +21,9 @@ using namespace Qt::StringLiterals;
 using ovelin::ResourceInfo;
 using ovelin::ResourceOwnerState;
 
-// Posters come in any size. Larger ones are scaled down while they are read, and what would need
-// too much memory or time even so is not read at all.
+// Posters come in any size. Pictures above the first limit, in pixels, are scaled down while they
+// are read. Pictures above one of the other limits, in pixels and bytes, would need too much memory
+// or time and are not read.
 constexpr QSize maxSourceSize(640, 360);
 constexpr qint64 maxSourcePixels = 40'000'000;
 constexpr qint64 maxFileSize = 16LL * 1024 * 1024;
@@ -43,11 +44,11 @@ QString localPath(const QUrl &url)
     return {};
 }
 
-// The size that the picture gets in memory; empty when there is no picture to be read.
+// Returns the size of the picture in memory; an empty size without a readable picture.
 QSize sourceSize(const QUrl &url)
 {
     const QFileInfo file(localPath(url));
-    // Not a pipe or a device, which may never end.
+    // Reading from a pipe or a device might never end.
     if (!file.isFile() || file.size() > maxFileSize)
         return {};
     const QSize size = QImageReader(file.filePath()).size();
@@ -57,7 +58,7 @@ QSize sourceSize(const QUrl &url)
     return scaled.width() < size.width() ? scaled : size;
 }
 
-// The largest part in the middle that has the shape of the target.
+// Returns the largest rectangle in the middle of the source with the target's aspect ratio.
 QRect covering(const QSize &source, const QSize &target)
 {
     QRect part(QPoint(0, 0), target.scaled(source, Qt::KeepAspectRatio));
@@ -99,6 +100,7 @@ void fadeToTheLeft(QPainter &painter, const QRect &rect)
     fade.setColorAt(0, Qt::transparent);
     fade.setColorAt(0.7, QColor(0, 0, 0, 190));
     fade.setColorAt(1, QColor(0, 0, 0, 220));
+    // Across, copying a texture is cheaper than computing the colours row by row.
     const QSize strip(rect.width(), ovelin::chooseGradientLength(rect.height()));
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.fillRect(rect, ovelin::createTexturedBrush(strip, fade));
@@ -114,7 +116,8 @@ PosterItem::PosterItem(Shape shape, const Subject &subject, const QString &name)
     setObjectName(name);
 }
 
-// While it is still whole, so that the log can name it.
+// Unregisters here, before the base classes do, so that the log still gets the item's name and
+// class.
 PosterItem::~PosterItem()
 {
     unregisterResources();
@@ -192,7 +195,7 @@ void PosterItem::loadSource()
     if (!m_source.isNull())
         return;
 
-    // The file has changed or is broken: a painted item takes its place.
+    // The file has changed or is broken, so that a painted item replaces it.
     m_sourceSize = QSize();
     registerSource();
     describeToApplication();

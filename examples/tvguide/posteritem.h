@@ -14,9 +14,9 @@ QT_END_NAMESPACE
 
 namespace tvguide {
 
-// A picture on the screen: the poster of a programme or the sign of a channel. It registers what it
-// would like to hold, the picture itself and the buffer in which it is made ready for its place,
-// and holds it when it is told to.
+// A picture on the screen: the poster of a programme or the sign of a channel. The item registers
+// two resources, the picture itself and the buffer with the picture as the screen shows it. The
+// item creates them when the policy allows it.
 class PosterItem : public QObject, public ovelin::AbstractResourceOwner
 {
     Q_OBJECT
@@ -38,11 +38,11 @@ public:
     PosterItem(Shape shape, const Subject &subject, const QString &name);
     ~PosterItem() override;
 
-    // Where it is on the screen, or would be if the screen were larger.
+    // Sets the rectangle of the item; items outside of the screen have one too.
     void place(const QRect &geometry);
     QRect geometry() const { return m_geometry; }
 
-    // Allowed, and not made yet.
+    // True if the policy allows the picture and create() has not made it yet.
     bool isWanted() const { return m_isWanted; }
     void create();
     const QPixmap &picture() const { return m_buffer; }

@@ -6,11 +6,11 @@ namespace {
 
 using ovelin::ThrobberRenderer;
 
-// Reading and composing a poster takes a few milliseconds: this many leave a beat of 17
-// milliseconds its time to paint.
+// Reading and composing a poster takes a few milliseconds. With this many posters a beat of 17
+// milliseconds still has time to paint.
 constexpr int picturesPerBeat = 2;
 
-// What ThrobberRenderer itself adds with its default interval.
+// The angles, in degrees, that ThrobberRenderer adds per beat of its default interval.
 constexpr int beatRotation = 3;
 constexpr int beatSpan = 6;
 
@@ -52,7 +52,7 @@ void Presentation::createPictures()
     Q_EMIT changed();
 }
 
-// Nothing turns, and nothing wakes the processor, while nothing is wanted.
+// The throbber stops if no picture is wanted, so that no timer wakes the processor.
 void Presentation::updateThrobber()
 {
     const bool turns = m_isRunning && m_scene.hasWantedPictures();

@@ -10,8 +10,8 @@
 
 namespace tvguide {
 
-// The scene with all that keeps it going. The beat of the throbber is the beat of the whole: with
-// each one some of the pictures that are still wanted are made.
+// The scene with its painter, its policy and its throbber. Each beat of the throbber makes some of
+// the pictures that are wanted.
 class Presentation : public QObject
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     const GuideScene &scene() const { return m_scene; }
     const ResourcePolicy &policy() const { return m_policy; }
 
-    // Goes on by one beat at once, where no clock drives it.
+    // Makes one beat at once, for callers without an event loop.
     void beat();
     void setRunning(bool running);
 

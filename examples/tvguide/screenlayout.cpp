@@ -27,7 +27,7 @@ constexpr int railGap = 12;
 constexpr int hourWidth = 400;
 constexpr int secondsPerHour = 3600;
 
-// Far outside of every screen, and far from the limits of the coordinates.
+// In pixels: outside of every screen, and small enough that sums do not overflow an int.
 constexpr qint64 farAway = 1'000'000;
 
 } // namespace
@@ -75,7 +75,7 @@ ScreenLayout::ScreenLayout(const QSize &size)
     rail = QRect(left, grid.top(), px(railWidth), gridHeight);
 }
 
-// Lengths go by the side that is shorter than in the design; the other one has room for more.
+// The side of the screen that is relatively shorter than in the design decides the scale.
 int ScreenLayout::px(int designPixels) const
 {
     const bool narrow = m_size.width() * design.height() <= m_size.height() * design.width();

@@ -8,8 +8,8 @@
 
 namespace tvguide {
 
-// Where the parts of the screen are. All of it is reckoned in whole numbers from a design of
-// 1280 by 720: the same on every processor.
+// The rectangles of the parts of the screen, in pixels. They come from a design of 1280 by 720
+// pixels by integer arithmetic, so that they are the same on every processor.
 class ScreenLayout
 {
 public:
@@ -18,7 +18,7 @@ public:
 
     explicit ScreenLayout(const QSize &size);
 
-    // A length of the design, on this screen.
+    // Converts a length of the design to pixels of this screen.
     int px(int designPixels) const;
 
     QSize size() const { return m_size; }
@@ -44,7 +44,7 @@ public:
     QRect row(int index) const;
     QRect railEntry(int index) const;
 
-    // Places on the time line, for a grid that begins at the given time.
+    // Convert times to pixels on the time line, for a grid that begins at gridStart, and back.
     int x(Instant instant, Instant gridStart) const;
     int width(std::chrono::seconds duration) const;
     std::chrono::seconds visibleDuration() const;

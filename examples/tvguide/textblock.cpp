@@ -51,7 +51,13 @@ void TextBlock::draw(QPainter &painter) const
     m_renderer.draw(painter);
 }
 
-// The renderer leaves breaks at spaces to Qt, so that its text has to be broken once more.
+int TextBlock::height() const
+{
+    return m_isShown && !text().isEmpty() ? m_renderer.boundingSize().height() : 0;
+}
+
+// The text of the renderer does not contain the line breaks that Qt makes at spaces. This layout
+// finds them.
 QStringList TextBlock::displayedLines() const
 {
     QStringList lines;

@@ -22,8 +22,8 @@ struct TextStyle
     int maxLines = 8;
 };
 
-// A text in a rectangle of the screen: as many lines as fit, broken and hyphenated, the last one
-// elided. Putting it elsewhere without changing its width costs no new layout.
+// A text in a rectangle of the screen: as many lines as fit, hyphenated, with an ellipsis if there
+// are more. A text that moves without a change of its width is not laid out again.
 class TextBlock
 {
 public:
@@ -34,7 +34,9 @@ public:
     QRect box() const { return m_box; }
     bool isElided() const { return m_renderer.isTextElided(); }
     bool isShown() const { return m_isShown; }
-    // The lines as they are seen.
+    // Returns the height of the lines, which may be less than the height of the box.
+    int height() const;
+    // Returns the lines that the screen shows.
     QStringList displayedLines() const;
 
 private:

@@ -28,8 +28,7 @@ inline constexpr QColor now(0xff, 0x6a, 0x5c, 0xd0);
 inline constexpr QColor progressTrack(0xff, 0xff, 0xff, 0x2e);
 inline constexpr QColor line(0xff, 0xff, 0xff, 0x16);
 
-// The outlines are taken as they are designed: hinting would give texts another width on machines
-// that are set up differently.
+// Without hinting, texts have the same width on all machines, whatever their settings.
 inline QFont font(int pixelSize, QFont::Weight weight = QFont::Normal)
 {
     QFont font(QStringLiteral("DejaVu Sans"));

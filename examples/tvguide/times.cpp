@@ -1,5 +1,7 @@
 #include "times.h"
 
+#include "timezones.h"
+
 #include <QRegularExpression>
 
 #include <cstdlib>
@@ -14,7 +16,7 @@ using namespace std::chrono;
 constexpr seconds maxUtcOffset = hours(14);
 
 constexpr QLatin1StringView utcOffsetPattern(
-    R"(\s*(?<zone>Z|UTC|GMT|(?<sign>[+-])(?<zoneHours>\d\d):?(?<zoneMinutes>\d\d))?)");
+    R"(\s*(?<zone>(?<zoneName>[A-Za-z]\S*)|(?<sign>[+-])(?<zoneHours>\d\d):?(?<zoneMinutes>\d\d))?)");
 
 int number(const QRegularExpressionMatch &match, QLatin1StringView group, int missing)
 {
@@ -23,11 +25,23 @@ int number(const QRegularExpressionMatch &match, QLatin1StringView group, int mi
 
 std::optional<seconds> utcOffset(const QRegularExpressionMatch &match)
 {
+    if (match.hasCaptured(QLatin1StringView("zoneName")))
+        return timeZoneOffset(match.capturedView(QLatin1StringView("zoneName")));
+
     const seconds offset = hours(number(match, QLatin1StringView("zoneHours"), 0))
                            + minutes(number(match, QLatin1StringView("zoneMinutes"), 0));
     if (number(match, QLatin1StringView("zoneMinutes"), 0) >= 60 || offset > maxUtcOffset)
         return std::nullopt;
     return match.capturedView(QLatin1StringView("sign")) == u'-' ? -offset : offset;
+}
+
+QRegularExpressionMatch matchXmltvTime(QStringView text)
+{
+    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(
+        QStringLiteral(R"((?<year>\d{4})(?:(?<month>\d\d)(?:(?<day>\d\d)(?:T?(?<hour>\d\d))"
+                       R"((?:(?<minute>\d\d)(?<second>\d\d)?)?)?)?)?)")
+        + utcOffsetPattern));
+    return pattern.matchView(text.trimmed());
 }
 
 std::optional<WrittenTime> writtenTime(const QRegularExpressionMatch &match)
@@ -64,11 +78,13 @@ Instant WrittenTime::instant(std::chrono::seconds assumedOffset) const
 
 std::optional<WrittenTime> readXmltvTime(QStringView text)
 {
-    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(
-        QStringLiteral(R"((?<year>\d{4})(?:(?<month>\d\d)(?:(?<day>\d\d)(?:T?(?<hour>\d\d))"
-                       R"((?:(?<minute>\d\d)(?<second>\d\d)?)?)?)?)?)")
-        + utcOffsetPattern));
-    return writtenTime(pattern.matchView(text.trimmed()));
+    return writtenTime(matchXmltvTime(text));
+}
+
+QStringView unknownTimeZone(QStringView xmltvTime)
+{
+    const QStringView zone = matchXmltvTime(xmltvTime).capturedView(QLatin1StringView("zoneName"));
+    return timeZoneOffset(zone) ? QStringView() : zone;
 }
 
 std::optional<WrittenTime> readIsoTime(QStringView text)

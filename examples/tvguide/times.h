@@ -13,8 +13,8 @@ namespace tvguide {
 
 using Instant = std::chrono::sys_seconds;
 
-// A time as somebody wrote it: what a clock on the wall shows, and how far that clock is ahead of
-// UTC, if it was said.
+// A time as a person writes it: the time that a clock on the wall shows, and how far that clock is
+// ahead of UTC. Without an offset the text does not say which clock it means.
 struct WrittenTime
 {
     std::chrono::local_seconds wall;
@@ -23,14 +23,20 @@ struct WrittenTime
     Instant instant(std::chrono::seconds assumedOffset) const;
 };
 
-// YYYYMMDDhhmmss with as many of the pairs as the writer knew, then +hhmm, Z, UTC or nothing.
+// Reads a time of XMLTV: YYYYMMDDhhmmss, which may end early after a year or any pair of digits;
+// then +hhmm, the name of a time zone, or nothing.
 std::optional<WrittenTime> readXmltvTime(QStringView text);
 
-// YYYY-MM-DD[Thh:mm[:ss]], then +hh:mm, Z or nothing.
+// Returns the name of the time zone in a time of XMLTV that is right but for this name; else an
+// empty text.
+QStringView unknownTimeZone(QStringView xmltvTime);
+
+// Reads a time of ISO 8601: YYYY-MM-DD[Thh:mm[:ss]], then +hh:mm, the name of a time zone, or
+// nothing.
 std::optional<WrittenTime> readIsoTime(QStringView text);
 
-// The clock that the screen shows. It goes by the guide's own UTC offset, never by the time zone of
-// the machine, so that a picture is the same everywhere.
+// The clock on the screen. Its UTC offset is the guide's, not the machine's, so that a picture is
+// the same on every machine.
 class WallClock
 {
 public:

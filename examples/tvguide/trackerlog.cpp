@@ -23,7 +23,7 @@ Row row(const TrackerLog::Message &message)
         message.objectName,       message.className, message.geometry, message.source};
 }
 
-// Titles come from a file: nothing in them may act on a terminal.
+// Titles come from a file and may contain control characters, which would act on a terminal.
 QString cell(const QString &text)
 {
     QString shown = text.size() <= widestColumn ? text : text.left(widestColumn - 1) + u'…';

@@ -10,7 +10,7 @@
 
 namespace tvguide {
 
-// Collects the messages of a tracker, whose own log is emptied whenever it is full.
+// Collects the messages of a tracker. The tracker itself empties its log when it is full.
 class TrackerLog : public QObject
 {
     Q_OBJECT
@@ -18,14 +18,14 @@ class TrackerLog : public QObject
 public:
     using Message = ovelin::SceneResourceTracker::Message;
 
-    // Of the oldest messages the ones beyond this number are dropped.
+    // The log keeps this many messages and drops older ones.
     static constexpr std::size_t capacity = 20'000;
 
     explicit TrackerLog(ovelin::SceneResourceTracker &tracker, QObject *parent = nullptr);
 
     const std::deque<Message> &messages() const { return m_messages; }
 
-    // The last messages, at most that many, as the lines of a table with a heading.
+    // Returns a table with a heading and the last messages, count at most, one a line.
     QStringList table(std::size_t count) const;
 
 private:

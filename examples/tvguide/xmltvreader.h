@@ -13,7 +13,7 @@ QT_END_NAMESPACE
 
 namespace tvguide {
 
-// Takes one line about something that could not be read.
+// Takes one line about a part of a file that cannot be read.
 using ProblemSink = std::function<void(const QString &line)>;
 
 struct XmltvResult
@@ -22,16 +22,17 @@ struct XmltvResult
     int skippedEntries = 0;
 };
 
-// Reads a guide in the XMLTV format. A faulty entry is told to the sink as "file:line:column:
-// cause", left out and counted; a fault of the file itself is told too, and what stood before it is
-// kept.
+// Reads a guide in the XMLTV format. The sink gets a line "file:line:column: cause" for each faulty
+// entry, which is left out and counted, and for a fault of the file itself. The entries before a
+// fault of the file are kept.
 //
-// Of texts in several languages the one in the preferred language is taken, else the one without a
-// language, else the first. The clock of the guide goes by the UTC offset of its first programme.
+// Of a text in several languages the guide gets the one that LanguageChoice chooses. The clock of
+// the guide has the UTC offset of the first programme.
 XmltvResult readXmltv(const QString &fileName, const QString &language,
                       const ProblemSink &reportProblem);
 
-// The same from an open device; the file name serves for messages and to find icons beside it.
+// Reads from an open device. The file name stands in messages, and the names of icons are relative
+// to it.
 XmltvResult readXmltv(QIODevice &device, const QString &fileName, const QString &language,
                       const ProblemSink &reportProblem);
 

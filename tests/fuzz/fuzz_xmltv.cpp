@@ -10,9 +10,9 @@
 #include <iterator>
 #include <vector>
 
-// Any file, and guides of any elements. Whatever stands in it, the guide that comes of it is one that can
-// be shown, and each problem is told on one line. Behind a byte of zero stands how a file is written, call by
-// call; other bytes are the file.
+// Reads any file. The resulting guide must be one that the screen can show, and each message must be one
+// line. An input that begins with a zero byte lists the calls by which a guide is written; any other input
+// is the file itself.
 
 using namespace tvguide;
 using namespace tvguide::tests;
@@ -34,16 +34,23 @@ const Element elements[] = {
     {"tv"_L1, {}, {"channel"_L1, "programme"_L1}},
     {"channel"_L1, {"id"_L1}, {"display-name"_L1, "icon"_L1}},
     {"programme"_L1,
-     {"channel"_L1, "start"_L1, "stop"_L1},
-     {"title"_L1, "desc"_L1, "category"_L1, "icon"_L1}},
+     {"channel"_L1, "start"_L1, "stop"_L1, "clumpidx"_L1},
+     {"title"_L1, "desc"_L1, "category"_L1, "icon"_L1, "sub-title"_L1, "episode-num"_L1,
+      "premiere"_L1, "new"_L1, "rating"_L1}},
     {"display-name"_L1, {"lang"_L1}, {}},
     {"title"_L1, {"lang"_L1}, {}},
     {"desc"_L1, {"lang"_L1}, {"title"_L1}},
     {"category"_L1, {"lang"_L1}, {}},
     {"icon"_L1, {"src"_L1}, {}},
+    {"sub-title"_L1, {"lang"_L1}, {}},
+    {"episode-num"_L1, {"system"_L1}, {}},
+    {"premiere"_L1, {"lang"_L1}, {}},
+    {"new"_L1, {}, {}},
+    {"rating"_L1, {"system"_L1}, {"value"_L1}},
+    {"value"_L1, {}, {}},
 };
 
-// In one of eight cases.
+// True in one of eight cases.
 bool isOdd(FuzzedDataProvider &data)
 {
     return data.ConsumeIntegralInRange(0, 7) == 0;
@@ -54,7 +61,7 @@ QString anyText(FuzzedDataProvider &data)
     return QString::fromStdString(data.ConsumeRandomLengthString(longestText));
 }
 
-// In one evening, so that programmes meet.
+// Returns mostly times of one evening, so that programmes overlap.
 QString anyTime(FuzzedDataProvider &data)
 {
     if (isOdd(data)) {
@@ -64,7 +71,8 @@ QString anyTime(FuzzedDataProvider &data)
     }
     const int hour = data.ConsumeIntegralInRange(19, 24);
     const QString minute = data.PickValueInArray({u"00"_s, u"30"_s, u"59"_s});
-    const QString offset = data.PickValueInArray({u" +0300"_s, u""_s, u" +0330"_s});
+    const QString offset =
+        data.PickValueInArray({u" +0300"_s, u""_s, u" +0330"_s, u" MSK"_s, u" QQQ"_s});
     return u"20250314%1%2"_s.arg(QString::number(hour), minute) + u"00"_s + offset;
 }
 
@@ -78,6 +86,10 @@ QString anyValue(QLatin1StringView attribute, FuzzedDataProvider &data)
         return data.PickValueInArray({u"ru"_s, u"ru_RU"_s, u"en-GB"_s, u""_s});
     if (attribute == "src"_L1)
         return data.PickValueInArray({u"logo.png"_s, u":/logo.png"_s, u"http://a/b"_s, u"//"_s});
+    if (attribute == "clumpidx"_L1)
+        return data.PickValueInArray({u"0/1"_s, u"0/2"_s, u"1/2"_s, u"2/2"_s, u""_s});
+    if (attribute == "system"_L1)
+        return data.PickValueInArray({u"xmltv_ns"_s, u"onscreen"_s, u"other"_s, u""_s});
     return data.PickValueInArray({u"a"_s, u"b"_s, u" a "_s, u""_s});
 }
 
@@ -134,7 +146,7 @@ void Writer::startElement(const Element &element)
     }
 }
 
-// Nothing is read behind the end of the guide, which is left to the end of the document.
+// Leaves the root element open: text behind it would be a fault of the file.
 void Writer::endElement()
 {
     if (m_open.size() == 1)
@@ -156,11 +168,11 @@ void Writer::writeContent()
 {
     switch (m_data.ConsumeIntegralInRange(0, 31)) {
     case 0:
-        // Into a tag that is not closed yet, too.
+        // This may write into a tag that is still open.
         m_writer.device()->write(anyText(m_data).toUtf8());
         break;
     case 1:
-        // Two of these would end it.
+        // Two hyphens would end the comment.
         m_writer.writeComment(anyText(m_data).remove(u'-'));
         break;
     case 2:
@@ -176,6 +188,10 @@ void Writer::writeContent()
     case 8:
     case 9:
         m_writer.writeCharacters(QString::number(m_data.ConsumeIntegral<quint8>()));
+        break;
+    case 10:
+        m_writer.writeCharacters(
+            m_data.PickValueInArray({u"1.4.0/2"_s, u" 0 . 12/13 . "_s, u"2/2.."_s}));
         break;
     default:
         m_writer.writeCharacters(anyText(m_data));

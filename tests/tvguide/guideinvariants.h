@@ -5,13 +5,14 @@
 
 namespace tvguide::tests {
 
-// What is wrong with what was read, whatever stood in the file; empty when nothing is.
+// Each function checks a rule that holds for every file, however broken. It returns the violation
+// of the rule, or an empty text.
 
-// A problem is told on one line that a terminal shows as it is.
+// A message is one line without control characters.
 QString problemViolation(const QString &line);
 QString channelViolation(const Channel &channel);
 QString guideViolation(const Guide &guide);
-// Each entry left out is a problem, and so is a file that breaks off.
+// Each skipped entry has a message; a fault of the file itself adds one more at most.
 QString resultViolation(const XmltvResult &result, int problems);
 
 } // namespace tvguide::tests

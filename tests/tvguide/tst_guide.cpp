@@ -23,6 +23,14 @@ Programme programme(const QString &title, Instant start, Instant stop = Programm
     return programme;
 }
 
+// A programme of a slot that begins at 19:00.
+Programme inSlot(int clumpIndex, const QString &title, Instant stop)
+{
+    Programme slotMember = programme(title, at(19), stop);
+    slotMember.clumpIndex = clumpIndex;
+    return slotMember;
+}
+
 Guide guideOf(std::vector<Programme> programmes, seconds utcOffset = {})
 {
     Channel channel;
@@ -43,6 +51,9 @@ private Q_SLOTS:
     void anOpenEndAtTheEndLastsHalfAnHour();
     void overlappingProgrammesAreCut();
     void ofProgrammesThatStartTogetherTheLastIsKept();
+    void ofProgrammesInASlotTheFirstNamesTheOthers();
+    void aSlotEndsAtTheLatestStop();
+    void aCorrectionInASlotReplacesItsOwnProgramme();
     void channelsWithoutProgrammesAreLeftOut();
     void findsProgrammesByTime();
     void knowsWhatItCovers();
@@ -91,6 +102,47 @@ void tst_Guide::ofProgrammesThatStartTogetherTheLastIsKept()
     QCOMPARE(guide.channels()[0].programmes[0].title, QStringLiteral("corrected"));
 }
 
+void tst_Guide::ofProgrammesInASlotTheFirstNamesTheOthers()
+{
+    const Guide guide = guideOf({inSlot(2, QStringLiteral("sport"), at(20)),
+                                 inSlot(0, QStringLiteral("news"), at(20)),
+                                 inSlot(1, QStringLiteral("weather"), at(20)),
+                                 programme(QStringLiteral("film"), at(21), at(23))});
+    QCOMPARE(guide.programmeCount(), std::size_t(2));
+    const auto &programmes = guide.channels()[0].programmes;
+    QCOMPARE(programmes[0].title, QStringLiteral("news"));
+    QCOMPARE(programmes[0].alsoInSlot,
+             QStringList({QStringLiteral("weather"), QStringLiteral("sport")}));
+    QCOMPARE(programmes[0].stop, at(20));
+    QCOMPARE(programmes[1].title, QStringLiteral("film"));
+    QCOMPARE(programmes[1].alsoInSlot, QStringList());
+}
+
+void tst_Guide::aSlotEndsAtTheLatestStop()
+{
+    const auto stopOf = [](Instant first, Instant second) {
+        const Guide guide = guideOf({inSlot(0, QStringLiteral("news"), first),
+                                     inSlot(1, QStringLiteral("weather"), second)});
+        return guide.channels()[0].programmes[0].stop;
+    };
+    QCOMPARE(stopOf(at(20), at(20, 15)), at(20, 15));
+    QCOMPARE(stopOf(at(20, 15), at(20)), at(20, 15));
+    QCOMPARE(stopOf(at(20), Programme::unknownStop), at(20));
+    QCOMPARE(stopOf(Programme::unknownStop, at(20)), at(20));
+    QCOMPARE(stopOf(Programme::unknownStop, Programme::unknownStop), at(19, 30));
+}
+
+void tst_Guide::aCorrectionInASlotReplacesItsOwnProgramme()
+{
+    const Guide guide = guideOf({inSlot(0, QStringLiteral("news"), at(20)),
+                                 inSlot(1, QStringLiteral("old"), at(20)),
+                                 inSlot(1, QStringLiteral("corrected"), at(20))});
+    const auto &programmes = guide.channels()[0].programmes;
+    QCOMPARE(programmes.size(), std::size_t(1));
+    QCOMPARE(programmes[0].title, QStringLiteral("news"));
+    QCOMPARE(programmes[0].alsoInSlot, QStringList(QStringLiteral("corrected")));
+}
+
 void tst_Guide::channelsWithoutProgrammesAreLeftOut()
 {
     Channel silent;
@@ -123,7 +175,7 @@ void tst_Guide::knowsWhatItCovers()
 
 void tst_Guide::suggestsAnEvening()
 {
-    // The evening of the viewers: 20:10 by their clock, which is three hours ahead.
+    // 20:10 on the viewers' clock, which is three hours ahead of UTC.
     const Guide sameDay = guideOf({programme(QStringLiteral("a"), at(10), at(23))}, hours(3));
     QCOMPARE(sameDay.suggestedTime(), at(17, 10));
 

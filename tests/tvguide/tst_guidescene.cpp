@@ -32,7 +32,8 @@ Programme programme(const QString &title, Instant start, Instant stop)
     return programme;
 }
 
-// Channels whose programmes last as long as their names say, from 18:00 to midnight.
+// One channel for each number of minutes, the length of the channel's programmes from 18:00 to
+// 24:00.
 Guide guideOf(const std::vector<int> &minutesPerChannel)
 {
     std::vector<Channel> channels;
@@ -45,6 +46,25 @@ Guide guideOf(const std::vector<int> &minutesPerChannel)
         channels.push_back(std::move(channel));
     }
     return Guide(std::move(channels), seconds(0));
+}
+
+// One programme of which the guide tells everything.
+Guide guideWithDetails()
+{
+    Programme shown = programme(u"The house"_s, at(19), at(21));
+    shown.subTitle = u"The roof"_s;
+    shown.description = u"People build a house."_s;
+    shown.episodeNumber = {.season = {2, 0}, .episode = {5, 0}, .part = {1, 2}};
+    shown.episodeText = u"S2E5"_s;
+    shown.isNew = true;
+    shown.isPremiere = true;
+    shown.premiere = u"At last"_s;
+    shown.ratings = {u"12+"_s, u"PG"_s};
+    shown.alsoInSlot = {u"Weather"_s, QString()};
+    Channel channel;
+    channel.id = channel.name = channel.number = u"1"_s;
+    channel.programmes = {shown};
+    return Guide({channel}, seconds(0));
 }
 
 } // namespace
@@ -70,6 +90,11 @@ private Q_SLOTS:
     void clearsWhatHasScrolledAway();
     void createsThePicturesNearTheFocusFirst();
     void followsTheClock();
+    void thePanelShowsTheDetails_data();
+    void thePanelShowsTheDetails();
+    void thePanelOfAPlainProgrammeHasRoomForItsDescription();
+    void theEpisodeStandsAboveTheDescription();
+    void tagsLeaveHalfOfTheLineToTheFacts();
     void everySizeIsDrawn_data();
     void everySizeIsDrawn();
 
@@ -167,7 +192,7 @@ void tst_GuideScene::showsWhatIsInTheGrid()
     int visible = 0;
     for (const auto &[card, shown] : scene.cards())
         visible += card.channel == 1 && scene.isInGrid(shown.rect);
-    // 2 hours and 25 minutes fit.
+    // The grid shows 2 hours and 25 minutes: five programmes of 30 minutes, the last one cut.
     QCOMPARE(visible, 5);
 }
 
@@ -282,6 +307,84 @@ void tst_GuideScene::followsTheClock()
     scene.setTime(at(20, 30));
     QCOMPARE(scene.gridStart(), at(20, 30));
     QCOMPARE(scene.clock().displayedLines(), QStringList(u"20:30"_s));
+}
+
+void tst_GuideScene::thePanelShowsTheDetails_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QStringList>("tags");
+    QTest::addColumn<QString>("episode");
+
+    QTest::newRow("Russian")
+        << u"ru"_s << QStringList{u"новое"_s, u"премьера"_s, u"12+"_s, u"PG"_s}
+        << u"The roof  ·  Сезон 2, серия 5, часть 1 из 2  ·  At last  ·  Также: Weather, Без названия"_s;
+    QTest::newRow("English")
+        << u"en"_s << QStringList{u"new"_s, u"premiere"_s, u"12+"_s, u"PG"_s}
+        << u"The roof  ·  Season 2, episode 5, part 1 of 2  ·  At last  ·  Also: Weather, Untitled"_s;
+}
+
+void tst_GuideScene::thePanelShowsTheDetails()
+{
+    QFETCH(const QString, language);
+    QFETCH(const QStringList, tags);
+    QFETCH(const QString, episode);
+
+    const Guide guide = guideWithDetails();
+    ResourcePolicy policy(*m_tracker, budget);
+    const GuideScene scene(guide, wordingFor(language), screenSize, at(20), policy);
+    QStringList shownTags;
+    for (const PanelTag &tag : scene.panel().tags)
+        shownTags.prepend(tag.label.displayedLines().join(u'\n'));
+    QCOMPARE(shownTags, tags);
+    QCOMPARE(scene.panel().episode.text(), episode);
+}
+
+void tst_GuideScene::thePanelOfAPlainProgrammeHasRoomForItsDescription()
+{
+    const Guide guide = guideOf({60});
+    ResourcePolicy policy(*m_tracker, budget);
+    const GuideScene scene(guide, wordingFor(u"ru"_s), screenSize, at(20), policy);
+    QVERIFY(scene.panel().tags.empty());
+    QCOMPARE(scene.panel().episode.text(), QString());
+    QCOMPARE(scene.panel().facts.box(), scene.layout().panelFacts);
+    QCOMPARE(scene.panel().description.box(), scene.layout().panelDescription);
+}
+
+void tst_GuideScene::theEpisodeStandsAboveTheDescription()
+{
+    const Guide guide = guideWithDetails();
+    ResourcePolicy policy(*m_tracker, budget);
+    const GuideScene scene(guide, wordingFor(u"ru"_s), screenSize, at(20), policy);
+    const DetailPanel &panel = scene.panel();
+    QCOMPARE(panel.episode.box().topLeft(), scene.layout().panelDescription.topLeft());
+    QCOMPARE(panel.episode.displayedLines().size(), 2);
+    QVERIFY(panel.description.box().top() >= panel.episode.box().top() + panel.episode.height());
+    QCOMPARE(panel.description.box().bottom(), scene.layout().panelDescription.bottom());
+    QVERIFY(!panel.description.displayedLines().isEmpty());
+}
+
+void tst_GuideScene::tagsLeaveHalfOfTheLineToTheFacts()
+{
+    Channel channel;
+    channel.id = channel.name = channel.number = u"1"_s;
+    channel.programmes = {programme(u"x"_s, at(20), at(21))};
+    for (int i = 0; i < 16; ++i)
+        channel.programmes[0].ratings += u"A rather long rating %1"_s.arg(i);
+    const Guide guide({channel}, seconds(0));
+    ResourcePolicy policy(*m_tracker, budget);
+    const GuideScene scene(guide, wordingFor(u"ru"_s), screenSize, at(20), policy);
+
+    const QRect line = scene.layout().panelFacts;
+    int end = line.right();
+    QCOMPARE(scene.panel().tags.size(), std::size_t(2));
+    for (const PanelTag &tag : scene.panel().tags) {
+        QVERIFY(line.contains(tag.frame));
+        QVERIFY(tag.frame.contains(tag.label.box()));
+        QCOMPARE_LE(tag.frame.right(), end);
+        end = tag.frame.left() - 1;
+    }
+    QCOMPARE_LE(scene.panel().facts.box().right(), end);
+    QVERIFY(scene.panel().facts.box().width() >= line.width() / 2);
 }
 
 void tst_GuideScene::everySizeIsDrawn_data()

@@ -21,7 +21,7 @@ namespace {
 
 constexpr QRect place(40, 30, 160, 90);
 
-// How many colours there are: a plain area has one.
+// Returns the number of different colours; a plain area has one.
 std::size_t colours(const QPixmap &pixmap)
 {
     const QImage image = pixmap.toImage();
@@ -128,7 +128,7 @@ void tst_PosterItem::tellsThePolicyWhatItNeeds()
     QCOMPARE(stateOf(painted)->geometry, place);
     QCOMPARE(neededBytes(*stateOf(painted)), 160 * 90 * 4);
 
-    // Read in no larger size than 640 by 360.
+    // The limit is 640 by 360 pixels.
     const QUrl url = QUrl::fromLocalFile(savedPicture({1280, 720}));
     PosterItem loaded(PosterItem::Shape::Panel, {u"x"_s, {}, url}, u"loaded"_s);
     loaded.place(place);
@@ -157,7 +157,7 @@ void tst_PosterItem::createsAndReleases()
     QCOMPARE(item.picture().size(), place.size());
     QVERIFY(colours(item.picture()) > 100);
 
-    // Nothing is left to be done when it is allowed once more.
+    // The second allowance leaves nothing to be done.
     allow(item);
     QVERIFY(!item.isWanted());
 
@@ -175,7 +175,7 @@ void tst_PosterItem::leavesTheTrackerWhenDestroyed()
     item.reset();
     QVERIFY(m_tracker->owners().empty());
     QVERIFY(m_tracker->resources().empty());
-    // It leaves while it still has a name.
+    // The log still has the name of an item that is destroyed.
     QCOMPARE(m_tracker->messages().size(), 2);
     QCOMPARE(m_tracker->messages().constFirst().objectName, u"card"_s);
     QCOMPARE(m_tracker->messages().constFirst().className, u"tvguide::PosterItem"_s);

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Enough for an emulator on a busy machine.
+// In milliseconds: enough for an emulator on a busy machine.
 constexpr int timeout = 120'000;
 
 struct Run
@@ -232,6 +232,9 @@ void tst_TvGuide::refusesGuidesWithNothingUsable_data()
     QTest::newRow("broken at once") << QByteArray("<tv>\n<programme") << u":2:"_s;
     QTest::newRow("only faulty entries")
         << QByteArray("<tv>\n<programme start='x' channel='a'/></tv>") << u":2:"_s;
+    QTest::newRow("compressed") << QByteArray("\x1f\x8b\x08") << u":1:1: "_s;
+    QTest::newRow("unknown encoding")
+        << QByteArray("<?xml version='1.0' encoding='x-none'?><tv/>") << u":1:1: "_s;
     QTest::newRow("no programmes") << QByteArray("<tv><channel id='a'/></tv>") << QString();
 }
 
@@ -398,7 +401,7 @@ void tst_TvGuide::printsTheLog()
     QVERIFY(output.contains(u"registered"_s));
     QVERIFY(output.contains(u"creation_allowed"_s));
     QVERIFY(output.contains(u"tvguide::PosterItem"_s));
-    // More than the tracker itself keeps.
+    // The tracker itself keeps fewer messages.
     QVERIFY(output.count(u"tvguide::PosterItem"_s) > 50);
 }
 

@@ -32,7 +32,7 @@ void requireNone(const QString &violation)
     QVERIFY2(violation.isEmpty(), qPrintable(violation));
 }
 
-// What holds of every guide and of every problem is seen to here.
+// Reads a guide and checks the rules for all guides and all messages.
 Reading readBytes(QByteArray bytes, const QString &language = u"ru"_s)
 {
     QBuffer buffer(&bytes);
@@ -51,7 +51,7 @@ Reading readContent(const QString &content, const QString &language = u"ru"_s)
     return readBytes("<tv>\n" + content.toUtf8() + "\n</tv>\n", language);
 }
 
-// A programme that nothing is wrong with, with the given content.
+// Returns a correct programme with the given content.
 QString programme(const QString &content)
 {
     return uR"(<programme start="20250314190000 +0300" stop="20250314200000 +0300" channel="a">)"_s
@@ -88,6 +88,9 @@ private Q_SLOTS:
     void keepsWhatStoodBeforeAFault();
     void refusesOtherDocuments_data();
     void refusesOtherDocuments();
+    void tellsWhatCannotBeDecoded_data();
+    void tellsWhatCannotBeDecoded();
+    void keepsWhatStoodBeforeAWrongByte();
     void tellsAboutUnreadableFiles();
     void readsFiles();
     void survivesEntityExpansion();
@@ -96,7 +99,7 @@ private Q_SLOTS:
     void readsManyProgrammes();
 };
 
-// Or the rules would tell nothing of what is read.
+// The other tests rely on these rules.
 void tst_XmltvReader::brokenRulesAreReported()
 {
     using std::chrono::seconds;
@@ -341,7 +344,7 @@ void tst_XmltvReader::quotesSafely()
         QVERIFY(c.isPrint());
 }
 
-// Qt quotes the file in its message, as it stands there.
+// The message of Qt contains text from the file, with control characters.
 void tst_XmltvReader::quotesTheFaultOfAFileSafely()
 {
     for (const QByteArray &name : {QByteArray("a\x1b"), QByteArray(1000, 'a')}) {
@@ -397,6 +400,64 @@ void tst_XmltvReader::refusesOtherDocuments()
     QCOMPARE(reading.problems.size(), 1);
     QVERIFY2(reading.problems[0].startsWith(fileName + u":1:"_s), qPrintable(reading.problems[0]));
     QVERIFY(reading.result.guide.isEmpty());
+}
+
+void tst_XmltvReader::tellsWhatCannotBeDecoded_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("problem");
+
+    QTest::newRow("gzip") << QByteArray("\x1f\x8b\x08")
+                          << u"1:1: the file is compressed with gzip: decompress it first"_s;
+    QTest::newRow("bzip2") << QByteArray("BZh91AY")
+                           << u"1:1: the file is compressed with bzip2: decompress it first"_s;
+    QTest::newRow("xz") << QByteArray("\xfd"
+                                      "7zXZ\0",
+                                      6)
+                        << u"1:1: the file is compressed with xz: decompress it first"_s;
+    QTest::newRow("zip") << QByteArray("PK\x03\x04")
+                         << u"1:1: the file is compressed with zip: decompress it first"_s;
+
+    const QString unknown =
+        u"1:1: the encoding \"x-none\" is unknown here: convert the file to UTF-8 first"_s;
+    QTest::newRow("encoding") << QByteArray("<?xml version=\"1.0\" encoding=\"x-none\"?><tv/>")
+                              << unknown;
+    QTest::newRow("encoding in single quotes")
+        << QByteArray("<?xml version='1.0' encoding = 'x-none'?><tv/>") << unknown;
+    QTest::newRow("encoding behind a byte order mark")
+        << QByteArray("\xef\xbb\xbf<?xml version='1.0' encoding='x-none'?><tv/>") << unknown;
+
+    const QString notUtf8 = u": the text is not UTF-8: declare its encoding or convert the file"_s;
+    QTest::newRow("wrong byte in line 1") << QByteArray("<tv>\xff</tv>") << u"1:1"_s + notUtf8;
+    QTest::newRow("wrong byte in line 3") << QByteArray("<tv>\n\n\xff</tv>") << u"3:1"_s + notUtf8;
+    QTest::newRow("wrong byte in a file that says UTF-8")
+        << QByteArray("<?xml version='1.0' encoding='utf-8'?>\n<tv>\xff</tv>")
+        << u"2:1"_s + notUtf8;
+    QTest::newRow("fault of the markup in an encoding without wrong bytes")
+        << QByteArray("<?xml version='1.0' encoding='iso-8859-1'?>\n<tv>\xff</tw>")
+        << u"2:10: the file is broken here: Opening and ending tag mismatch."_s;
+}
+
+void tst_XmltvReader::tellsWhatCannotBeDecoded()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QString, problem);
+    const Reading reading = readBytes(bytes);
+    QCOMPARE(reading.problems, QStringList(fileName + u':' + problem));
+    QVERIFY(reading.result.guide.isEmpty());
+}
+
+void tst_XmltvReader::keepsWhatStoodBeforeAWrongByte()
+{
+    // The parser decodes fewer bytes at once.
+    const QByteArray blank(100'000, '\n');
+    const Reading reading =
+        readBytes("<tv>" + programme(u"<title>good</title>"_s).toUtf8() + blank + "\xff</tv>");
+    QCOMPARE(reading.problems,
+             QStringList(u"/guides/tv.xml:100001:1: the text is not UTF-8: declare its encoding "
+                         "or convert the file"_s));
+    QCOMPARE(reading.result.guide.programmeCount(), std::size_t(1));
+    QCOMPARE(reading.programme().title, u"good"_s);
 }
 
 void tst_XmltvReader::tellsAboutUnreadableFiles()
