@@ -2,7 +2,6 @@
 
 namespace {
 
-constexpr int resolution = 2;
 constexpr int labelSize = 13;
 
 } // namespace
@@ -14,7 +13,7 @@ QFont pictureFont(int pixelSize)
     return font;
 }
 
-Canvas::Canvas(const QSize &size)
+Canvas::Canvas(const QSize &size, int resolution)
     : m_image(size * resolution, QImage::Format_RGB32)
 {
     m_image.fill(colours::background);

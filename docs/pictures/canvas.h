@@ -5,11 +5,11 @@
 #include <QPainter>
 #include <QString>
 
-// A picture of the documentation while it is drawn: twice as fine as it is shown.
+// A picture of the documentation while it is drawn: so many times as fine as it is shown.
 class Canvas
 {
 public:
-    explicit Canvas(const QSize &size);
+    Canvas(const QSize &size, int resolution);
 
     QPainter &painter() { return m_painter; }
 

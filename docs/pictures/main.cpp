@@ -16,7 +16,7 @@ int main(int argc, char *argv[])
     const QString folder = QString::fromLocal8Bit(argv[1]) + u'/';
 
     for (const Picture &picture : allPictures()) {
-        Canvas canvas(picture.size);
+        Canvas canvas(picture.size, picture.resolution);
         picture.draw(canvas);
         if (!canvas.save(folder + picture.name + ".png")) {
             std::fprintf(stderr, "%s could not be written to %s\n", picture.name, argv[1]);

@@ -10,15 +10,22 @@ struct Picture
     const char *name;
     QSize size;
     void (*draw)(Canvas &canvas);
+    int resolution = 2; // 1 for what is shown pixel by pixel
 };
 
 QList<Picture> allPictures();
 
 void drawResourceRoad(Canvas &canvas);
+void drawStatuses(Canvas &canvas);
 void drawLineLimits(Canvas &canvas);
 void drawHyphenation(Canvas &canvas);
 void drawAlignments(Canvas &canvas);
+void drawGeometry(Canvas &canvas);
 void drawThrobberCycle(Canvas &canvas);
 void drawTextures(Canvas &canvas);
+void drawCardList(Canvas &canvas);
+void drawFocusedCard(Canvas &canvas);
+void drawTicker(Canvas &canvas);
+void drawLanguages(Canvas &canvas);
 
 #endif

@@ -84,3 +84,56 @@ void drawAlignments(Canvas &canvas)
         drawLaidOut(canvas, samples[i].label, text, height);
     }
 }
+
+void drawGeometry(Canvas &canvas)
+{
+    constexpr int padding = 8;
+    const QRect box(20, 50, 430, 190);
+    ovelin::TextRenderer text;
+    text.setTextFont(pictureFont(fontSize));
+    text.setTextTopLeft(box.topLeft());
+    text.setTextWidth(box.width());
+    text.setAvailableHeight(box.height() - 2 * padding);
+    text.setTextAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+    text.setMaxLineCount(2);
+    text.setText("Путешествие на шаре");
+    text.relayout();
+
+    struct Shape
+    {
+        QRect rect;
+        QColor colour;
+        Qt::PenStyle line;
+        const char *name;
+        const char *meaning;
+    };
+    QRect withMargins({}, text.boundingSize({padding, padding, padding, padding}));
+    withMargins.moveCenter(text.boundingRect().center());
+    const Shape shapes[] = {
+        {{box.topLeft(), QSize(box.width(), box.height() - 2 * padding)},
+         QColor(colours::faint),
+         Qt::DashLine,
+         "the box",
+         "textTopLeft(), textWidth(), setAvailableHeight()"},
+        {text.geometry(), QColor("#63c28b"), Qt::SolidLine, "geometry()",
+         "textTopLeft(), textWidth(), height of the text"},
+        {text.boundingRect(), QColor(colours::accent), Qt::SolidLine, "boundingRect()",
+         "alignedTextTopLeft(), size of the text"},
+        {withMargins, QColor("#7fb6ee"), Qt::DotLine, "boundingSize({8, 8, 8, 8})",
+         "size of the text with margins"},
+    };
+
+    QPainter &painter = canvas.painter();
+    text.draw(painter);
+    painter.setBrush(Qt::NoBrush);
+    int legendTop = box.top() + 2;
+    for (const Shape &shape : shapes) {
+        painter.setPen(QPen(shape.colour, 1.5, shape.line));
+        painter.drawRect(shape.rect);
+        painter.setFont(pictureFont(14));
+        painter.drawLine(474, legendTop + 6, 494, legendTop + 6);
+        painter.drawText(502, legendTop + 11, shape.name);
+        canvas.label(QPointF(502, legendTop + 30), shape.meaning);
+        legendTop += 48;
+    }
+}

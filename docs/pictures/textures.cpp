@@ -29,17 +29,17 @@ void fillPanel(Canvas &canvas, const QRect &panel, const QBrush &brush, const QS
 
 void drawTextures(Canvas &canvas)
 {
+    constexpr int left = 20;
     constexpr int wide = 720;
-    constexpr int narrow = 8;
+    constexpr int thin = 8;
     constexpr int high = 72;
     const int length = ovelin::chooseGradientLength(wide);
-    const QBrush across = ovelin::createTexturedBrush(length, gradientTo({double(length), 0}));
-    const QBrush down = ovelin::createTexturedBrush({narrow, high}, gradientTo({0, double(high)}));
+    const QBrush once = ovelin::createTexturedBrush({wide, thin}, gradientTo({wide, 0}));
+    const QBrush repeated = ovelin::createTexturedBrush(length, gradientTo({double(length), 0}));
 
-    fillPanel(canvas, {20, 40, length, length}, across, QString("%1 x %1 pixels").arg(length));
-    fillPanel(canvas, {180, 40, narrow, high}, down,
-              QString("%1 x %2 pixels").arg(narrow).arg(high));
-    fillPanel(canvas, {340, 40, 400, high}, down, "the second one fills a panel");
-    fillPanel(canvas, {20, 160, wide, high}, across,
-              QString("the first one fills a panel of %1 pixels: ten tiles").arg(wide));
+    fillPanel(canvas, {left, 32, wide, thin}, once, "a texture of 720 x 8 pixels");
+    fillPanel(canvas, {left, 76, wide, high}, once, "fills a panel of 720 x 72 pixels once");
+    fillPanel(canvas, {left, 196, length, length}, repeated,
+              QString("a texture of %1 x %1 pixels").arg(length));
+    fillPanel(canvas, {left, 304, wide, high}, repeated, "fills the panel with ten tiles");
 }

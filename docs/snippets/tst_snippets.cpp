@@ -5,11 +5,18 @@
 #include <ovelin/textrenderer.h>
 #include <ovelin/throbberrenderer.h>
 
+#include <QFontMetricsF>
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -32,18 +39,33 @@ private:
 //! [owner]
 
 //! [decide]
-// Whoever comes first may have its resources, up to a limit.
+using StatePointer = QSharedPointer<ovelin::ResourceOwnerState>;
+
+// True if the tracker still lists the state: an owner that was told before may have removed it.
+bool isListed(const ovelin::SceneResourceTracker &tracker, const StatePointer &state)
+{
+    const auto known = tracker.owners().find(state->owner);
+    return known != tracker.owners().end() && known->second == state;
+}
+
+// Allows owners their resources until the limit is reached.
 void decide(ovelin::SceneResourceTracker &tracker)
 {
     using State = ovelin::ResourceOwnerState;
-    constexpr int limit = 2;
+    constexpr int limit = 2; // resources
 
+    // A copy: an owner that is told may leave the tracker, which changes owners().
+    QList<StatePointer> requests;
     int allowed = 0;
-    for (const ovelin::ResourceInfo &resource : tracker.resources())
-        allowed += resource.ownerState->status == State::CreationAllowed;
-
     for (const auto &[owner, state] : tracker.owners()) {
-        if (state->status != State::CreationRequested)
+        if (state->status == State::CreationRequested)
+            requests.append(state);
+        else if (state->status == State::CreationAllowed)
+            allowed += state->resourceCount;
+    }
+
+    for (const StatePointer &state : std::as_const(requests)) {
+        if (!isListed(tracker, state))
             continue;
         const bool fits = allowed + state->resourceCount <= limit;
         tracker.setStatus(state, fits ? State::CreationAllowed : State::CreationDenied);
@@ -87,13 +109,24 @@ class tst_Snippets : public QObject
 
 private Q_SLOTS:
     void resources();
+    void releasing();
+    void entries();
+    void decisionsAllowOwnersToLeave_data();
+    void decisionsAllowOwnersToLeave();
+    void firstRegistration();
+    void refusedRegistration();
     void messageLog();
     void text();
+    void textFromElsewhere();
+    void newlinesAndTheLineLimit();
     void lookingAtALayout();
     void throbber();
     void throbberByHand();
-    void gradient();
+    void gradientDown();
+    void gradientAcross();
+    void gradientRepeated();
     void tiledPixmap();
+    void version();
 };
 
 void tst_Snippets::resources()
@@ -101,28 +134,177 @@ void tst_Snippets::resources()
     //! [install]
     ovelin::SceneResourceTracker tracker;
     ovelin::setSceneResourceTracker(&tracker);
-    QObject::connect(&tracker, &ovelin::SceneResourceTracker::resourceOwnerAdded, &tracker,
-                     [&tracker] { decide(tracker); });
+
+    // Any number of changes lead to one decision, which the event loop makes.
+    QTimer decision;
+    decision.setSingleShot(true);
+    decision.setInterval(0);
+    QObject::connect(&tracker, &ovelin::SceneResourceTracker::resourcesChanged, &decision,
+                     qOverload<>(&QTimer::start));
+    QObject::connect(&decision, &QTimer::timeout, &tracker, [&tracker] { decide(tracker); });
     //! [install]
 
-    Poster first;
-    Poster second;
-    Poster third;
-    for (Poster *poster : {&first, &second, &third})
-        QVERIFY(poster->show(QUrl("qrc:/poster.png")));
-    QVERIFY(first.isResourcesAllowed() && first.hasImage());
-    QVERIFY(second.isResourcesAllowed() && second.hasImage());
-    QVERIFY(!third.isResourcesAllowed() && !third.hasImage());
+    std::array<Poster, 3> posters;
+    for (Poster &poster : posters)
+        QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    const auto imageCount = [&] { return std::ranges::count_if(posters, &Poster::hasImage); };
+    QCOMPARE(imageCount(), 0);
+    QVERIFY(QTest::qWaitFor([&] { return imageCount() > 0; }));
+    QCOMPARE(imageCount(), 2);
+    for (const Poster &poster : posters)
+        QCOMPARE(poster.isResourcesAllowed(), poster.hasImage());
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+void tst_Snippets::releasing()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    Poster poster;
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    decide(tracker);
+    QVERIFY(poster.hasImage());
 
     //! [release]
-    const auto state = tracker.owners().at(&first);
+    const auto state = tracker.owners().at(&poster);
     tracker.setStatus(state, ovelin::ResourceOwnerState::Cleared);
     tracker.releaseResources(state);
     //! [release]
-    QVERIFY(!first.hasImage());
+    QVERIFY(!poster.hasImage());
+    QVERIFY(!poster.isResourcesAllowed());
+    ovelin::setSceneResourceTracker(nullptr);
+}
 
-    first.hide();
-    QCOMPARE(tracker.owners().size(), 2);
+void tst_Snippets::entries()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    Poster poster;
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+
+    QStringList locations;
+    //! [entries]
+    for (const ovelin::ResourceInfo &resource : tracker.resources()) {
+        if (resource.type == ovelin::ResourceInfo::Image)
+            locations += resource.url.toString();
+    }
+    //! [entries]
+    QCOMPARE(locations, QStringList("qrc:/poster.png"));
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+namespace {
+
+using Posters = std::vector<std::unique_ptr<Poster>>;
+
+// Reacts to a permission by changing who is registered, as the tracker permits.
+class RestlessPoster : public Poster
+{
+public:
+    using Reaction = void (*)(Posters &posters, Poster &self);
+
+    RestlessPoster(Posters &posters, Reaction react)
+        : m_posters(posters)
+        , m_react(react)
+    {
+    }
+
+    void allowResources() override { m_react(m_posters, *this); }
+
+private:
+    Posters &m_posters;
+    const Reaction m_react;
+};
+
+void hideSelf(Posters &, Poster &self)
+{
+    self.hide();
+}
+
+// cppcheck-suppress constParameterReference ; a Reaction has these parameters
+void hideAll(Posters &posters, Poster &)
+{
+    for (const auto &poster : posters)
+        poster->hide();
+}
+
+void hideAllAndDestroyOthers(Posters &posters, Poster &self)
+{
+    hideAll(posters, self);
+    std::erase_if(posters, [&self](const auto &poster) { return poster.get() != &self; });
+}
+
+} // namespace
+
+void tst_Snippets::decisionsAllowOwnersToLeave_data()
+{
+    QTest::addColumn<RestlessPoster::Reaction>("react");
+    QTest::addColumn<std::size_t>("ownersLeft");
+
+    // Two of eight posters fit the limit.
+    QTest::newRow("each leaves when it is told") << &hideSelf << std::size_t(6);
+    QTest::newRow("the first removes all") << &hideAll << std::size_t(0);
+    QTest::newRow("the first destroys the others") << &hideAllAndDestroyOthers << std::size_t(0);
+}
+
+void tst_Snippets::decisionsAllowOwnersToLeave()
+{
+    QFETCH(const RestlessPoster::Reaction, react);
+    QFETCH(const std::size_t, ownersLeft);
+
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    Posters posters;
+    for (int i = 0; i < 8; ++i)
+        QVERIFY(posters.emplace_back(std::make_unique<RestlessPoster>(posters, react))
+                    ->show(QUrl("qrc:/poster.png")));
+
+    decide(tracker);
+    QCOMPARE(tracker.owners().size(), ownersLeft);
+    posters.clear();
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+// What the guide says of the moments before an item has its record.
+void tst_Snippets::firstRegistration()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    tracker.setMessagesEnabled(true);
+    Poster poster;
+    int slotCalls = 0;
+    const auto look = [&] {
+        const bool isRequested =
+            tracker.owners().at(&poster)->status == ovelin::ResourceOwnerState::CreationRequested;
+        const bool isAllowed = poster.isResourcesAllowed();
+        poster.hide();
+        slotCalls += isRequested && isAllowed && tracker.resources().size() == 1;
+    };
+    using Tracker = ovelin::SceneResourceTracker;
+    for (const auto signal :
+         {&Tracker::messagesAdded, &Tracker::resourceOwnerAdded, &Tracker::resourcesChanged})
+        connect(&tracker, signal, &tracker, look);
+
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    tracker.disconnect();
+    QCOMPARE(slotCalls, 3);
+    QVERIFY(!poster.isResourcesAllowed());
+    QCOMPARE(tracker.messages().constFirst().geometry, "(0, 0, 0x0)");
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+void tst_Snippets::refusedRegistration()
+{
+    Poster withoutTracker;
+    QVERIFY(!withoutTracker.show(QUrl("qrc:/poster.png")));
+    QVERIFY(withoutTracker.isResourcesAllowed());
+
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    tracker.setRegistrationBlocked(true);
+    Poster blocked;
+    QVERIFY(!blocked.show(QUrl("qrc:/poster.png")));
+    QVERIFY(blocked.isResourcesAllowed());
     ovelin::setSceneResourceTracker(nullptr);
 }
 
@@ -170,6 +352,48 @@ void tst_Snippets::text()
     painter.end();
     QVERIFY(!isBlank(image));
     QVERIFY(description.displayText().contains('\n'));
+}
+
+void tst_Snippets::textFromElsewhere()
+{
+    const QString title = "<b>Новости</b>";
+    ovelin::TextRenderer text;
+    text.setTextFont(sampleFont());
+    const auto painted = [&text](const QString &shown) {
+        text.setText(shown);
+        text.relayout();
+        QImage image = canvas();
+        QPainter painter(&image);
+        painter.setPen(Qt::white);
+        text.draw(painter);
+        return image;
+    };
+    const QImage asMarkup = painted(title);
+
+    //! [elsewhere]
+    text.setTextFormat(Qt::PlainText);
+    text.setText(title);
+    //! [elsewhere]
+
+    QVERIFY(!isBlank(asMarkup));
+    QVERIFY(painted(title) != asMarkup);
+}
+
+// What the guide says of newlines.
+void tst_Snippets::newlinesAndTheLineLimit()
+{
+    const QString text = "long evening three\nlong two long";
+    ovelin::TextRenderer renderer;
+    renderer.setTextFont(sampleFont());
+    renderer.setTextWidth(116);
+    renderer.setMaxLineCount(3);
+    const double lineHeight = QFontMetricsF(sampleFont()).height();
+    const auto lines = [&] { return qRound(renderer.boundingSize().height() / lineHeight); };
+
+    renderer.setText(text);
+    QCOMPARE(lines(), 4);
+    renderer.setText(text.simplified());
+    QCOMPARE(lines(), 3);
 }
 
 void tst_Snippets::lookingAtALayout()
@@ -228,7 +452,55 @@ void tst_Snippets::throbberByHand()
     QCOMPARE(updated.count(), 1);
 }
 
-void tst_Snippets::gradient()
+void tst_Snippets::gradientDown()
+{
+    const QRect panel(40, 30, 400, 100);
+    QImage image = canvas();
+    QPainter painter(&image);
+
+    //! [down]
+    QLinearGradient gradient(0, 0, 0, panel.height());
+    gradient.setColorAt(0, Qt::darkBlue);
+    gradient.setColorAt(1, Qt::white);
+    const QBrush brush(gradient);
+
+    painter.setBrushOrigin(panel.topLeft());
+    painter.fillRect(panel, brush);
+    //! [down]
+
+    painter.end();
+    QVERIFY(image.pixelColor(panel.topLeft()).red() < 8);
+    QVERIFY(image.pixelColor(panel.bottomLeft()).red() > 247);
+    QCOMPARE(image.pixel(panel.bottomLeft()), image.pixel(panel.bottomRight()));
+}
+
+void tst_Snippets::gradientAcross()
+{
+    const QRect panel(40, 30, 400, 100);
+    QImage image = canvas();
+    QPainter painter(&image);
+
+    //! [across]
+    const int thickness = 8;
+    QLinearGradient gradient(0, 0, panel.width(), 0);
+    gradient.setColorAt(0, Qt::darkBlue);
+    gradient.setColorAt(1, Qt::white);
+    const QBrush brush = ovelin::createTexturedBrush({panel.width(), thickness}, gradient);
+
+    painter.setBrushOrigin(panel.topLeft());
+    painter.fillRect(panel, brush);
+    //! [across]
+
+    QImage expected = canvas();
+    painter.end();
+    painter.begin(&expected);
+    painter.setBrushOrigin(panel.topLeft());
+    painter.fillRect(panel, gradient);
+    painter.end();
+    QCOMPARE(image, expected);
+}
+
+void tst_Snippets::gradientRepeated()
 {
     const QRect panel(0, 0, 480, 40);
     QImage image = canvas();
@@ -274,9 +546,32 @@ void tst_Snippets::tiledPixmap()
     }
     //! [tiled]
 
+    QImage image = canvas();
+    QPainter painter(&image);
+    //! [paint tiled]
+    painter.save();
+    platform.setupPainterForTiledPixmap(background, painter);
+    painter.drawPixmap(0, 0, background);
+    painter.restore();
+    //! [paint tiled]
+    painter.end();
+
+    QCOMPARE(image.copy(QRect(QPoint(), size)), background.toImage());
     QCOMPARE(background.size(), size);
     QCOMPARE(background.toImage().pixelColor(0, 0), QColor(Qt::darkBlue));
     ovelin::setPlatformNativeInterface(nullptr);
+}
+
+void tst_Snippets::version()
+{
+    QString version;
+    //! [version]
+#if OVELIN_VERSION < 0x010000
+#  error "This program needs ovelin 1.0."
+#endif
+    version = OVELIN_VERSION_STR;
+    //! [version]
+    QCOMPARE(version.section('.', 0, 0).toInt(), OVELIN_VERSION >> 16);
 }
 
 QTEST_MAIN(tst_Snippets)

@@ -41,19 +41,20 @@ int main(int argc, char *argv[])
     ovelin::SceneResourceTracker tracker;
     ovelin::setSceneResourceTracker(&tracker);
     Poster poster;
-    for (const auto &[owner, state] : tracker.owners()) {
+    const auto owners = tracker.owners(); // a copy: an owner that is told may leave the tracker
+    for (const auto &[owner, state] : owners) {
         tracker.setStatus(state, ovelin::ResourceOwnerState::CreationAllowed);
         tracker.allowResources(state);
     }
 
-    // Graphics: the gradient is rendered once, into a small texture.
+    // Graphics: a gradient across the card is rendered once, into a texture 8 pixels high.
     QImage card(480, 220, QImage::Format_RGB32);
     QPainter painter(&card);
     painter.setRenderHint(QPainter::Antialiasing);
-    QLinearGradient gradient(0, 0, 0, card.height());
+    QLinearGradient gradient(0, 0, card.width(), 0);
     gradient.setColorAt(0, QColor("#16324f"));
     gradient.setColorAt(1, QColor("#0b1626"));
-    painter.fillRect(card.rect(), ovelin::createTexturedBrush({8, card.height()}, gradient));
+    painter.fillRect(card.rect(), ovelin::createTexturedBrush({card.width(), 8}, gradient));
     painter.drawImage(20, 20, poster.image());
 
     // Text: laid out once, painted as often as you like.
