@@ -32,8 +32,8 @@ int fineWidth(double advance)
 
 /*!
     Returns the whole number of pixels that \a text needs on one line in the font of \a metrics: its
-    advance rounded up, and two pixels that keep its last glyph from being clipped. The fine width
-   of an empty text is 2.
+    advance rounded up, and two pixels that keep its last glyph from being clipped. The fine width of
+    an empty text is 2.
 */
 int TextRenderer::fineTextWidth(const QString &text, const QFontMetricsF &metrics)
 {

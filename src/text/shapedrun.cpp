@@ -1,8 +1,5 @@
 #include "shapedrun_p.h"
 
-#include <QFont>
-#include <QFontMetricsF>
-
 #include <private/qtextengine_p.h>
 
 #include <algorithm>
@@ -16,20 +13,15 @@ namespace {
 // it is for; one that is too small breaks lines in the wrong place, one that is too large costs
 // measurements.
 
-// The end of a range parts two characters that stand side by side. Fonts kern such a pair by up to half an
-// em.
+// The end of a range parts two characters that are kerned. Fonts kern a pair by up to half an em.
 constexpr double kernedEndInEms = 0.5;
-// The same for an end whose character has its own advance. It has no pair kerning then, and rules for
+// The end parts two characters that have their own advances. No pair kerning changed these, and rules for
 // characters that are farther apart are small.
 constexpr double freeEndInEms = 0.05;
 // The end parts characters that join, stack or are one glyph, as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
 // Capitalization by QFont::Capitalize depends on whether a word begins at the end.
 constexpr double capitalizedEndInEms = 1;
-// Qt shapes a text in pieces of this many characters, which do not join. A range within a run of several
-// pieces has its own pieces elsewhere.
-constexpr qsizetype longestPiece = 4096;
-constexpr double pieceEndInEms = 2 * joinedEndInEms;
 // Where the direction changes, no pair is kerned. The neutral characters there can belong to either side.
 constexpr double directionChangeInEms = 1;
 // A sign from the first one on can be turned around by a letter outside the range. Brackets before it are
@@ -40,8 +32,8 @@ constexpr char16_t firstMirroredSign = u'\u2200';
 constexpr double regionalIndicatorInEms = 2;
 constexpr char32_t firstRegionalIndicator = 0x1f1e6;
 constexpr char32_t lastRegionalIndicator = 0x1f1ff;
-// Signs and marks before the first letter of a range are shaped by the rules of its script. Within the run they can
-// have a letter of another script before them.
+// Signs and marks before the first letter of a range are shaped by the rules of its script. Within the run
+// they can have a letter of another script before them.
 constexpr double foreignSignInEms = 2;
 // A tab reaches up to the next multiple of this many pixels from the begin of the range.
 constexpr double tabStopDistance = 80;
@@ -95,44 +87,11 @@ char32_t characterAt(QStringView text, qsizetype index)
     return isPair ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
 }
 
+// True if the character keeps its script in each text. Qt gives all others the script of the letter before
+// them or, before the first letter of a text, that of this letter.
 bool isLetter(char32_t c)
 {
     return QChar::script(c) > QChar::Script_Common && !QChar::isMark(c);
-}
-
-// Qt gives characters without a script of their own that of the letter before them, or, at the begin of a
-// text, that of the first letter. Script_Common stands for a text without letters.
-qsizetype firstWithScript(QStringView text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && QChar::script(characterAt(text, i)) <= QChar::Script_Common)
-        ++i;
-    return i;
-}
-
-QChar::Script firstScript(QStringView text)
-{
-    const qsizetype first = firstWithScript(text);
-    return first < text.size() ? QChar::script(characterAt(text, first)) : QChar::Script_Common;
-}
-
-QChar::Script lastScript(QStringView text)
-{
-    for (qsizetype i = text.size() - 1; i >= 0; --i) {
-        const char32_t c = characterAt(text, i);
-        if (isLetter(c))
-            return QChar::script(c);
-    }
-    return QChar::Script_Common;
-}
-
-// Returns the number of characters before the first letter.
-qsizetype leadingSigns(QStringView text)
-{
-    qsizetype signs = 0;
-    while (signs < text.size() && !isLetter(characterAt(text, signs)))
-        ++signs;
-    return signs;
 }
 
 } // namespace
@@ -144,48 +103,42 @@ double horizontalScale(const QFont &font)
            * std::max(1.0, percentage ? std::abs(font.letterSpacing()) / 100 : 0);
 }
 
-Tolerances::Tolerances(const QFont &font)
+ReadFont::ReadFont(const QFont &source)
+    : font(source)
+    , metrics(source)
+    , letterSpacing(absoluteLetterSpacing(source))
 {
     const double wordSpacing =
         std::abs(font.wordSpacing()); // only the last of several spaces has it
-    const double character = em(font) + std::abs(absoluteLetterSpacing(font)) + wordSpacing;
+    const double character = em(font) + std::abs(letterSpacing) + wordSpacing;
     const double capitals =
         font.capitalization() == QFont::MixedCase ? 0 : capitalizedEndInEms * em(font);
     kernedEnd = kernedEndInEms * em(font) + wordSpacing + capitals;
     freeEnd = freeEndInEms * em(font) + wordSpacing + capitals;
     joinedEnd = joinedEndInEms * character;
-    pieceEnd = pieceEndInEms * character;
     directionChange = directionChangeInEms * character;
     mirroredSign = mirroredSignInEms * character;
     regionalIndicator = regionalIndicatorInEms * character;
     foreignSign = foreignSignInEms * character;
 }
 
-ShapedRun::ShapedRun(const QString &text, qsizetype begin, const QFont &font,
-                     const Tolerances &tolerances)
+ShapedRun::ShapedRun(const QString &text, qsizetype begin, const ReadFont &font)
     : m_text(text)
     , m_begin(begin)
-    , m_tolerances(&tolerances)
-    , m_letterSpacing(absoluteLetterSpacing(font))
+    , m_font(&font)
 {
+    // What a control has turned has another direction without it.
     const auto control = std::ranges::find_if(m_text, isDirectionControl);
-    m_firstDirectionControl = begin + (control - m_text.cbegin());
+    m_lastBegin = text.size() > longestPiece ? begin : begin + (control - m_text.cbegin());
 
-    m_firstLetter = begin + firstWithScript(m_text);
-
-    const QStackTextEngine engine(text, font);
+    const QStackTextEngine engine(text, font.font);
     engine.itemize();
     m_positions.reserve(size_t(text.size()) + 1);
     m_positions.push_back({});
     for (int item = 0; item < engine.layoutData->items.size(); ++item)
         appendItem(engine, item);
     m_positions.back().endTolerance = 0;
-}
-
-bool ShapedRun::covers(qsizetype from, qsizetype to) const
-{
-    // What a control has turned has another direction without it.
-    return (from == m_begin || (from > m_begin && from <= m_firstDirectionControl)) && to <= end();
+    findLetters();
 }
 
 Reading ShapedRun::read(qsizetype from, qsizetype to) const
@@ -194,51 +147,54 @@ Reading ShapedRun::read(qsizetype from, qsizetype to) const
     const Position &last = at(to);
     return {.advance = last.advance - first.advance,
             .tolerance = first.endTolerance + last.endTolerance + last.tolerance - first.tolerance
-                         + foreignSignsTolerance(from, to) + piecesTolerance(from, to)};
+                         + foreignSignsTolerance(from, to)};
 }
 
-Reading ShapedRun::readClosely(qsizetype from, qsizetype to, const QFontMetricsF &metrics) const
+Reading ShapedRun::readClosely(qsizetype from, qsizetype to) const
 {
     Reading reading = read(from, to);
-    const auto relax = [&](qsizetype end, qsizetype character) {
-        if (at(end).endTolerance == m_tolerances->kernedEnd && hasOwnAdvance(character, metrics))
-            reading.tolerance += m_tolerances->freeEnd - m_tolerances->kernedEnd;
-    };
-    relax(from, from);
-    relax(to, to - 1);
+    for (const qsizetype end : {from, to}) {
+        if (at(end).endTolerance == m_font->kernedEnd && isFree(end))
+            reading.tolerance -= m_font->kernedEnd - m_font->freeEnd;
+    }
     return reading;
 }
 
 double ShapedRun::leastAdvanceOfLonger(qsizetype from) const
 {
     Reading reading = read(from, end());
-    const QStringView characters = QStringView(m_text).sliced(from - m_begin);
     // Letters behind the run may give all of these signs another script.
-    if (firstScript(characters) == QChar::Script_Common)
-        reading.tolerance += double(characters.size()) * m_tolerances->foreignSign;
-    return reading.advance - reading.tolerance - m_tolerances->joinedEnd;
+    if (!hasLetter(from, end()))
+        reading.tolerance += double(end() - from) * m_font->foreignSign;
+    return reading.advance - reading.tolerance - m_font->joinedEnd;
 }
 
-bool ShapedRun::hasOwnAdvance(qsizetype position, const QFontMetricsF &metrics) const
+bool ShapedRun::isFree(qsizetype position) const
 {
-    const double alone = metrics.horizontalAdvance(m_text.at(position - m_begin)) + m_letterSpacing;
+    const double tolerance = at(position).endTolerance;
+    return tolerance == 0
+           || (tolerance == m_font->kernedEnd && hasOwnAdvance(position - 1)
+               && hasOwnAdvance(position));
+}
+
+bool ShapedRun::hasOwnAdvance(qsizetype position) const
+{
+    const double alone =
+        m_font->metrics.horizontalAdvance(m_text.at(position - m_begin)) + m_font->letterSpacing;
     return std::abs(at(position + 1).advance - at(position).advance - alone) <= qtUnit;
 }
 
-bool ShapedRun::isExact(qsizetype from, qsizetype to, const QFontMetricsF &metrics) const
+bool ShapedRun::isExact(qsizetype from, qsizetype to) const
 {
-    const QStringView range = QStringView(m_text).sliced(from - m_begin, to - from);
-    const bool beginsExactly =
-        from == m_begin || (isSideBySide(from, from) && hasOwnAdvance(from, metrics));
-    return beginsExactly && at(to).tolerance == at(from).tolerance
-           && firstScript(range) != QChar::Script_Common && foreignSignsTolerance(from, to) == 0;
+    return isFree(from) && at(to).tolerance == at(from).tolerance && hasLetter(from, to)
+           && foreignSignsTolerance(from, to) == 0;
 }
 
 bool ShapedRun::isSideBySide(qsizetype from, qsizetype to) const
 {
     const auto first = m_positions.begin() + (from - m_begin);
     return std::all_of(first, first + (to - from) + 1, [this](const Position &position) {
-        return position.endTolerance <= m_tolerances->kernedEnd;
+        return position.endTolerance <= m_font->kernedEnd;
     });
 }
 
@@ -249,7 +205,7 @@ void ShapedRun::appendItem(const QStackTextEngine &engine, int index)
         const QScriptItem &before = engine.layoutData->items.at(index - 1);
         Position &begin = m_positions.back();
         if (before.analysis.bidiLevel != item.analysis.bidiLevel)
-            begin.tolerance += m_tolerances->directionChange;
+            begin.tolerance += m_font->directionChange;
     }
     if (item.analysis.flags == QScriptAnalysis::Tab)
         appendTab(engine, index);
@@ -263,7 +219,7 @@ void ShapedRun::appendTab(const QStackTextEngine &engine, int index)
     position.advance +=
         engine.calculateTabWidth(index, QFixed::fromReal(position.advance)).toReal();
     position.tolerance += tabStopDistance;
-    position.endTolerance = m_tolerances->kernedEnd;
+    position.endTolerance = m_font->kernedEnd;
     m_positions.push_back(position);
 }
 
@@ -275,9 +231,11 @@ void ShapedRun::appendCharacters(const QStackTextEngine &engine, int index)
     const unsigned short *clusters = engine.logClusters(&item);
     const int length = engine.length(index);
     const bool joins = !standsSideBySide(QChar::Script(item.analysis.script));
+    const auto isSpace = [this](qsizetype at) { return m_text.at(at).isSpace(); };
 
     Position position = m_positions.back();
     for (int i = 0; i < length; ++i) {
+        m_positions.back().script = item.analysis.script;
         const bool isLast = i + 1 == length;
         const int nextGlyph = isLast ? glyphs.numGlyphs : clusters[i + 1];
         for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
@@ -285,12 +243,21 @@ void ShapedRun::appendCharacters(const QStackTextEngine &engine, int index)
 
         const qsizetype character = item.position + i;
         position.tolerance += characterTolerance(character);
-        const auto isSpace = [this](qsizetype at) { return m_text.at(at).isSpace(); };
         const bool isJoined = !isLast
                               && (clusters[i + 1] == clusters[i]
                                   || (joins && !isSpace(character) && !isSpace(character + 1)));
-        position.endTolerance = isJoined ? m_tolerances->joinedEnd : m_tolerances->kernedEnd;
+        position.endTolerance = isJoined ? m_font->joinedEnd : m_font->kernedEnd;
         m_positions.push_back(position);
+    }
+}
+
+void ShapedRun::findLetters()
+{
+    qsizetype firstLetter = end();
+    for (qsizetype i = m_text.size(); i-- > 0;) {
+        if (isLetter(characterAt(m_text, i)))
+            firstLetter = m_begin + i;
+        m_positions[size_t(i)].firstLetter = firstLetter;
     }
 }
 
@@ -300,34 +267,19 @@ double ShapedRun::characterTolerance(qsizetype index) const
     if (c < firstMirroredSign)
         return 0;
     if (c.hasMirrored())
-        return m_tolerances->mirroredSign;
+        return m_font->mirroredSign;
     const char32_t character = characterAt(m_text, index);
     const bool isRegionalIndicator =
         character >= firstRegionalIndicator && character <= lastRegionalIndicator;
-    return isRegionalIndicator ? m_tolerances->regionalIndicator : 0;
-}
-
-double ShapedRun::piecesTolerance(qsizetype from, qsizetype to) const
-{
-    if (m_text.size() <= longestPiece || from == m_begin)
-        return 0;
-    const qsizetype pieces = (to - from) / longestPiece + 1;
-    return double(pieces) * m_tolerances->pieceEnd;
+    return isRegionalIndicator ? m_font->regionalIndicator : 0;
 }
 
 double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
 {
-    // The run and each of its prefixes have the script of the first letter.
-    if (from == m_begin && (to > m_firstLetter || m_firstLetter == end()))
-        return 0;
-    const QStringView range = QStringView(m_text).sliced(from - m_begin, to - from);
-    const qsizetype signs = leadingSigns(range);
-    if (signs == 0)
-        return 0;
-    QChar::Script scriptInRun = lastScript(QStringView(m_text).first(from - m_begin));
-    if (scriptInRun == QChar::Script_Common)
-        scriptInRun = firstScript(m_text);
-    return firstScript(range) == scriptInRun ? 0 : double(signs) * m_tolerances->foreignSign;
+    const qsizetype firstLetter = at(from).firstLetter;
+    const int ownScript = firstLetter < to ? at(firstLetter).script : QChar::Script_Common;
+    const qsizetype signs = std::min(firstLetter, to) - from;
+    return at(from).script == ownScript ? 0 : double(signs) * m_font->foreignSign;
 }
 
 } // namespace ovelin

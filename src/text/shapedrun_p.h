@@ -2,12 +2,12 @@
 #define OVELIN_SHAPEDRUN_P_H
 
 #include <QtCore/qstring.h>
+#include <QtGui/qfont.h>
+#include <QtGui/qfontmetrics.h>
 
 #include <vector>
 
 QT_BEGIN_NAMESPACE
-class QFont;
-class QFontMetricsF;
 class QStackTextEngine;
 QT_END_NAMESPACE
 
@@ -21,18 +21,25 @@ struct Reading
     double tolerance;
 };
 
+// Qt shapes a text in pieces of this many characters, and characters of two pieces do not join. Where a
+// longer run has the end of a piece, a range has none: it can be read from the begin of the run only.
+constexpr qsizetype longestPiece = 4096;
+
 // Returns how many times as wide as it was drawn a font is set.
 double horizontalScale(const QFont &font);
 
-// How far readings may be off in one font, in pixels; the table in shapedrun.cpp gives the reasons.
-struct Tolerances
+// A font, and how far readings in it may be off, in pixels; the table in shapedrun.cpp gives the reasons.
+struct ReadFont
 {
-    explicit Tolerances(const QFont &font);
+    explicit ReadFont(const QFont &source);
+
+    const QFont font;
+    const QFontMetricsF metrics;
+    const double letterSpacing; // in pixels
 
     double kernedEnd;
     double freeEnd;
     double joinedEnd;
-    double pieceEnd;
     double directionChange;
     double mirroredSign;
     double regionalIndicator;
@@ -48,31 +55,32 @@ class ShapedRun
 {
 public:
     ShapedRun() = default;
-    ShapedRun(const QString &text, qsizetype begin, const QFont &font,
-              const Tolerances &tolerances);
+    ShapedRun(const QString &text, qsizetype begin, const ReadFont &font);
 
     qsizetype begin() const { return m_begin; }
     qsizetype end() const { return m_begin + m_text.size(); }
 
     // True if the characters from `from` up to but not including `to` can be read. The functions below take
     // ranges that are not empty and can be read.
-    bool covers(qsizetype from, qsizetype to) const;
+    bool covers(qsizetype from, qsizetype to) const
+    {
+        return from >= m_begin && from <= m_lastBegin && to <= end();
+    }
 
     Reading read(qsizetype from, qsizetype to) const;
 
-    // The same with less tolerance at an end whose character has the advance that `metrics` gives for it
-    // alone: no neighbour kerns it.
-    Reading readClosely(qsizetype from, qsizetype to, const QFontMetricsF &metrics) const;
+    // The same with less tolerance at ends where no pair is kerned. It takes more time.
+    Reading readClosely(qsizetype from, qsizetype to) const;
 
     // Returns the least advance of a longer text that begins with the characters from `from` to the end of
     // the run, if no character behind these has a negative advance.
     double leastAdvanceOfLonger(qsizetype from) const;
 
-    // True if the character has the advance that `metrics` gives for it alone.
-    bool hasOwnAdvance(qsizetype position, const QFontMetricsF &metrics) const;
+    // True if the characters beside the position are not kerned and do not join.
+    bool isFree(qsizetype position) const;
 
     // True if the readings of all prefixes of the range are exact for each longer text that begins there.
-    bool isExact(qsizetype from, qsizetype to, const QFontMetricsF &metrics) const;
+    bool isExact(qsizetype from, qsizetype to) const;
 
     // True if each character of the range stands beside its neighbours.
     bool isSideBySide(qsizetype from, qsizetype to) const;
@@ -82,24 +90,26 @@ private:
     {
         double advance = 0;
         double tolerance = 0;
-        double endTolerance = 0;
+        double endTolerance = 0;    // of a range that begins or ends here
+        qsizetype firstLetter = 0;  // at or behind the position; the end of the run if there is none
+        int script = 0;             // of the character behind the position, as it was shaped
     };
 
     void appendItem(const QStackTextEngine &engine, int index);
     void appendTab(const QStackTextEngine &engine, int index);
     void appendCharacters(const QStackTextEngine &engine, int index);
+    void findLetters();
     double characterTolerance(qsizetype index) const;
-    double piecesTolerance(qsizetype from, qsizetype to) const;
     double foreignSignsTolerance(qsizetype from, qsizetype to) const;
+    bool hasOwnAdvance(qsizetype position) const;
+    bool hasLetter(qsizetype from, qsizetype to) const { return at(from).firstLetter < to; }
     const Position &at(qsizetype position) const { return m_positions[size_t(position - m_begin)]; }
 
     QString m_text;
     qsizetype m_begin = 0;
-    qsizetype m_firstDirectionControl = 0;
-    qsizetype m_firstLetter = 0; // the end of the run if it has none
+    qsizetype m_lastBegin = -1; // the last position at which a range may begin
     std::vector<Position> m_positions;
-    const Tolerances *m_tolerances = nullptr;
-    double m_letterSpacing = 0;
+    const ReadFont *m_font = nullptr;
 };
 
 } // namespace ovelin

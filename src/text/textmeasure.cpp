@@ -31,35 +31,33 @@ constexpr double runGrowth = 1.5;
 // Fonts are checked with at most so many characters.
 constexpr qsizetype longestCheck = 64;
 
-// The elided part of a line is looked for by its last characters: so many before the one that overflows,
-// and so many behind it. An ellipsis is as wide as one to four of them.
-constexpr qsizetype charactersBeforeCut = 8;
-constexpr qsizetype charactersBehindCut = 4;
+// The cut of an elided line is looked for in these characters: so many before the one that overflows, and
+// so many from it on. An ellipsis is as wide as one to four of them.
+constexpr qsizetype charactersBeforeOverflow = 5;
+constexpr qsizetype charactersFromOverflow = 2;
 
 bool charactersTakeRoom(const QFont &font)
 {
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-// At least a pixel: a font can have a size of 0.
-double widestAverage(const QFont &font)
+// Returns the number of characters that are not wider than Qt can measure.
+qsizetype longestRun(const QFont &font)
 {
-    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    return std::max(1.0, widestAverageInEms * font.pixelSize() * horizontalScale(font))
-           + (percentage ? 0 : std::abs(font.letterSpacing())) + std::abs(font.wordSpacing());
+    const double widestAverage = widestAverageInEms * font.pixelSize() * horizontalScale(font)
+                                 + std::abs(font.letterSpacing()) + std::abs(font.wordSpacing());
+    return static_cast<qsizetype>(greatestAdvance / std::max(1.0, widestAverage));
 }
 
-qsizetype usualLine(const QFont &font, double lineWidth, qsizetype textSize)
+// Returns the number of characters in the lines that are likely to be shown, with a quarter of a line more,
+// for narrow letters and for the word that overflows.
+qsizetype usualRun(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
-    const double size = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
-    return static_cast<qsizetype>(std::min(size, double(textSize)));
-}
-
-// With a quarter of a line more, for narrow letters and for the word that overflows.
-qsizetype usualRun(qsizetype usualLine, int maxLineCount)
-{
-    const bool isLimited = maxLineCount >= 1 && maxLineCount < usualLines;
-    return usualLine * (isLimited ? maxLineCount : usualLines) + usualLine / 4 + 1;
+    const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
+    const auto line = static_cast<qsizetype>(std::clamp(characters, 0.0, double(textSize)));
+    const qsizetype more = line / 4 + 1;
+    const int lines = maxLineCount >= 1 ? std::min(maxLineCount, usualLines) : usualLines;
+    return std::clamp(longestPiece, line + more, lines * line + more);
 }
 
 // QFontMetricsF::elidedText() keeps these from what it cuts away, except the last one: what stands behind
@@ -94,15 +92,10 @@ TextMeasure::TextMeasure(const SourceText &text, const QFont &font, double lineW
                          int maxLineCount, Method method)
     : m_text(text)
     , m_font(font)
-    , m_metrics(font)
     , m_lineWidth(lineWidth)
-    , m_tolerances(font)
     , m_charactersTakeRoom(charactersTakeRoom(font))
-    , m_longestRun(method == Method::MeasureAll
-                       ? 0
-                       : static_cast<qsizetype>(
-                             std::min(greatestAdvance / widestAverage(font), double(text.size()))))
-    , m_usualRun(usualRun(usualLine(font, lineWidth, text.size()), maxLineCount))
+    , m_longestRun(method == Method::MeasureAll ? 0 : longestRun(font))
+    , m_usualRun(usualRun(font, lineWidth, maxLineCount, text.size()))
 {
 }
 
@@ -123,7 +116,7 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
                == fits(reading.advance + reading.tolerance);
     };
     const Reading reading = m_run.read(from, to);
-    if (decides(reading) || decides(m_run.readClosely(from, to, m_metrics)))
+    if (decides(reading) || decides(m_run.readClosely(from, to)))
         return fits(reading.advance);
     return fits(measureAndCompare(from, to));
 }
@@ -140,7 +133,7 @@ bool TextMeasure::shape(qsizetype from, qsizetype size)
         characters.chop(1);
     const bool readsMore = !characters.isEmpty() && !m_run.covers(from, from + characters.size());
     if (readsMore) {
-        m_run = ShapedRun(characters.toString(), from, m_font, m_tolerances);
+        m_run = ShapedRun(characters.toString(), from, m_font);
         noteWholeAdvance();
     }
     return readsMore;
@@ -172,12 +165,12 @@ void TextMeasure::noteWholeAdvance()
 
 double TextMeasure::measure(qsizetype from, qsizetype to) const
 {
-    return m_metrics.horizontalAdvance(m_text.range(from, to));
+    return m_font.metrics.horizontalAdvance(m_text.range(from, to));
 }
 
 double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
 {
-    const Reading reading = m_run.readClosely(from, to, m_metrics);
+    const Reading reading = m_run.readClosely(from, to);
     const double advance = measure(from, to);
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
@@ -199,7 +192,7 @@ bool TextMeasure::isReadWrong()
     const bool canBeChecked = space > from && space - from < m_longestRun;
     if (!m_isChecked && canBeChecked) {
         if (!m_run.covers(from, space + 1))
-            m_run = ShapedRun(m_text.range(from, space + 1), from, m_font, m_tolerances);
+            m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
         measureAndCompare(from, space);
     }
     return m_isReadWrong;
@@ -207,88 +200,51 @@ bool TextMeasure::isReadWrong()
 
 TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
 {
-    const QStringView line = QStringView(m_text.withoutSpace()).mid(from, to - from);
-    qsizetype end = to;
-    if (m_longestRun > 0 && std::ranges::none_of(line, isKeptWhenElided)) {
-        if (const auto elided = elideByReading(from, to))
-            return *elided;
-        if (m_run.covers(from, from + 1))
-            end = endOfWhatIsElided(from, to);
-    }
-    const QString characters = m_text.range(from, end);
-    const QString shown = m_metrics.elidedText(characters, Qt::ElideRight, m_lineWidth);
+    if (const auto elided = elideByReading(from, to))
+        return *elided;
+    const QString shown =
+        m_font.metrics.elidedText(m_text.range(from, to), Qt::ElideRight, m_lineWidth);
     return {.size = shown.size(),
-            .overflows = !shown.isEmpty() && m_metrics.horizontalAdvance(shown) > m_lineWidth};
+            .overflows = !shown.isEmpty() && m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
-// What is farther behind the end of the line than two joined ends is cut away and changes nothing before
-// it.
-qsizetype TextMeasure::endOfWhatIsElided(qsizetype from, qsizetype to)
-{
-    if (!m_charactersTakeRoom)
-        return to;
-    do {
-        const double least = m_run.leastAdvanceOfLonger(from);
-        if (m_run.end() < to && least > m_lineWidth + 2 * m_tolerances.joinedEnd
-            && m_run.isExact(from, m_run.end(), m_metrics)) {
-            return m_run.end();
-        }
-    } while (m_run.end() < to && shape(from, nextRunSize(from, to)));
-    return to;
-}
-
-// Looks for the cut in the last characters that fit, where the readings of the line's prefixes are exact.
+// Elides only the last characters that fit, which Qt does as in the whole line if the readings of the
+// line's prefixes are exact. Returns nothing if that is not known.
 std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype from, qsizetype to)
 {
-    const bool isExact = m_run.covers(from, from + 1)
-                         && (m_run.begin() == from || m_run.hasOwnAdvance(from, m_metrics));
-    if (!isExact) {
+    const QStringView line = QStringView(m_text.withoutSpace()).mid(from, to - from);
+    const bool isPlain = m_charactersTakeRoom && m_font.font.capitalization() == QFont::MixedCase
+                         && std::ranges::none_of(line, isKeptWhenElided);
+    if (!isPlain || m_longestRun == 0)
+        return std::nullopt;
+    if (!m_run.covers(from, from + 1) || !m_run.isFree(from)) {
         m_run = ShapedRun();
         if (!shape(from, std::min(to - from, nextRunSize(from, to))))
             return std::nullopt;
     }
-    const auto overflow = overflowByReading(from, to);
-    if (!overflow || m_font.capitalization() != QFont::MixedCase)
+    const qsizetype end = std::min(to, m_run.end());
+    const bool hasUnreadSpace = end == m_text.withoutSpace().size();
+    if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
         return std::nullopt;
-    qsizetype first = std::max(from, *overflow - charactersBeforeCut);
-    while (first > from && !m_run.hasOwnAdvance(first, m_metrics))
+    qsizetype overflow = from;
+    while (overflow < end && m_run.read(from, overflow + 1).advance <= m_lineWidth)
+        ++overflow;
+    qsizetype first = std::max(from, overflow - charactersBeforeOverflow);
+    while (first > from && !m_run.isFree(first))
         --first;
-    const qsizetype last = std::min({to, m_run.end(), *overflow + 1 + charactersBehindCut});
-    if (!m_run.isSideBySide(first, last) || !m_run.isExact(from, last, m_metrics))
+    const qsizetype last = std::min(end, overflow + charactersFromOverflow);
+    if (overflow == end || !m_run.isSideBySide(first, last) || !m_run.isExact(from, last))
         return std::nullopt;
 
     const double before = first > from ? m_run.read(from, first).advance : 0;
     const QString tail = m_text.range(first, last);
-    const QString shown = m_metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
-    const qsizetype kept = shown.size() - 1;
-    if (kept < 1 || kept > tail.size() - 2 || shown.back() != ellipsis)
+    const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
+    const bool isCutInside =
+        shown.size() >= 2 && shown.size() < tail.size() && shown.back() == ellipsis;
+    if (!isCutInside)
         return std::nullopt;
     return ElidedLine{.size = first - from + shown.size(),
-                      .overflows = before + m_metrics.horizontalAdvance(shown) > m_lineWidth};
-}
-
-// Returns the position of the first character with which the line is not below the limit; nothing if the
-// whole line may fit, or if a character before it has a negative advance.
-std::optional<qsizetype> TextMeasure::overflowByReading(qsizetype from, qsizetype to) const
-{
-    const qsizetype end = std::min(to, m_run.end());
-    const Reading reading = m_run.read(from, end);
-    double least = reading.advance - reading.tolerance;
-    if (end < std::min(to, m_text.withoutSpace().size()))
-        least = m_charactersTakeRoom ? m_run.leastAdvanceOfLonger(from) : 0;
-    else if (end < to)
-        least -= m_tolerances.kernedEnd; // with the space behind the text
-    if (least <= m_lineWidth)
-        return std::nullopt;
-    qsizetype position = from;
-    double before = 0;
-    for (double next = before; next < m_lineWidth; ++position) {
-        before = next;
-        next = m_run.read(from, position + 1).advance;
-        if (next < before)
-            return std::nullopt;
-    }
-    return position - 1;
+                      .overflows = before + m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
 } // namespace ovelin

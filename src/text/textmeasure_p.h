@@ -4,8 +4,6 @@
 #include "shapedrun_p.h"
 
 #include <QtCore/qxpfunctional.h>
-#include <QtGui/qfont.h>
-#include <QtGui/qfontmetrics.h>
 
 #include <optional>
 
@@ -49,7 +47,7 @@ public:
     TextMeasure(const SourceText &text, const QFont &font, double lineWidth, int maxLineCount,
                 Method method);
 
-    const QFontMetricsF &metrics() const { return m_metrics; }
+    const QFontMetricsF &metrics() const { return m_font.metrics; }
 
     // Returns what `fits` says of the advance of the characters from `from` up to but not including `to`.
     // It says true of all advances up to one of them, and false of all greater ones.
@@ -77,15 +75,11 @@ private:
     void noteWholeAdvance();
     double measure(qsizetype from, qsizetype to) const;
     double measureAndCompare(qsizetype from, qsizetype to);
-    qsizetype endOfWhatIsElided(qsizetype from, qsizetype to);
     std::optional<ElidedLine> elideByReading(qsizetype from, qsizetype to);
-    std::optional<qsizetype> overflowByReading(qsizetype from, qsizetype to) const;
 
     const SourceText &m_text;
-    const QFont m_font;
-    const QFontMetricsF m_metrics;
+    const ReadFont m_font;
     const double m_lineWidth;
-    const Tolerances m_tolerances;
     const bool m_charactersTakeRoom; // no character has a negative advance
     const qsizetype m_longestRun;    // in characters; 0 if nothing is read
     const qsizetype m_usualRun;      // in characters
