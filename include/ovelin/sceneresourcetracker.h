@@ -87,4 +87,6 @@ OVELIN_EXPORT void setSceneResourceTracker(SceneResourceTracker *tracker);
 
 } // namespace ovelin
 
+Q_DECLARE_TYPEINFO(ovelin::SceneResourceTracker::Message, Q_RELOCATABLE_TYPE);
+
 #endif

@@ -4,9 +4,8 @@
 #include "hyphenation_p.h"
 #include "textmeasure_p.h"
 
-#include <QHash>
-
 #include <algorithm>
+#include <vector>
 
 namespace ovelin {
 
@@ -119,21 +118,28 @@ public:
     std::optional<int> linesSince(const State &state, int lineCount);
 
 private:
-    QHash<State, int> m_lineCounts;
-};
+    struct Wrap
+    {
+        State state;
+        int lineCount;
+    };
 
-size_t qHash(const WrapGuard::State &state, size_t seed)
-{
-    return qHashMulti(seed, state.inserted, state.lineStart, state.wordStart,
-                      state.previousWordStart);
-}
+    // Since the pass came to the farthest word: a circle comes there again, and not to a farther one.
+    std::vector<Wrap> m_wraps;
+    qsizetype m_farthestWord = -1;
+};
 
 std::optional<int> WrapGuard::linesSince(const State &state, int lineCount)
 {
-    const auto seen = m_lineCounts.constFind(state);
-    if (seen != m_lineCounts.cend())
-        return lineCount - *seen;
-    m_lineCounts.insert(state, lineCount);
+    if (state.wordStart > m_farthestWord) {
+        m_farthestWord = state.wordStart;
+        m_wraps.clear();
+    }
+    for (const Wrap &wrap : m_wraps) {
+        if (wrap.state == state)
+            return lineCount - wrap.lineCount;
+    }
+    m_wraps.push_back({.state = state, .lineCount = lineCount});
     return std::nullopt;
 }
 

@@ -28,8 +28,8 @@ constexpr int usualLines = 16;
 // three times the last one.
 constexpr double runGrowth = 1.5;
 
-// Fonts are checked with at most so many characters.
-constexpr qsizetype longestCheck = 64;
+// Fonts are checked with at most so many characters: only the ends of a range can be read wrong.
+constexpr qsizetype longestCheck = 16;
 
 // The cut of an elided line is looked for in these characters: so many before the one that overflows, and
 // so many from it on. An ellipsis is as wide as one to four of them.
@@ -187,8 +187,8 @@ bool TextMeasure::isReadWrong()
     qsizetype space = text.indexOf(u' ', m_run.begin() + 1);
     if (space < 0)
         space = text.lastIndexOf(u' ');
-    const qsizetype from =
-        std::max(space - longestCheck, space > m_run.begin() ? m_run.begin() : 0);
+    const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
+    const qsizetype from = std::max(begin, space - longestCheck);
     const bool canBeChecked = space > from && space - from < m_longestRun;
     if (!m_isChecked && canBeChecked) {
         if (!m_run.covers(from, space + 1))
