@@ -79,7 +79,8 @@ public:
     // True if the characters beside the position are not kerned and do not join.
     bool isFree(qsizetype position) const;
 
-    // True if the readings of all prefixes of the range are exact for each longer text that begins there.
+    // True if the prefixes of the range have the advances that are read in each longer text that begins at
+    // `from`.
     bool isExact(qsizetype from, qsizetype to) const;
 
     // True if each character of the range stands beside its neighbours.

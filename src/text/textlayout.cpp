@@ -55,8 +55,8 @@ public:
     qsizetype inserted() const { return m_inserted; }
 
     QString withoutSpace() const;
-    // Ends with an ellipsis in the place of the character at a position of the source, or of the inserted
-    // one before it. Spaces and punctuation before the ellipsis are removed.
+    // The text up to a position of the source, and an ellipsis. Spaces and punctuation before the ellipsis
+    // are removed. If the last insertion is behind the position, the end of what was inserted is cut off.
     QString elidedAt(qsizetype position) const;
 
 private:
@@ -318,9 +318,9 @@ void LineBreaker::breakAfterSeparator()
         m_lineStart = m_break + 1;
 }
 
-// Breaks the line before the hyphen, so that the hyphen begins the next line. If its word does not fit on
-// that line either, the hyphen moves again, up to the line limit; these moves are made at once. After the
-// last move that is allowed nothing is changed, so that the guard in wrapWord() notices the next wrap.
+// Breaks the line before the hyphen: the hyphen begins the next line. If the word behind the hyphen does not
+// fit there either, the hyphen moves again, line after line; all these moves are made at once. After the last
+// allowed move nothing is changed, so that WrapGuard notices the circle.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype hyphenPosition = m_wordStart - 1;
@@ -345,8 +345,8 @@ void LineBreaker::moveHyphenToNextLine()
     m_lineStart = hyphenPosition;
 }
 
-// The line that is measured is that of the candidate. The cut counts from the begin of the present line,
-// which is another one behind a wrapped word that ends a paragraph.
+// Measures the line of the candidate and cuts the present line, at the same distance from its begin. The two
+// lines differ if the last word of a paragraph wraps and thereby reaches the line limit.
 void LineBreaker::elide()
 {
     m_elided = true;

@@ -11,7 +11,7 @@ namespace {
 
 // Qt counts 64ths of a pixel in an int: greater advances overflow.
 constexpr double greatestAdvance = 1 << 25;
-// No text is wider on average, per character.
+// The average advance of a text's characters is at most this.
 constexpr double widestAverageInEms = 4;
 
 // Qt measures a text up to this control character only.
@@ -20,12 +20,12 @@ constexpr char16_t endOfMeasuredText = u'\u009c';
 // Letters of most scripts are a little over half as wide as high.
 constexpr double usualCharacterInEms = 0.55;
 
-// Of lines without a limit, so many are shaped at once. Each run begins with the line in which the one
-// before it ended, so that shorter runs shape more characters twice.
+// Without a line limit, a run has this many lines. A run begins with the line in which the previous one
+// ended, so that this line is shaped twice; shorter runs would have more such lines.
 constexpr int usualLines = 16;
 
-// A run grows at least by half of its size, so that all runs that begin with one line cost no more than
-// three times the last one.
+// If a line needs a longer run, the new one is this many times as long, or longer. All runs of one line
+// together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
 // Fonts are checked with at most so many characters: only the ends of a range can be read wrong.
@@ -49,8 +49,8 @@ qsizetype longestRun(const QFont &font)
     return static_cast<qsizetype>(greatestAdvance / std::max(1.0, widestAverage));
 }
 
-// Returns the number of characters in the lines that are likely to be shown, with a quarter of a line more,
-// for narrow letters and for the word that overflows.
+// Returns how many characters the lines probably show, and a quarter of a line more: letters can be narrow,
+// and behind the last line stands the word that overflows.
 qsizetype usualRun(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
@@ -60,9 +60,9 @@ qsizetype usualRun(const QFont &font, double lineWidth, int maxLineCount, qsizet
     return std::clamp(longestPiece, line + more, lines * line + more);
 }
 
-// QFontMetricsF::elidedText() keeps these from what it cuts away, except the last one: what stands behind
-// that is a shorter form of the text, which it may show instead.
-bool isKeptWhenElided(QChar c)
+// True if QFontMetricsF::elidedText() does more than to cut the text at its end: it keeps control characters
+// of the part that it cuts away, and U+009C separates shorter forms of a text, which it may show instead.
+bool isSpecialInElision(QChar c)
 {
     return (c >= u'\u200b' && c <= u'\u200f') || (c >= u'\u202a' && c <= u'\u202e')
            || (c >= u'\u2060' && c <= u'\u206f') || c == u'\u061c' || c == endOfMeasuredText;
@@ -179,8 +179,8 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
     return advance;
 }
 
-// Fonts for which the tolerances are too small mostly kern letters with spaces: the run has to have the
-// space behind the range.
+// Reads and measures a range before a space. Fonts that kern more than the tolerances allow mostly kern
+// letters with spaces, so the run includes this space.
 bool TextMeasure::isReadWrong()
 {
     const QStringView text = m_text.withoutSpace();
@@ -214,7 +214,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
 {
     const QStringView line = QStringView(m_text.withoutSpace()).mid(from, to - from);
     const bool isPlain = m_charactersTakeRoom && m_font.font.capitalization() == QFont::MixedCase
-                         && std::ranges::none_of(line, isKeptWhenElided);
+                         && std::ranges::none_of(line, isSpecialInElision);
     if (!isPlain || m_longestRun == 0)
         return std::nullopt;
     if (!m_run.covers(from, from + 1) || !m_run.isFree(from)) {

@@ -9,7 +9,7 @@
 
 namespace ovelin {
 
-// The source text of a layout: well-formed UTF-16. One space that ends the last word stands behind it.
+// The source text of a layout: well-formed UTF-16, and one space behind it, which ends the last word.
 class SourceText
 {
 public:
@@ -36,8 +36,8 @@ private:
 // answer is the same for all advances within the tolerance of the reading, it is decided. If not, the range
 // is measured by itself.
 //
-// A font for which the tolerances are too small shows when ranges are measured, because each measurement is
-// compared with the reading. Then the readings decided nothing: the text is laid out anew by measuring.
+// Each measurement is compared with the reading. If they differ by more than the tolerance, the font is read
+// wrong, and the caller lays the text out anew by measuring alone.
 class TextMeasure
 {
 public:
@@ -50,7 +50,7 @@ public:
     const QFontMetricsF &metrics() const { return m_font.metrics; }
 
     // Returns what `fits` says of the advance of the characters from `from` up to but not including `to`.
-    // It says true of all advances up to one of them, and false of all greater ones.
+    // `fits` must say true for all advances up to some limit, and false for all greater ones.
     bool decide(qsizetype from, qsizetype to, Fits fits);
 
     // What QFontMetricsF::elidedText() shows of a line.
@@ -65,8 +65,8 @@ public:
     // more than the tolerance.
     bool isReadWrong();
 
-    // Returns the advance of the whole text, or a lesser one that is greater than the line's width already;
-    // nothing if the runs did not tell.
+    // Returns the advance of the whole text. If the text is wider than the line, this can be a smaller value,
+    // which is greater than the line's width, too. Returns nothing if no run told it.
     std::optional<double> wholeAdvance() const { return m_wholeAdvance; }
 
 private:
