@@ -72,17 +72,20 @@ void describeOwner(Message &message, IResourceOwner *owner)
     }
 }
 
-void compose(Message &message, Message::Event event, const ResourceInfo &info)
+// The owner is asked last: it may call the tracker, which then erases the entry.
+Message composed(Message::Event event, const ResourceInfo &info)
 {
     const ResourceOwnerState &state = *info.ownerState;
 
+    Message message = {};
     message.type = typeText(info.type);
     message.status = statusText(state.status);
     message.geometry = geometryText(state.geometry);
     message.source = sourceText(info);
-    describeOwner(message, state.owner);
     message.id = info.id;
     message.event = event;
+    describeOwner(message, state.owner);
+    return message;
 }
 
 } // namespace
@@ -93,8 +96,7 @@ void SceneResourceTrackerPrivate::addMessage(Message::Event event, const Resourc
     if (!messagesEnabled)
         return;
 
-    // Composed in place: inside the library, which declares the destructor, a message cannot be moved.
-    compose(messages.emplaceBack(), event, info);
+    messages.append(composed(event, info));
     Q_Q(SceneResourceTracker);
     Q_EMIT q->messagesAdded();
 

@@ -27,7 +27,7 @@ IResourceOwner::~IResourceOwner() = default;
     \fn QObject *ovelin::IResourceOwner::resourceOwnerObject()
 
     Returns the object that describes the owner in the tracker's messages, which show its address,
-    its class name and its object name. Must not return null. Must not call the tracker.
+    its class name and its object name. Must not return null. The message is added to the log after this call.
 */
 
 /*!

@@ -278,8 +278,7 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
     A slot or an owner that is called must not destroy the tracker, must not destroy an owner inside
     one of that owner's own functions, and must not call registerResource() for an owner that is
     being destroyed. An owner may destroy itself in IResourceOwner::allowResources() and
-    IResourceOwner::releaseResources(). IResourceOwner::resourceOwnerObject() must not call the
-    tracker: the tracker is writing a message then.
+    IResourceOwner::releaseResources().
 
     While one tracker announces that an owner was destroyed, another tracker may still list the
     address of this owner in owners(). The state there has no owner any more. Do not use that

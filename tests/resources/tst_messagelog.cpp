@@ -114,6 +114,20 @@ private:
     QObject *m_answer;
 };
 
+// An owner that reacts when it is asked for its object.
+class AskedOwner : public PlainOwner
+{
+public:
+    QObject *resourceOwnerObject() override
+    {
+        if (const auto reaction = std::exchange(onAsked, nullptr))
+            reaction();
+        return PlainOwner::resourceOwnerObject();
+    }
+
+    std::function<void()> onAsked;
+};
+
 QString expectedAddress(const QObject *object)
 {
     return u"0x"_s
@@ -153,6 +167,8 @@ private Q_SLOTS:
     void disablingKeepsMessages();
     void enablingAndDisablingEmitNothing();
     void eachOperationWritesItsEvent();
+    void writesAMessageWhoseOwnerClearsTheLog();
+    void writesAMessageWhoseOwnerUnregisters();
     void otherOperationsWriteNothing();
     void writesOneMessagePerResourceInListOrder();
     void announcesMessagesBeforeOtherSignals();
@@ -302,6 +318,35 @@ void tst_MessageLog::eachOperationWritesItsEvent()
 
     QCOMPARE(events(*m_tracker), (QList<int>{1, 2, 3, 1, 4, 4}));
     QCOMPARE(messageIds(*m_tracker), (QList<int>{1, 1, 1, 2, 1, 2}));
+}
+
+void tst_MessageLog::writesAMessageWhoseOwnerClearsTheLog()
+{
+    AskedOwner owner;
+    qsizetype messagesSeen = -1;
+    owner.onAsked = [&] {
+        messagesSeen = m_tracker->messages().size();
+        m_tracker->clearMessages();
+    };
+    m_tracker->registerResource(&owner, image(1));
+
+    QCOMPARE(messagesSeen, 0);
+    QCOMPARE(m_tracker->messages().size(), 1);
+    QCOMPARE(m_tracker->messages().constFirst().id, 1);
+}
+
+void tst_MessageLog::writesAMessageWhoseOwnerUnregisters()
+{
+    AskedOwner owner;
+    m_tracker->registerResource(&owner, image(1));
+    m_tracker->clearMessages();
+    owner.onAsked = [&] { m_tracker->unregisterResource(&owner, 1); };
+    m_tracker->registerResource(&owner, image(1));
+
+    QCOMPARE(m_tracker->messages().size(), 2);
+    QCOMPARE(m_tracker->messages().constFirst().event, Message::Unregistered);
+    QCOMPARE(m_tracker->messages().constLast().event, Message::Updated);
+    QCOMPARE(m_tracker->messages().constLast().id, 1);
 }
 
 void tst_MessageLog::otherOperationsWriteNothing()
