@@ -94,6 +94,8 @@ private Q_SLOTS:
     void splitsNoSurrogatePair_data();
     void splitsNoSurrogatePair();
     void splitsInFrontOfASurrogatePair();
+    void cutsNoSurrogatePairIfTheEllipsisOverhangs();
+    void usesNoHyphenationPointBehindTheWord();
     void breaksATextWithHalfASurrogatePair();
     void laysOutLongTexts_data();
     void laysOutLongTexts();
@@ -531,6 +533,29 @@ void tst_TextLayout::splitsInFrontOfASurrogatePair()
         QVERIFY(shown.text.isValidUtf16());
         QCOMPARE(shown.text.section(u'\n', 0, 0), beginning.isEmpty() ? shown.text : beginning);
     }
+}
+
+void tst_TextLayout::cutsNoSurrogatePairIfTheEllipsisOverhangs()
+{
+    constexpr int width = 51;
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
+    const QString face = QStringLiteral("\U0001F600");
+    // Qt leaves the letter spacing behind the ellipsis out.
+    const QString elided = QFontMetricsF(font).elidedText(face.repeated(8), Qt::ElideRight, width);
+    QCOMPARE(elided, face + ellipsisText);
+    QVERIFY(advance(elided, font) > width);
+
+    QCOMPARE(layOut({face.repeated(8), width, 1, true, font}).text, ellipsisText);
+}
+
+// In lower case each U+0130 is two characters, so that the word seems to have four more.
+void tst_TextLayout::usesNoHyphenationPointBehindTheWord()
+{
+    const QFont font = spacedFont(QFont::AbsoluteSpacing, -10);
+    const Shown shown =
+        layOut({QStringLiteral("ШШШШШШ\u0130\u0130\u0130\u0130-iiiiii"), 46, 4, true, font});
+
+    QCOMPARE(shown.text, QStringLiteral("ШШ…"));
 }
 
 void tst_TextLayout::breaksATextWithHalfASurrogatePair()
