@@ -13,10 +13,11 @@ namespace {
 // it is for; one that is too small breaks lines in the wrong place, one that is too large costs
 // measurements.
 
-// The end of a range parts two characters that are kerned. Fonts kern a pair by up to half an em.
+// The end of a range parts two characters that stand side by side. Fonts kern such a pair by up to half an
+// em.
 constexpr double kernedEndInEms = 0.5;
-// The end parts two characters that have their own advances. No pair kerning changed these, and rules for
-// characters that are farther apart are small.
+// The same if the character at this end has the advance that the font gives it alone. It has no pair kerning
+// then, and rules for characters that are farther apart are small.
 constexpr double freeEndInEms = 0.05;
 // The end parts characters that join, stack or are one glyph, as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
@@ -153,10 +154,12 @@ Reading ShapedRun::read(qsizetype from, qsizetype to) const
 Reading ShapedRun::readClosely(qsizetype from, qsizetype to) const
 {
     Reading reading = read(from, to);
-    for (const qsizetype end : {from, to}) {
-        if (at(end).endTolerance == m_font->kernedEnd && isFree(end))
+    const auto relax = [&](qsizetype end, qsizetype character) {
+        if (at(end).endTolerance == m_font->kernedEnd && hasOwnAdvance(character))
             reading.tolerance -= m_font->kernedEnd - m_font->freeEnd;
-    }
+    };
+    relax(from, from);
+    relax(to, to - 1);
     return reading;
 }
 
@@ -169,12 +172,10 @@ double ShapedRun::leastAdvanceOfLonger(qsizetype from) const
     return reading.advance - reading.tolerance - m_font->joinedEnd;
 }
 
-bool ShapedRun::isFree(qsizetype position) const
+bool ShapedRun::beginsFreely(qsizetype position) const
 {
     const double tolerance = at(position).endTolerance;
-    return tolerance == 0
-           || (tolerance == m_font->kernedEnd && hasOwnAdvance(position - 1)
-               && hasOwnAdvance(position));
+    return tolerance == 0 || (tolerance == m_font->kernedEnd && hasOwnAdvance(position));
 }
 
 bool ShapedRun::hasOwnAdvance(qsizetype position) const
@@ -186,7 +187,7 @@ bool ShapedRun::hasOwnAdvance(qsizetype position) const
 
 bool ShapedRun::isExact(qsizetype from, qsizetype to) const
 {
-    return isFree(from) && at(to).tolerance == at(from).tolerance && hasLetter(from, to)
+    return at(to).tolerance == at(from).tolerance && hasLetter(from, to)
            && foreignSignsTolerance(from, to) == 0;
 }
 

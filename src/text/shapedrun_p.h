@@ -69,18 +69,19 @@ public:
 
     Reading read(qsizetype from, qsizetype to) const;
 
-    // The same with less tolerance at ends where no pair is kerned. It takes more time.
+    // The same with less tolerance at an end whose character is not kerned. It takes more time.
     Reading readClosely(qsizetype from, qsizetype to) const;
 
     // Returns the least advance of a longer text that begins with the characters from `from` to the end of
     // the run, if no character behind these has a negative advance.
     double leastAdvanceOfLonger(qsizetype from) const;
 
-    // True if the characters beside the position are not kerned and do not join.
-    bool isFree(qsizetype position) const;
+    // True if a range that begins there has no other advances than those read: nothing kerns or joins its
+    // first character.
+    bool beginsFreely(qsizetype position) const;
 
     // True if the prefixes of the range have the advances that are read in each longer text that begins at
-    // `from`.
+    // `from`, provided that it begins freely.
     bool isExact(qsizetype from, qsizetype to) const;
 
     // True if each character of the range stands beside its neighbours.
@@ -91,9 +92,9 @@ private:
     {
         double advance = 0;
         double tolerance = 0;
-        double endTolerance = 0;    // of a range that begins or ends here
-        qsizetype firstLetter = 0;  // at or behind the position; the end of the run if there is none
-        int script = 0;             // of the character behind the position, as it was shaped
+        double endTolerance = 0;   // of a range that begins or ends here
+        qsizetype firstLetter = 0; // at or behind the position; the end of the run if there is none
+        int script = 0;            // of the character behind the position, as it was shaped
     };
 
     void appendItem(const QStackTextEngine &engine, int index);

@@ -60,6 +60,13 @@ qsizetype usualRun(const QFont &font, double lineWidth, int maxLineCount, qsizet
     return std::clamp(longestPiece, line + more, lines * line + more);
 }
 
+// Returns the number of characters before the first one that is the given one.
+qsizetype sizeUpTo(QChar end, QStringView characters)
+{
+    const qsizetype position = characters.indexOf(end);
+    return position < 0 ? characters.size() : position;
+}
+
 // True if QFontMetricsF::elidedText() does more than to cut the text at its end: it keeps control characters
 // of the part that it cuts away, and U+009C separates shorter forms of a text, which it may show instead.
 bool isSpecialInElision(QChar c)
@@ -126,9 +133,10 @@ bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
     const QStringView rest = QStringView(m_text.withoutSpace()).sliced(from);
     QStringView characters = rest.first(std::min({size, m_longestRun, rest.size()}));
-    const qsizetype measured = characters.indexOf(endOfMeasuredText);
-    if (measured >= 0)
-        characters.truncate(measured);
+    characters.truncate(sizeUpTo(endOfMeasuredText, characters));
+    // Of a longer run only its first line is read, which ends with the paragraph.
+    if (characters.size() > longestPiece)
+        characters.truncate(std::max(longestPiece, sizeUpTo(lineSeparator, characters)));
     if (!characters.isEmpty() && m_text.isInsidePair(from + characters.size()))
         characters.chop(1);
     const bool readsMore = !characters.isEmpty() && !m_run.covers(from, from + characters.size());
@@ -217,7 +225,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
                          && std::ranges::none_of(line, isSpecialInElision);
     if (!isPlain || m_longestRun == 0)
         return std::nullopt;
-    if (!m_run.covers(from, from + 1) || !m_run.isFree(from)) {
+    if (!m_run.covers(from, from + 1) || !m_run.beginsFreely(from)) {
         m_run = ShapedRun();
         if (!shape(from, std::min(to - from, nextRunSize(from, to))))
             return std::nullopt;
@@ -230,7 +238,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     while (overflow < end && m_run.read(from, overflow + 1).advance <= m_lineWidth)
         ++overflow;
     qsizetype first = std::max(from, overflow - charactersBeforeOverflow);
-    while (first > from && !m_run.isFree(first))
+    while (first > from && !m_run.beginsFreely(first))
         --first;
     const qsizetype last = std::min(end, overflow + charactersFromOverflow);
     if (overflow == end || !m_run.isSideBySide(first, last) || !m_run.isExact(from, last))

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void decidesAnEmptyRange();
     void measuresOnlyUpToTheStringTerminator();
     void shapesOnceForManyRanges();
+    void shapesParagraphsOnce();
     void measuresOnlyNearTheLimit();
     void decidesALongWordByItsPrefix_data();
     void decidesALongWordByItsPrefix();
@@ -228,6 +229,25 @@ void tst_TextMeasure::shapesOnceForManyRanges()
         }
     });
     QCOMPARE(calls, 1);
+}
+
+// Each paragraph is a line. A run of the whole text at each of them would take 10,000 calls.
+void tst_TextMeasure::shapesParagraphsOnce()
+{
+    if (!canCountShaperCalls())
+        QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
+    constexpr int paragraphs = 100;
+    const QString paragraph = u"ж"_s.repeated(99) + u'\u2028';
+    const SourceText source(paragraph.repeated(paragraphs));
+    constexpr double wideLine = 1'000'000;
+    TextMeasure measure(source, pixelFont(), wideLine, manyLines, Method::Read);
+
+    const int calls = countShaperCalls([&] {
+        for (qsizetype from = 0; from < source.size() - 1; from += paragraph.size())
+            QVERIFY(measure.decide(from, from + paragraph.size() - 1, fitsInto(wideLine)));
+    });
+    // A separator takes a call, too.
+    QVERIFY(calls <= 3 * paragraphs);
 }
 
 void tst_TextMeasure::measuresOnlyNearTheLimit()
