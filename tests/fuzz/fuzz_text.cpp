@@ -23,16 +23,16 @@ using namespace ovelin::tests;
 
 namespace {
 
-constexpr qsizetype longestText = 100'000;
-constexpr qsizetype longestRichText = 2000;
-constexpr qsizetype longestMeasuredText = 10'000;
-constexpr int largestFont = 1'000'000; // whose advances Qt can hold
-constexpr qsizetype longestComparedText = 1200;
-constexpr int comparedRounds = 3000;
+// Qt shapes such a text in three pieces. Longer ones, and longer comparisons, find nothing more and let
+// the fuzzer try fewer inputs.
+constexpr qsizetype longestText = 10'000;
+constexpr qsizetype longestRichText = 500;
+constexpr qsizetype longestComparedText = 200;
+constexpr int comparedRounds = 500;
 // Of all layouts of an input, whose checks repeat them.
 constexpr qsizetype mostCharacters = longestText;
 constexpr std::size_t mostRenderers = 4;
-constexpr int mostCalls = 60;
+constexpr int mostCalls = 30;
 constexpr int canvasSize = 64;
 
 QString anyText(FuzzedDataProvider &data)
@@ -83,7 +83,6 @@ private:
     void set(FuzzedDataProvider &data);
     void layOut(qsizetype &charactersLeft);
     bool isTooMuchForQt() const;
-    bool isTooMuchToMeasure() const;
     void compare() const;
     void paint(FuzzedDataProvider &data) const;
 
@@ -148,7 +147,7 @@ void Subject::set(FuzzedDataProvider &data)
 
 void Subject::layOut(qsizetype &charactersLeft)
 {
-    if (isTooMuchForQt() || isTooMuchToMeasure() || m_renderer.text().size() > charactersLeft)
+    if (isTooMuchForQt() || m_renderer.text().size() > charactersLeft)
         return;
     const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
     charactersLeft -= laysOut ? m_renderer.text().size() : 0;
@@ -167,17 +166,6 @@ bool Subject::isTooMuchForQt() const
     const bool mayBeRich =
         format == Qt::AutoText ? Qt::mightBeRichText(text) : format != Qt::PlainText;
     return mayBeRich && text.size() > longestRichText;
-}
-
-// Letters that are set closer than they are wide may take hardly any room: where a word is split, each of
-// the thousands that a line holds is tried. And behind tabs and controls of the direction all that is left
-// of a word is measured for each of its lines. In larger fonts no advance tells anything of another one.
-bool Subject::isTooMuchToMeasure() const
-{
-    const QFont font = m_renderer.textFont();
-    const bool isTight = font.letterSpacing() < 0 || font.wordSpacing() < 0;
-    const bool isTooLarge = font.pixelSize() > largestFont;
-    return (isTight || isTooLarge) && m_renderer.text().size() > longestMeasuredText;
 }
 
 void Subject::compare() const
