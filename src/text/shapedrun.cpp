@@ -126,6 +126,7 @@ ReadFont::ReadFont(const QFont &source)
 ShapedRun::ShapedRun(const QString &text, qsizetype begin, const ReadFont &font)
     : m_text(text)
     , m_begin(begin)
+    , m_firstLetter(begin)
     , m_font(&font)
 {
     // What a control has turned has another direction without it.
@@ -139,7 +140,7 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const ReadFont &font)
     for (int item = 0; item < engine.layoutData->items.size(); ++item)
         appendItem(engine, item);
     m_positions.back().endTolerance = 0;
-    findLetters();
+    m_firstLetter = firstLetter(begin, end());
 }
 
 Reading ShapedRun::read(qsizetype from, qsizetype to) const
@@ -252,16 +253,6 @@ void ShapedRun::appendCharacters(const QStackTextEngine &engine, int index)
     }
 }
 
-void ShapedRun::findLetters()
-{
-    qsizetype firstLetter = end();
-    for (qsizetype i = m_text.size(); i-- > 0;) {
-        if (isLetter(characterAt(m_text, i)))
-            firstLetter = m_begin + i;
-        m_positions[size_t(i)].firstLetter = firstLetter;
-    }
-}
-
 double ShapedRun::characterTolerance(qsizetype index) const
 {
     const QChar c = m_text.at(index);
@@ -277,10 +268,19 @@ double ShapedRun::characterTolerance(qsizetype index) const
 
 double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
 {
-    const qsizetype firstLetter = at(from).firstLetter;
-    const int ownScript = firstLetter < to ? at(firstLetter).script : QChar::Script_Common;
-    const qsizetype signs = std::min(firstLetter, to) - from;
+    const qsizetype letter = firstLetter(from, to);
+    const int ownScript = letter < to ? at(letter).script : QChar::Script_Common;
+    const qsizetype signs = std::min(letter, to) - from;
     return at(from).script == ownScript ? 0 : double(signs) * m_font->foreignSign;
+}
+
+// Returns the position of the first letter in the range; its end, or a position behind it, if it has none.
+qsizetype ShapedRun::firstLetter(qsizetype from, qsizetype to) const
+{
+    qsizetype position = std::max(from, m_firstLetter);
+    while (position < to && !isLetter(characterAt(m_text, position - m_begin)))
+        ++position;
+    return position;
 }
 
 } // namespace ovelin

@@ -92,24 +92,24 @@ private:
     {
         double advance = 0;
         double tolerance = 0;
-        double endTolerance = 0;   // of a range that begins or ends here
-        qsizetype firstLetter = 0; // at or behind the position; the end of the run if there is none
-        int script = 0;            // of the character behind the position, as it was shaped
+        double endTolerance = 0; // of a range that begins or ends here
+        int script = 0;          // of the character behind the position, as it was shaped
     };
 
     void appendItem(const QStackTextEngine &engine, int index);
     void appendTab(const QStackTextEngine &engine, int index);
     void appendCharacters(const QStackTextEngine &engine, int index);
-    void findLetters();
     double characterTolerance(qsizetype index) const;
     double foreignSignsTolerance(qsizetype from, qsizetype to) const;
     bool hasOwnAdvance(qsizetype position) const;
-    bool hasLetter(qsizetype from, qsizetype to) const { return at(from).firstLetter < to; }
+    qsizetype firstLetter(qsizetype from, qsizetype to) const;
+    bool hasLetter(qsizetype from, qsizetype to) const { return firstLetter(from, to) < to; }
     const Position &at(qsizetype position) const { return m_positions[size_t(position - m_begin)]; }
 
     QString m_text;
     qsizetype m_begin = 0;
-    qsizetype m_lastBegin = -1; // the last position at which a range may begin
+    qsizetype m_lastBegin = -1;  // the last position at which a range may begin
+    qsizetype m_firstLetter = 0; // the end of the run if it has none
     std::vector<Position> m_positions;
     const ReadFont *m_font = nullptr;
 };

@@ -230,6 +230,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
         if (!shape(from, std::min(to - from, nextRunSize(from, to))))
             return std::nullopt;
     }
+    // The space behind the text is in no run.
     const qsizetype end = std::min(to, m_run.end());
     const bool hasUnreadSpace = end == m_text.withoutSpace().size();
     if (hasUnreadSpace && measure(from, to) <= m_lineWidth)

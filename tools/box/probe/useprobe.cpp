@@ -189,9 +189,10 @@ void countTracker()
 
     ++id;
     markAction("registration", [&] { scene.registerOne(id); });
-    // The first message makes the list.
+    // The list grows with its first messages.
     scene.tracker.setMessagesEnabled(true);
-    scene.registerOne(++id);
+    for (int messages = 0; messages < 3; ++messages)
+        scene.registerOne(++id);
     ++id;
     markAction("registration-with-message", [&] { scene.registerOne(id); });
 }
