@@ -33,8 +33,8 @@ constexpr char16_t firstMirroredSign = u'\u2200';
 constexpr double regionalIndicatorInEms = 2;
 constexpr char32_t firstRegionalIndicator = 0x1f1e6;
 constexpr char32_t lastRegionalIndicator = 0x1f1ff;
-// Signs and marks before the first letter of a range are shaped by the rules of its script. Within the run
-// they can have a letter of another script before them.
+// Signs and marks before the first letter of a range are shaped by the rules of its script, or of the script of
+// the first mark. Within the run they can have a letter of another script before them.
 constexpr double foreignSignInEms = 2;
 // A tab reaches up to the next multiple of this many pixels from the begin of the range.
 constexpr double tabStopDistance = 80;
@@ -181,8 +181,10 @@ bool ShapedRun::beginsFreely(qsizetype position) const
 
 bool ShapedRun::hasOwnAdvance(qsizetype position) const
 {
-    const double alone =
-        m_font->metrics.horizontalAdvance(m_text.at(position - m_begin)) + m_font->letterSpacing;
+    const QChar c = m_text.at(position - m_begin);
+    if (c.isMark()) // may get a dotted circle to stand on
+        return false;
+    const double alone = m_font->metrics.horizontalAdvance(c) + m_font->letterSpacing;
     return std::abs(at(position + 1).advance - at(position).advance - alone) <= qtUnit;
 }
 
@@ -269,8 +271,12 @@ double ShapedRun::characterTolerance(qsizetype index) const
 double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
 {
     const qsizetype letter = firstLetter(from, to);
-    const int ownScript = letter < to ? at(letter).script : QChar::Script_Common;
     const qsizetype signs = std::min(letter, to) - from;
+    if (signs == 0)
+        return 0;
+    int ownScript = QChar::script(characterAt(m_text, from - m_begin));
+    if (ownScript <= QChar::Script_Common)
+        ownScript = letter < to ? at(letter).script : QChar::Script_Common;
     return at(from).script == ownScript ? 0 : double(signs) * m_font->foreignSign;
 }
 

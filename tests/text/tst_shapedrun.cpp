@@ -108,6 +108,7 @@ void tst_ShapedRun::readsWithinTheTolerance_data()
     row("brackets beside Hebrew", u"(ש) [«a»] {ש}"_s);
     row("signs before another script", u"a ⟶⟶ «» ש — … क ... ж"_s);
     row("signs without letters", u"… — «!» 12:30 ⟶"_s);
+    row("a mark of another script", u"xк\u093cрыл ш\u05b7..."_s);
     row("marks without letters", u"\u0301\u0301 \u0301—\u0301"_s);
     row("embedded direction", u"ab\u202bשלום cd\u202c ef"_s);
     row("isolated direction", u"ab\u2067שלום cd\u2069 ef"_s);
@@ -388,7 +389,8 @@ void tst_ShapedRun::beginsFreely_data()
     row("behind a kerned letter", u"xAVx"_s, 2, true);
     row("before a ligature", u"xfix"_s, 1, false);
     row("in a ligature", u"xfix"_s, 2, false);
-    row("behind a mark", u"xе\u0301x"_s, 3, true);
+    row("a mark", u"xк\u093cx"_s, 2, false);
+    row("behind a mark", u"xк\u093cx"_s, 3, true);
     row("joined", u"سلام"_s, 2, false);
     row("letter spacing", u"xан"_s, 1, true, spacedFont(QFont::AbsoluteSpacing, 3));
     row("letter spacing, kerned", u"xAVx"_s, 1, false, spacedFont(QFont::AbsoluteSpacing, 3));
