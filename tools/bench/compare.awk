@@ -1,8 +1,8 @@
-# Compares counted instructions ("name count") with the file of what they were, as a Markdown table.
-# Exits with 1 when one has grown too much, or stands only in one of both.
+# Compares counted instructions ("name count") with the recorded counts and prints a Markdown table. Exits
+# with 1 if a count has grown by more than the tolerance, or if only one of the two files has the work.
 
 BEGIN {
-    tolerance = 0.03
+    tolerance = 0.03 # counts of the same program differ by less than this from run to run
     print "| work | instructions | before | change | |"
     print "|---|---:|---:|---:|---|"
 }
@@ -37,11 +37,11 @@ BEGIN {
 END {
     for (name in measured) {
         if (!(name in known)) {
-            printf "| %s | %d | | | **has no line in the file** |\n", name, measured[name]
+            printf "| %s | %d | | | **not recorded** |\n", name, measured[name]
             failed = 1
         }
     }
     if (shrunk)
-        print "\nSome work takes less than before. That it stays so: ./dev bench --update"
+        print "\nSome work takes less than recorded. To record the lower count: ./dev bench --update"
     exit failed
 }

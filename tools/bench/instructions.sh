@@ -1,8 +1,9 @@
-# How many instructions the library's work takes, which no other load on the machine changes.
+# Counts the instructions of some works. Other load on the machine does not change the counts.
 
 readonly instructions_file=$repository/benchmarks/instructions.txt
 
-# What Qt and the C library would choose by the processor they find: every machine counts the same.
+# Without these Qt and the C library would choose code by the processor they find, and count differently on
+# every machine.
 readonly instructions_environment=(
     QT_QPA_PLATFORM=offscreen
     QT_HASH_SEED=0
@@ -12,8 +13,8 @@ readonly instructions_environment=(
 
 readonly instructions_runs=5
 
-# Prints lines of "name count". Each thread has files of its own: the first one's are taken, as the part
-# that Qt gives to other threads, of large fills, depends on how they happen to meet.
+# Prints lines of "name count". Callgrind writes files for each thread; only those of the first thread are
+# read. Qt spreads large fills over threads, and the share of the other threads depends on chance.
 # instructions_count TREE
 instructions_count()
 {
@@ -35,8 +36,8 @@ instructions_check()
     local verdict=0
     instructions_count "$1" >"$1/instructions.counted"
     awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/bench/compare.awk" "$1/instructions.counted" "$instructions_file" || verdict=$?
-    ((verdict == 0)) || fail "Some work takes more instructions than $(short_path "$instructions_file") says; see the table above." \
-        "Make it cheaper, or, if the price is right, run: ./dev bench --update"
+    ((verdict == 0)) || fail "Some work takes more instructions than $(short_path "$instructions_file") records; see the table above." \
+        "Make the work cheaper, or, if the cost is justified, run: ./dev bench --update"
 }
 
 # instructions_update TREE
@@ -44,8 +45,8 @@ instructions_update()
 {
     instructions_count "$1" >"$1/instructions.counted"
     awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/bench/update.awk" "$1/instructions.counted" "$instructions_file" \
-        >"$1/instructions.updated" || fail "Not every work stands in $(short_path "$instructions_file"); see above." \
-        "Add a line for it there."
+        >"$1/instructions.updated" || fail "The works counted differ from those in $(short_path "$instructions_file"); see above." \
+        "Add or remove a line there."
     cp "$1/instructions.updated" "$instructions_file"
     git -C "$repository" diff --stat -- "$instructions_file" >&2
 }

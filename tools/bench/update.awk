@@ -1,5 +1,5 @@
-# Prints the file of instruction counts with what was counted now ("name count"). Exits with 1 when a
-# work has no line in the file, or a line no count.
+# Prints the file of recorded counts with the present counts ("name count"). Exits with 1 if a work has no
+# line in the file, or a line has no count.
 
 /^[ \t]*(#|$)/ {
     print

@@ -1,14 +1,14 @@
-# What the library costs on the box, measured under emulation.
+# What the library costs on the device, measured under emulation.
 
 readonly box_budgets=$repository/tools/box/budgets.txt
 
-# Writes the table, shows it, and fails when a budget is exceeded.
+# Writes and prints the table of costs; fails when a budget is exceeded.
 # box_tell_cost TREE TABLE
 box_tell_cost()
 {
     local tree=$1 table=$2
     local measured=$tree/cost
-    say "Measuring what the library costs on the box"
+    say "Measuring what the library costs on the device"
     mkdir --parents "$tree/cost-work" "${table%/*}"
     {
         box_measure_file "$tree"
@@ -23,14 +23,16 @@ box_tell_cost()
         "Make it smaller, or change the budget and say why there."
 }
 
-# The size and the parts of the library as it is installed, in lines of "name value".
+# The measuring functions print lines of "name value".
+
+# Measures the library's file as it is installed.
+# box_measure_file TREE
 box_measure_file()
 {
     local library=$1/cost-work/libovelin.so
     inside mipsel-linux-gnu-strip --strip-unneeded -o "$library" "$(realpath "$1/src/libovelin.so")"
 
     echo "size-file $(stat --format=%s "$library")"
-    # In one table: the whole of each segment's kind, and the sections that matter by themselves.
     inside mipsel-linux-gnu-size --format=sysv "$library" | awk '
         $1 ~ /^\.(text|init|fini|plt|MIPS\.stubs)$/ { text += $2 }
         $1 ~ /^\.(rodata|eh_frame|eh_frame_hdr|gcc_except_table)$/ { constant += $2 }
@@ -57,7 +59,8 @@ box_measure_load()
     box_count "$1/tools/box/probe/loadprobe" "$1/cost-work/libovelin.so"
 }
 
-# A message is written in the middle of an operation: what it takes is the difference.
+# A registration writes the message. So the cost of the message is the difference to a registration without it.
+# box_measure_use TREE
 box_measure_use()
 {
     box_run "$1/tools/box/probe/useprobe"
@@ -72,8 +75,9 @@ box_run()
     inside "${box_emulator[@]}" "$@"
 }
 
-# Counts the instructions of the actions that a program marks. The emulator's log goes through a pipe of
-# its own: it is large, and the program's messages are not to be lost in it.
+# Counts the instructions of the actions that a program marks. The emulator's log is large: it goes through
+# a pipe, and the program's own output to a file.
+# box_count PROGRAM ARGS
 box_count()
 {
     inside "${box_emulator[@]}" -d in_asm,exec,nochain,strace -D /dev/fd/3 "$@" \

@@ -1,11 +1,11 @@
-# The programme guide, drawn under emulation and on the host.
+# Compares the programme guide that is drawn under emulation with the one that the host draws.
 
-# An evening of the embedded guide, whatever the day is.
+# A time at which the embedded guide has programmes.
 readonly box_guide_time=2025-03-14T20:10+03:00
 
-# Qt scales pictures and blends with the host's vector instructions and without any on the box, and the
-# two round differently: by a step or two, in a few pixels of the posters. Text and shapes come out the
-# same. A picture of 1280 x 720 has 921,600 pixels; a thousandth of them may differ.
+# On the host Qt scales and blends pictures with vector instructions, on the device without. The two round
+# differently in a few pixels of the posters; texts and shapes are equal. One in a thousand of the
+# 1280 x 720 pixels may differ, by 2 of 255 in a channel. Higher limits would hide a fault in a small text.
 readonly box_most_different_pixels=921
 readonly box_largest_difference=2
 
@@ -18,13 +18,13 @@ box_compare_guide()
     box_draw_guide "$box" "${box_emulator[@]}" "$box_tree/examples/tvguide/tvguide"
 
     diff --unified "$host.json" "$box.json" >&2 \
-        || fail "The guide is laid out otherwise on the box than on the host; the difference is above."
-    say "The guide's layout is the same on the box."
+        || fail "The guide's layout on the device differs from that on the host; the difference is above."
+    say "The guide's layout is the same on the device."
 
     local verdict
     verdict=$(inside "${box_emulator[@]}" "$box_tree/tools/box/probe/comparepictures" \
         "$host.png" "$box.png" "$box_most_different_pixels" "$box_largest_difference") \
-        || fail "The guide looks otherwise on the box: ${verdict:-the pictures cannot be compared}." "Compare $host.png with $box.png."
+        || fail "The guide looks different on the device: ${verdict:-the pictures cannot be compared}." "Compare $host.png with $box.png."
     say "The guide's picture: $verdict."
 }
 

@@ -1,7 +1,7 @@
-# Prints how many instructions the actions took that a program marked, in lines of "name count", from
-# the log of qemu-<guest> -d in_asm,exec,nochain,strace. Each block of instructions is listed when it
-# is translated and traced whenever it runs. A block is known by its address: between the listing and
-# the trace of one there may be those of other threads.
+# Counts the instructions of the actions that a program marked (see probe/mark.h); prints lines of "name count".
+# The input is the log of qemu-<guest> -d in_asm,exec,nochain,strace. QEMU lists a block of instructions when
+# it translates the block, and traces the block each time it runs. The address identifies the block: other
+# threads may log between its listing and its trace.
 
 function plain(address)
 {

@@ -1,5 +1,5 @@
-# Qt for the box: Core, Gui and Test with what the library, the tests and the example use; fonts,
-# pictures and patterns by the copies that Qt brings, so that nothing else is needed on the box.
+# Qt for the device: Core, Gui and Test, with the features that the library, the tests and the example use.
+# Qt's own copies of FreeType, HarfBuzz, libpng and PCRE are built in: the device needs no other library.
 
 readonly box_qt_options=(
     -DCMAKE_BUILD_TYPE=Release
@@ -13,17 +13,17 @@ readonly box_qt_options=(
     -DFEATURE_system_zlib=OFF
     -DFEATURE_linuxfb=ON
     -DFEATURE_testlib=ON
-    # pkg-config would find libraries of the machine that builds
+    # pkg-config would find libraries of the building machine.
     "-DFEATURE_"{pkg_config,libudev,mtdev}"=OFF"
     "-DFEATURE_"{network,sql,widgets,dbus,xml,concurrent,printsupport,pdf}"=OFF"
     "-DFEATURE_"{glib,icu,xcb,fontconfig,vulkan}"=OFF"
     "-DFEATURE_"{gif,ico,jpeg,qmake}"=OFF"
 )
 
-# Sets box_qt: the folder in which Qt for the box is installed. The root's Qt brings the tools.
+# Sets box_qt, the folder in which Qt for the device is installed. Qt's tools (moc, rcc) are those of the root.
 box_require_qt()
 {
-    # Where Debian keeps CMake's files depends on the processor of the machine that builds.
+    # Debian's folder of CMake files depends on the processor of the building machine.
     local libraries
     libraries=$(root_run qmake6 -query QT_INSTALL_LIBS)
     crossbuild_require Qt crossbuild_fetch_package qt6-base qt6-base-dev \

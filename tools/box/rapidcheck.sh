@@ -1,6 +1,6 @@
-# RapidCheck for the box: the property tests are linked with it.
+# RapidCheck for the device: the property tests are linked with RapidCheck.
 
-# Sets box_rapidcheck_cmake: the folder in which CMake finds it.
+# Sets box_rapidcheck_cmake, the folder of RapidCheck's CMake files.
 box_require_rapidcheck()
 {
     crossbuild_require RapidCheck crossbuild_fetch_original rapidcheck librapidcheck-dev -- \

@@ -1,5 +1,5 @@
-# Makes the table of costs from the measured values ("name value") and the budgets. Exits with 1 when
-# a budget is exceeded, a value is missing or 0, or one has no budget: nothing that is measured costs nothing.
+# Makes the table of costs from the measured values ("name value") and the budgets. Exits with 1 if a value
+# exceeds its budget, is missing, is 0 (then the measurement failed) or has no budget.
 
 BEGIN {
     print "| cost on the device | measured | budget | unit |"

@@ -1,11 +1,12 @@
 # abi [--update]
-# Compare the binary interface with the recorded one, or record it anew in abi/.
+# Compare the binary interface with the one recorded in abi/, or record it anew.
 #
-# For the machine at hand and for the box, whose Qt is built the first time as by ./dev box.
+# It looks at the library for x86-64 and for the device. The first run builds Qt for the device, as
+# ./dev box does.
 
 use_workshop
 case ${1:-} in
 "") abi_check ;;
 --update) abi_record ;;
-*) fail "\"$1\" is no option of ./dev abi." "\"./dev help abi\" tells which there are." ;;
+*) fail "./dev abi has no option \"$1\"." "\"./dev help abi\" describes the command." ;;
 esac

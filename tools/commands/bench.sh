@@ -1,12 +1,13 @@
 # bench [FILTER]
-# Measure the library's speed as ratios to what Qt and others need for the same.
+# Measure the speed of the library as ratios to the time of Qt and of other libraries.
 #
-# Work and contenders take turns in one run, by processor time; the tables have medians and go to
-# build/bench.md as well. FILTER is a regular expression for the names of works: ./dev bench Russian
+# Each work and what it is compared with take turns in one run; processor time counts. The tables show
+# medians and are also written to build/bench.md. FILTER is a regular expression for the names of works:
+# ./dev bench Russian
 #
-#   ./dev bench --check     count the instructions of some works, and fail when one takes over 3 % more
-#                           than benchmarks/instructions.txt says
-#   ./dev bench --update    write the counts of now into that file
+#   ./dev bench --check     count the instructions of some works; fail when a work takes over 3 % more
+#                           instructions than benchmarks/instructions.txt records
+#   ./dev bench --update    record the present counts in benchmarks/instructions.txt
 
 source "$repository/tools/bench/instructions.sh"
 
@@ -33,7 +34,7 @@ case ${1:-} in
     "instructions_${1#--}" "$tree"
     ;;
 --*)
-    fail "bench has no option \"$1\"." "\"./dev help bench\" tells what it can do."
+    fail "./dev bench has no option \"$1\"." "\"./dev help bench\" describes the command."
     ;;
 *)
     bench_build ovelin_benchmarks

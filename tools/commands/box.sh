@@ -1,10 +1,10 @@
 # box [CTEST ARGS]
-# Build for the MIPS32 box, run the tests under emulation, and tell what the library costs there.
+# Build for the MIPS32 device, run the tests under emulation, and measure what the library costs there.
 #
-# The first time, Qt for the box is built and kept beside the build root: seven minutes on two
-# processors. The table of costs goes to build/box/cost.md; the budgets stand in tools/box/budgets.txt.
+# The first run builds Qt for the device and keeps it beside the build root: seven minutes on two
+# processors. The table of costs is written to build/box/cost.md; tools/box/budgets.txt has the budgets.
 #
-# With CTEST ARGS only the tests are run: ./dev box -R textrenderer
+# With CTEST ARGS only the tests run: ./dev box -R textrenderer
 
 source "$repository/tools/box/qt.sh"
 source "$repository/tools/box/rapidcheck.sh"
@@ -12,66 +12,47 @@ source "$repository/tools/box/guide.sh"
 source "$repository/tools/box/cost.sh"
 
 readonly box_results=$repository/build/box
-# As the toolchain file has it for the tests.
+# The same command as CMAKE_CROSSCOMPILING_EMULATOR in the toolchain file, which runs the tests.
 readonly box_emulator=(
     qemu-mipsel -L /usr/mipsel-linux-gnu
     -E QT_QPA_PLATFORM=offscreen -E QT_QPA_FONTDIR=/usr/share/fonts/truetype/dejavu
 )
 readonly box_excluded_tests=$repository/tools/box/excluded-tests.txt
 
-# Tests that the emulator cannot run, with the reason of each.
-box_tell_excluded_tests()
-{
-    local name reason
-    while read -r name reason; do
-        say "Not run under emulation: $name: $reason"
-    done < <(box_list_excluded_tests)
-}
-
-box_list_excluded_tests()
-{
-    sed 's/#.*//; /^[[:space:]]*$/d' "$box_excluded_tests"
-}
-
-box_excluded_pattern()
-{
-    box_list_excluded_tests | awk '{ print "^" $1 "$" }' | paste --serial --delimiters='|'
-}
-
 box_run_tests()
 {
-    local exclude=() pattern
-    pattern=$(box_excluded_pattern)
-    [[ -z $pattern ]] || exclude=(--exclude-regex "$pattern")
-    box_tell_excluded_tests
-    say "The tests of many texts try $OVELIN_TEXT_CASES each here."
+    say "Not run under emulation, for the reasons in $(short_path "$box_excluded_tests"):" \
+        "$(grep --invert-match '^#' "$box_excluded_tests")"
+    say "Each test of many texts tries $OVELIN_TEXT_CASES texts."
     inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --parallel "$(processors)" \
-        "${exclude[@]}" "$@"
+        --exclude-from-file "$box_excluded_tests" "$@"
 }
 
-# What a test function left out by itself is told as well.
+# Prints the test functions that skipped themselves.
 box_tell_skipped()
 {
     local log=$tree/Testing/Temporary/LastTest.log
     ! grep --quiet '^SKIP ' "$log" || {
-        say "Left out by the tests themselves:"
+        say "Skipped by the tests themselves:"
         grep --no-group-separator --after-context=1 '^SKIP ' "$log" >&2
     }
 }
 
-# Whatever the host runs runs here as well: a test that the build for the box lacks is an error.
+# Fails when the build for the device lacks a test that the build for the host has.
+# box_check_no_test_is_missing HOST_TREE BOX_TREE
 box_check_no_test_is_missing()
 {
     local host_tests missing
     host_tests=$(box_test_names "$1")
     [[ -n $host_tests ]] || fail "The build for the host has no tests to compare with."
     missing=$(comm -23 <(echo "$host_tests") <(box_test_names "$2"))
-    [[ -z $missing ]] || fail "The build for the box lacks these tests of the host:" "$missing"
+    [[ -z $missing ]] || fail "The build for the device lacks these tests of the host:" "$missing"
 }
 
+# box_test_names TREE
 box_test_names()
 {
-    # CTest marks a disabled test behind its name.
+    # CTest appends a mark to the name of a disabled test.
     inside ctest --test-dir "$1" --show-only | sed -n 's/^ *Test *#[0-9]*: \([^ ]*\).*/\1/p' | sort
 }
 

@@ -1,16 +1,16 @@
 # coverage [CTEST ARGS]
-# Count which lines and branches of the library the tests reach: build/coverage/index.html
+# Count the lines and branches of the library that the tests reach: build/coverage/index.html
 #
-# Fails below 99 % of the lines or 95 % of the branches that our code decides. The tables are also
-# written to build/coverage/lines.txt and branches.txt. Why a few places are not reached is told in
-# tools/coverage/uncovered.txt: all tests together must reach everything else, and nothing of that.
+# It fails below 99 % of the lines or 95 % of the branches. It also fails when the places not reached
+# differ from the list in tools/coverage/uncovered.txt, which gives a reason for each. The tables are
+# written to build/coverage/lines.txt and branches.txt. With CTEST ARGS the list is not compared.
 
 readonly coverage_results=$repository/build/coverage
 readonly coverage_tools=$repository/tools/coverage
-readonly least_lines=99
-readonly least_branches=95
+readonly least_lines=99 # per cent
+readonly least_branches=95 # per cent
 
-# Branches that only an exception takes, or that the compiler made for itself, are not ours.
+# Leaves out the branches that only an exception takes or that only the compiler made.
 report_coverage()
 {
     mkdir --parents "$coverage_results"
@@ -22,10 +22,10 @@ report_coverage()
 
 try_fewer_texts
 use_workshop
-# The example is no test of the library, and what counts is linked into it as no package has it.
+# The examples are no tests of the library.
 build_tree_as coverage coverage -DOVELIN_BUILD_EXAMPLES=OFF --
 find "$tree" -name '*.gcda' -delete
-# Which keys a hash table compares would be left to chance.
+# With a random seed, chance would decide which keys a QHash compares, and so which lines are reached.
 inside env QT_HASH_SEED=0 ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 600 \
     --exclude-regex "^package_" --parallel "$(processors)" "$@" \
     || fail "Tests failed; what they printed is above."
@@ -33,5 +33,5 @@ report_coverage --txt-metric branch --txt "$coverage_results/branches.txt" >/dev
 report_coverage --json "$coverage_results/coverage.json" --txt --print-summary | tee "$coverage_results/lines.txt" \
     || fail "Too little is covered; build/coverage/index.html shows what is missing."
 (($#)) || inside python3 "$coverage_tools/compare.py" "$repository" "$coverage_results/coverage.json" \
-    || fail "What is not reached is not what $(short_path "$coverage_tools")/uncovered.txt lists; see above." \
-        "Reach it with a test, or list it there with the reason; take out what is reached."
+    || fail "The places not reached differ from the list in $(short_path "$coverage_tools")/uncovered.txt; see above." \
+        "Add a test that reaches the place, or list it there with the reason. Take places that are reached off the list."

@@ -1,13 +1,13 @@
 # demo [ARGS]
-# Draw a programme guide into build/tvguide.png; ARGS go to the example.
+# Draw a programme guide into build/tvguide.png. ARGS are handed to examples/tvguide.
 #
-#   ./dev demo --guide FILE    your own guide, an XMLTV file
-#   ./dev demo --window        in a window instead of a file; arrow keys, L, Escape
-#   ./dev demo -h              all that the example can do
+#   ./dev demo --guide FILE    draw a guide of yours, an XMLTV file
+#   ./dev demo --window        open a window instead; arrow keys, L, Escape
+#   ./dev demo -h              list all arguments of the example
 
 picture=$repository/build/tvguide.png
 
-# The picture is for those who do not say what they want to see.
+# True if the arguments say what the example shall put out.
 chooses_output()
 {
     local argument
@@ -19,7 +19,8 @@ chooses_output()
     return 1
 }
 
-# Files may lie where the build root has folders of its own; what they refer to lies beside them.
+# Shows the folders of all files named in the arguments inside the build root: a file may refer to others
+# beside it.
 show_files()
 {
     local argument
@@ -36,7 +37,7 @@ show_files "$@"
 arguments=()
 chooses_output "$@" || arguments+=(--render "$picture")
 for argument; do
-    # The example needs no word for a window: it opens one when no file is asked for.
+    # The example has no such argument: it opens a window when no file is asked for.
     [[ $argument == --window ]] || arguments+=("$argument")
 done
 inside "$tree/examples/tvguide/tvguide" "${arguments[@]}"

@@ -1,9 +1,9 @@
 # docs
 # Build the reference into build/docs: HTML, and a help file for Qt Creator and Assistant.
 #
-# A warning of QDoc's or a link that leads nowhere is an error. The pictures are drawn by the library.
-# Begin reading at build/docs/html/index.html; Qt Creator takes build/docs/ovelin.qch under Preferences,
-# Help, Documentation.
+# A QDoc warning or a broken link is an error. The library draws the pictures. The first page is
+# build/docs/html/index.html. Qt Creator takes build/docs/ovelin.qch under Preferences, Help,
+# Documentation.
 
 documentation=$repository/build/docs
 

@@ -1,17 +1,17 @@
 # fuzz [TARGET] [SECONDS|FILE]
-# Try the library with random input: one target for so many seconds, or each for a minute.
+# Try the library with random input: one target or each target, for SECONDS (60 by default).
 #
-# Targets are text, tracker and xmltv. Each begins with what is stored in tests/fuzz/corpus and what
-# earlier runs found, which is kept in build/fuzz; so are inputs that fail. FILE replays one of those:
+# The targets are text, tracker and xmltv. A run starts with the inputs in tests/fuzz/corpus and with
+# those that earlier runs left in build/fuzz. Inputs that fail are kept in build/fuzz as well. FILE
+# replays one input:
 #
 #   ./dev fuzz text build/fuzz/text/crash-0123abcd
 
 readonly fuzzer_sources=$repository/tests/fuzz
 readonly fuzzer_results=$repository/build/fuzz
 readonly usual_seconds=60
-# An input that takes longer is taken for a hang.
-readonly most_seconds_per_input=120
-readonly longest_input=4096
+readonly most_seconds_per_input=120 # an input that takes longer counts as a hang
+readonly longest_input=4096 # bytes
 
 fuzzer_names()
 {
@@ -63,8 +63,8 @@ fuzzing_failed()
     grep --max-count=1 --after-context=12 --text \
         --regexp='^Violation' --regexp='runtime error' --regexp='^==[0-9]*== *ERROR' "$2" >&2 || tail "$2" >&2
     [[ -n $input ]] || fail "The fuzzer of $1 did not run; its message is above."
-    fail "The fuzzer of $1 found a fault, which is told above and in $(short_path "$2")." \
-        "Again: ./dev fuzz $1 $(short_path "$input")"
+    fail "The fuzzer of $1 found a fault: see above and $(short_path "$2")." \
+        "Replay it: ./dev fuzz $1 $(short_path "$input")"
 }
 
 targets=()
@@ -79,7 +79,7 @@ fi
 use_workshop
 build_tree fuzz "${targets[@]/#/fuzz_}"
 if (($#)) && ! is_number "$1"; then
-    fuzzer_run "${targets[0]}" "$@" || fail "The input still fails; what was found is above."
+    fuzzer_run "${targets[0]}" "$@" || fail "The input still fails; the fault is above."
     exit
 fi
 for target in "${targets[@]}"; do

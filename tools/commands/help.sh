@@ -1,19 +1,12 @@
 # help [COMMAND]
-# List the commands, or tell about one, as ./dev COMMAND --help does.
+# List the commands, or describe one, as ./dev COMMAND --help does.
 
 commands=$repository/tools/commands
 
-# The comment that a command's file begins with.
+# Prints the comment at the top of a command's file.
 head_comment()
 {
     sed -n '/^#/!q; s/^# \?//p' "$1"
-}
-
-tell_about()
-{
-    [[ $1 =~ ^[a-z]+$ && -f $commands/$1.sh ]] \
-        || fail "There is no command \"$1\"." "\"./dev help\" lists the commands."
-    head_comment "$commands/$1.sh" | sed '1s|^|./dev |'
 }
 
 list_commands()
@@ -27,17 +20,18 @@ list_commands()
     cat <<'END'
 
 Variables:
-  OVELIN_TOOLCHAIN           host: this machine's own; root: a Debian made for it; workshop: a larger one.
-                             By default the host where it has all that is needed or apt can bring it, else
-                             the root.
-  OVELIN_SUITE               the root's Debian: trixie, or another suite
-  OVELIN_CACHE               where roots are kept: ~/.cache/ovelin
-  CMAKE_BUILD_PARALLEL_LEVEL how many compilers and tests run at once: one per processor
+  OVELIN_TOOLCHAIN           host: this machine's compiler and Qt; root: a Debian in a folder; workshop: a
+                             larger one. Default: the host if it has all that is needed or apt can install
+                             it, otherwise the root.
+  OVELIN_SUITE               the Debian suite of the root; default: trixie
+  OVELIN_CACHE               the folder of the roots; default: ~/.cache/ovelin
+  CMAKE_BUILD_PARALLEL_LEVEL how many compilers and tests run at once; default: one per processor
 END
 }
 
 if (($#)); then
-    tell_about "$1"
+    require_command "$1"
+    head_comment "$commands/$1.sh" | sed '1s|^|./dev |'
 else
     list_commands
 fi

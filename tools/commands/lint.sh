@@ -1,26 +1,26 @@
 # lint [CHECK...]
-# Check the sources, the scripts and the binary interface; CHECK limits it to some of the checks.
+# Check the sources, the scripts and the binary interface: all checks, or those named.
 #
 # text      line ends, blanks and tabs          tidy      clang-tidy
 # format    clang-format                        clazy     clazy
 # scripts   shellcheck                          headers   each public header compiles alone
 # cppcheck  cppcheck                            abi       as ./dev abi
 #
-# What is suppressed stands with its reason in .clang-tidy, in tools/lint, in tools/.shellcheckrc or
-# beside the line that it is for. A file in which clang-tidy or clazy found nothing is not looked at
-# again before it, a header or the settings change.
+# Suppressions stand, each with its reason, in .clang-tidy, in tools/lint, in tools/.shellcheckrc or beside
+# the line. clang-tidy and clazy skip a file that was clean, until the file, a header or the settings
+# change.
 
 readonly lint_checks=(text format scripts cppcheck headers tidy clazy abi)
 readonly lint_marks=$cache/linted
 readonly our_headers='/(include/ovelin|src|examples|tests|benchmarks|tools)/'
 
-# The files as they stand, also those that are not added yet.
+# Lists the files that git knows or would add.
 list_files()
 {
     git ls-files --cached --others --exclude-standard -- "$@"
 }
 
-# Those that the tree builds: of others nobody knows how they are to be compiled.
+# Lists only the files that the build tree compiles: clang-tidy and clazy need the compiler's options.
 # list_compiled PATTERN...
 list_compiled()
 {
@@ -28,12 +28,12 @@ list_compiled()
         sed -n "s|^ *\"file\": \"$repository/\(.*\)\",\?$|\1|p" "$tree/compile_commands.json")
 }
 
-# As .editorconfig has it, where people write: the fuzzers' corpus is what they made it.
+# Checks the rules of .editorconfig. The fuzzers wrote the corpus, so no rules hold there.
 check_text()
 {
     local file faults=0 corpus=':!tests/fuzz/corpus'
     ! git grep --untracked --line-number -I '[[:blank:]]$' -- ':!*.md' "$corpus" >&2 || faults=1
-    # Make wants tabs.
+    # debian/rules is a makefile, which needs tabs.
     ! git grep --untracked --line-number -I --perl-regexp '^ *\t' -- ':!packaging/debian/rules' "$corpus" >&2 || faults=1
     while IFS= read -r file; do
         [[ -z $(tail --bytes=1 "$file") ]] || { echo "$file: no line end at the end" >&2 && faults=1; }
@@ -64,14 +64,15 @@ check_headers()
     build_tree lint all_verify_interface_header_sets
 }
 
-# The tests are left to the other checks: see .clang-tidy.
+# .clang-tidy says why the tests are not checked.
 check_tidy()
 {
     list_compiled 'src/*.cpp' 'examples/*.cpp' 'docs/*.cpp' 'benchmarks/*.cpp' 'tools/*.cpp' \
         | check_each clang-tidy --quiet -p "$tree"
 }
 
-# What readers of the documentation copy has plain literals, for which clazy knows cheaper ones.
+# The samples of docs/ and examples/card are not checked: they have plain string literals, since readers
+# copy them, and clazy would ask for other literals.
 check_clazy()
 {
     local faults=0
@@ -93,7 +94,9 @@ check_abi()
     (abi_check)
 }
 
-# Runs a command on each file that standard input names, several at once.
+# Runs a command on each file that standard input names, several at a time. Skips the files that have a
+# mark of an earlier clean run.
+# check_each COMMAND...
 check_each()
 {
     local settings file mark
@@ -105,7 +108,8 @@ check_each()
     done | inside xargs --no-run-if-empty --max-procs="$(processors)" --max-args=2 tools/lint/check-file "$@"
 }
 
-# What, besides a file itself, decides what is found in it.
+# Prints all input of a check besides the checked file.
+# lint_settings COMMAND...
 lint_settings()
 {
     printf '%s\n' "$toolchain_identity" "${@//$repository/}"
@@ -121,7 +125,7 @@ done
 
 use_workshop
 cd "$repository" || exit
-# Makes what moc writes, which the files of the tests include.
+# The tests include files that moc writes.
 build_tree lint autogen
 find "$lint_marks" -mtime +30 -delete 2>/dev/null || true
 failed=()
@@ -129,5 +133,5 @@ for check; do
     say "Checking: $check"
     "check_$check" || failed+=("$check")
 done
-((${#failed[@]} == 0)) || fail "Found something: ${failed[*]}; see above." \
-    "Those alone again: ./dev lint ${failed[*]}"
+((${#failed[@]} == 0)) || fail "These checks found faults: ${failed[*]}; see above." \
+    "To repeat only these: ./dev lint ${failed[*]}"

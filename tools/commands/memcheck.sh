@@ -1,10 +1,11 @@
 # memcheck [CTEST ARGS]
 # Run the tests under valgrind's memcheck.
 #
-# An invalid access, a use of uninitialised memory or a definite leak fails the test, also in a program
-# of ours that the test starts.
+# An invalid access, a use of uninitialised memory or a definite leak fails the test. Programs of this
+# project that a test starts are checked as well.
 
-# The name under which this CMake puts a program in front of every test.
+# Prints the cache entry by which CMake puts a program in front of every test: CMake before 3.29 knows only
+# the emulator.
 launcher_entry()
 {
     local version
@@ -18,8 +19,8 @@ launcher_entry()
 
 memcheck_command()
 {
-    # Unless told otherwise Qt hashes 16 bytes at once, also those behind the end of a short string. And
-    # valgrind would put its operator new in the place of that of a test in which memory runs out.
+    # QT_HASH_SEED=0: otherwise Qt hashes 16 bytes at once and reads past the end of a short string.
+    # soname-synonyms: otherwise valgrind replaces the operator new by which a test lets memory run out.
     local words=(
         env QT_HASH_SEED=0
         valgrind --quiet --num-callers=40 --trace-children=yes '--trace-children-skip=/usr/*,/bin/*'
@@ -38,5 +39,5 @@ grep --quiet --recursive --include=CTestTestfile.cmake valgrind "$tree" \
     || fail "CMake did not put valgrind in front of the tests."
 inside ctest --test-dir "$tree" --output-on-failure --no-tests=error --timeout 3000 \
     --parallel "$(processors)" "$@" \
-    || fail "Tests failed under memcheck; what it and they printed is above." \
-        "Those alone again: ./dev memcheck --rerun-failed"
+    || fail "Tests failed under memcheck; their output is above." \
+        "To repeat only these: ./dev memcheck --rerun-failed"

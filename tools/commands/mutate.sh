@@ -1,12 +1,12 @@
 # mutate [PART...] [--every N]
-# Change the library at one place at a time and tell whether the tests notice.
+# Change the library in one place at a time and see whether a test fails.
 #
-# A PART is a subsystem, which is a folder of src, or one file there, as in text/hyphenation.cpp. The
-# tests of each subsystem are in the folder of tests of the same name. With --every N only each N-th
-# change is tried: all of them take an hour and more. Changes that no test could notice are listed with
-# their reasons in tools/mutate/equivalent.txt. Fails below 95 %.
+# PART is a subsystem (a folder of src) or a file such as text/hyphenation.cpp. The tests of a subsystem
+# are in the folder of tests with the same name. All changes take over an hour; --every N tries only each
+# N-th change. tools/mutate/equivalent.txt lists the changes that no test can notice, with the reasons.
+# The command fails when the tests notice less than 95 % of the other changes.
 
-readonly least_caught=95
+readonly least_caught=95 # per cent
 
 mutate()
 {
@@ -28,11 +28,10 @@ try_fewer_texts
 use_workshop
 folder=$repository/build/$toolchain/mutate
 mkdir --parents "$folder"
-exec {lock}>"$folder.lock"
-take_lock "$lock" "is trying changes in $(short_path "$folder")"
+take_lock "$folder.lock" "is trying changes in $(short_path "$folder")"
 failed=()
 for part in "${parts[@]}"; do
     mutate "$part" "$@" || failed+=("$part")
 done
-((${#failed[@]} == 0)) || fail "Too many changes went unnoticed: ${failed[*]}; they are listed above." \
-    "Mend the tests, or list what is equivalent in tools/mutate/equivalent.txt."
+((${#failed[@]} == 0)) || fail "The tests did not notice enough changes of: ${failed[*]}; see above." \
+    "Add tests, or list the changes that no test can notice in tools/mutate/equivalent.txt."

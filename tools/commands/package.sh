@@ -1,9 +1,9 @@
 # package
-# Make the source archive and the Debian packages, and try them out in a fresh Debian.
+# Make the source archive and the Debian packages, and try the packages out in a new Debian.
 #
-# build/package gets ovelin-VERSION.tar.xz, libovelin1, libovelin-dev and libovelin-doc. Lintian finds
-# no error in them; then they are installed in a Debian made for the purpose, a program is built with
-# them by CMake and by pkg-config, and they are removed again without a trace.
+# build/package gets ovelin-VERSION.tar.xz, libovelin1, libovelin-dev and libovelin-doc. An error that
+# Lintian finds fails the command. The trial installs the packages in a new Debian, builds a program with
+# CMake and with pkg-config, removes the packages, and checks that no file is left.
 
 packages=$repository/build/package
 work=$packages/work
@@ -13,7 +13,7 @@ project_version()
     sed -n 's/^    VERSION \([0-9.]*\)$/\1/p' "$repository/CMakeLists.txt"
 }
 
-# All that git has, or would take; the same content gives the same archive.
+# Packs all files that git knows or would add. The same content gives the same archive.
 make_source_archive()
 {
     (cd "$repository" && git ls-files --cached --others --exclude-standard -z) >"$work/files" \
@@ -23,8 +23,8 @@ make_source_archive()
         --sort=name --owner=0 --group=0 --numeric-owner --mtime="@$(git -C "$repository" log -1 --format=%ct)"
 }
 
-# Debian's tools want the archive under their own name, and debian/ at the top of the source. The
-# workshop has all that the build needs, but for the package that Debian takes for granted by its name.
+# Debian's tools expect the archive under another name and debian/ at the top of the source. They do not
+# check the build dependencies: the workshop has the programs, but not the package build-essential.
 make_debian_packages()
 {
     cp "$packages/$name.tar.xz" "$work/ovelin_$version.orig.tar.xz"
@@ -32,13 +32,13 @@ make_debian_packages()
     cp --recursive "$work/$name/packaging/debian" "$work/$name/debian"
     (cd "$work/$name" && inside env CMAKE_CXX_COMPILER_LAUNCHER=ccache "DEB_BUILD_OPTIONS=parallel=$(processors)" \
         dpkg-buildpackage --no-check-builddeps --unsigned-source --unsigned-changes) >"$packages/build.log" 2>&1 \
-        || fail "The Debian packages could not be built." "What was said is in $(short_path "$packages/build.log")"
+        || fail "The Debian packages could not be built." "The messages are in $(short_path "$packages/build.log")"
     cp "$work"/*.deb "$packages"
 }
 
 check_debian_packages()
 {
-    # A first upload to Debian itself would have to close a bug there.
+    # The suppressed tag is about an upload to Debian itself.
     inside lintian --allow-root --fail-on error --suppress-tags initial-upload-closes-no-bugs \
         "$work"/*.changes >&2 \
         || fail "Lintian finds errors in the packages; they are above."
@@ -51,25 +51,24 @@ require_mmdebstrap()
     is_administrator || root_require_user_ids
 }
 
-# What the packages themselves need is there before: what they leave behind is theirs alone.
+# The new Debian has what the packages depend on from the start. So each file that is left over after their
+# removal is theirs.
 try_debian_packages()
 {
-    local setting settings=() tryout=$work/tryout
-    while IFS= read -r setting; do
-        settings+=(--aptopt="$setting")
-    done < <(machine_apt_settings)
+    local settings tryout=$work/tryout
+    mapfile -t settings < <(machine_apt_settings | sed 's/^/--aptopt=/')
 
     mkdir "$tryout"
     cp --recursive "$repository/tools/package/tryout.sh" "$repository/examples/card" "$tryout"
     cp "$packages"/libovelin{1,-dev,-doc}_*.deb "$tryout"
-    # shellcheck disable=SC2016 # mmdebstrap gives the hook its argument
+    # shellcheck disable=SC2016 # mmdebstrap's shell expands it
     TMPDIR=$root_work_folder mmdebstrap --quiet --variant=apt --format=null \
         --dpkgopt=force-unsafe-io "${settings[@]}" \
         --include=cmake,fonts-dejavu-core,g++,ninja-build,pkgconf,qt6-base-dev \
         --customize-hook="copy-in '$tryout' /opt" \
         --customize-hook='chroot "$1" bash /opt/tryout/tryout.sh' \
         "$suite" - >&2 </dev/null \
-        || fail "The packages could not be used in a fresh Debian; what went wrong is above."
+        || fail "The packages do not work in a new Debian; the messages are above."
 }
 
 (($# == 0)) || fail "./dev package takes no arguments."
@@ -84,9 +83,9 @@ say "Making the source archive"
 make_source_archive
 say "Making the Debian packages"
 make_debian_packages
-say "Looking for what Debian would refuse"
+say "Checking the packages with Lintian"
 check_debian_packages
-say "Trying them out in a fresh Debian"
+say "Trying the packages out in a new Debian"
 try_debian_packages
 rm --recursive --force "$work"
 say "The packages are in $(short_path "$packages")."

@@ -1,11 +1,11 @@
 # sanitize [gcc|clang] [CTEST ARGS]
 # Run the tests under the sanitizers of both compilers, or of one.
 #
-# An invalid access, a leak or undefined behaviour ends the test, also in a program of ours that the
-# test starts. The tests of the package are left out: programs of others, which they build, have no
-# sanitizers and cannot load a library that has them.
+# An invalid access, a leak or undefined behaviour fails the test. Programs of this project that a test
+# starts are checked as well. The tests of the package are left out: they build programs without
+# sanitizers, which cannot load a library with sanitizers.
 
-# What the sanitizers do not look for unless they are told to.
+# Checks that the sanitizers do not make by default.
 sanitizer_settings=(
     ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
     UBSAN_OPTIONS=print_stacktrace=1
@@ -20,13 +20,13 @@ sanitize_with()
 {
     local compiler=$1 entries=()
     shift
-    # Clang's sanitizers are a library that its programs do not find by themselves.
+    # Clang's sanitizers are in a shared library outside of the loader's search path.
     [[ $compiler != clang ]] || entries+=("-DCMAKE_BUILD_RPATH=$(clang_runtime_folder)")
     build_tree_as "sanitize-$compiler" "sanitize-$compiler" "${entries[@]}" --
     inside env "${sanitizer_settings[@]}" ctest --test-dir "$tree" --output-on-failure --no-tests=error \
         --timeout 600 --exclude-regex "^package_" --parallel "$(processors)" "$@" \
-        || fail "Tests failed under $compiler's sanitizers; what they printed is above." \
-            "Those alone again: ./dev sanitize $compiler --rerun-failed"
+        || fail "Tests failed under $compiler's sanitizers; their output is above." \
+            "To repeat only these: ./dev sanitize $compiler --rerun-failed"
 }
 
 compilers=(gcc clang)

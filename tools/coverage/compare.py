@@ -1,6 +1,6 @@
-"""Compares what gcovr, by its JSON, found not to be reached with what uncovered.txt lists.
+"""compare.py REPOSITORY GCOVR_JSON
 
-compare.py REPOSITORY GCOVR_JSON
+Compares the lines and branches that the tests do not reach, as gcovr's JSON has them, with uncovered.txt.
 """
 
 import collections
@@ -13,13 +13,13 @@ LIST = pathlib.Path(__file__).parent / "uncovered.txt"
 
 
 def listed():
-    """Each line of the list without the blanks between its columns; comments tell the reasons."""
+    """The entries of uncovered.txt, with one blank between the columns."""
     lines = (" ".join(line.split()) for line in LIST.read_text().split("\n"))
     return collections.Counter(line for line in lines if line and not line.startswith("#"))
 
 
 def source_text(lines, number):
-    """The line of that number. A brace alone, which many lines are, is told with what stands before it."""
+    """The text of a line. A line of punctuation alone, such as a brace, gets the line before it in front."""
     text = lines[number - 1].strip()
     return text if re.search(r"\w", text) else f"{source_text(lines, number - 1)} {text}"
 
@@ -42,6 +42,6 @@ def tell(title, places):
 repository, coverage = map(pathlib.Path, sys.argv[1:])
 expected = listed()
 found = collections.Counter(not_reached(repository, json.loads(coverage.read_text())))
-tell("Not reached, and not listed", found - expected)
-tell("Listed, and reached, or no longer there", expected - found)
+tell("Not reached, but not listed", found - expected)
+tell("Listed, but reached or gone", expected - found)
 sys.exit(found != expected)

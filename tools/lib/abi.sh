@@ -1,12 +1,12 @@
-# The binary interface: what an application that was built against the library relies on. abi/ holds,
-# for each platform, its description by libabigail and the list of exported symbols.
+# The binary interface: all that an application which was built against the library relies on. For each
+# platform abi/ holds a description by libabigail and a list of the exported symbols.
 
 readonly abi_folder=$repository/abi
 readonly abi_platforms=(x86_64 mipsel)
 
-# Nothing but the library, with what the compiler knows of its types. Of Qt's types only the names
-# matter here: libabigail leaves out what the public headers do not define, unless it comes from
-# /usr/include.
+# Builds only the library, with debugging information, which describes its types. The description shall
+# leave out the insides of Qt's types. libabigail leaves out types that the public headers do not define,
+# but keeps those of /usr/include; so the path of Qt's headers is replaced.
 readonly abi_entries=(
     -DCMAKE_BUILD_TYPE=RelWithDebInfo
     -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=OFF
@@ -15,7 +15,8 @@ readonly abi_entries=(
     -DOVELIN_INSTALL=OFF
 )
 
-# Sets abi_library.
+# Builds the library; sets abi_library, its path.
+# abi_build PLATFORM
 abi_build()
 {
     case $1 in
@@ -30,7 +31,7 @@ abi_build()
     abi_library=$tree/src/libovelin.so
 }
 
-# Writes what there is now to a folder.
+# Writes the present interface to FOLDER.
 # abi_describe PLATFORM FOLDER
 abi_describe()
 {
@@ -41,20 +42,21 @@ abi_describe()
         --exported-interfaces-only --type-id-style hash --no-corpus-path --no-comp-dir-path --no-show-locs \
         --no-parameter-names --no-elf-needed --out-file "$description" "$abi_library"
     [[ -s $description ]] || fail "The interface for $1 was not described; see above."
-    # The last three are the linker's marks, which not every linker exports.
+    # Not every linker exports its marks __bss_start, _edata and _end.
     inside nm --dynamic --defined-only --demangle --format=posix "$abi_library" \
         | sed 's/ [A-Za-z] [0-9a-f ]*$//' | grep --invert-match --line-regexp '__bss_start\|_edata\|_end' \
         | sort >"$symbols"
 }
 
-# Whether an application built against the recorded interface would load this library, and not work.
+# True if the interface in FOLDER is incompatible with the recorded one although the SONAME is the same: an
+# application would load the library and fail.
 # abi_breaks PLATFORM FOLDER
 abi_breaks()
 {
     local recorded=$abi_folder/$1.xml status=0
     [[ -f $recorded ]] || return 1
     inside abidiff "$recorded" "$2/$1.xml" >&2 || status=$?
-    # The bit is abidiff's for an incompatible change.
+    # abidiff sets this bit for an incompatible change.
     ((status & 8)) && [[ $(abi_soname "$recorded") == "$(abi_soname "$2/$1.xml")" ]]
 }
 
@@ -70,15 +72,15 @@ abi_record()
     for platform in "${abi_platforms[@]}"; do
         abi_describe "$platform" "$now"
         ! abi_breaks "$platform" "$now" \
-            || fail "An incompatible change takes a new SOVERSION (the project's major version) first."
+            || fail "An incompatible change needs a new SOVERSION (the project's major version) first."
     done
     for platform in "${abi_platforms[@]}"; do
         cp "$now/$platform".{xml,symbols} "$abi_folder"
     done
 }
 
-# Fails when an application built against the recorded interface could not use this library, and when
-# the symbols are not the recorded ones. Added functions do no harm, but are to be recorded.
+# Fails when the interface is incompatible with the recorded one, and when the lists of symbols differ.
+# Added functions are compatible, but must be recorded.
 abi_check()
 {
     local platform now=$repository/build/$toolchain/abi faults=0
@@ -88,7 +90,7 @@ abi_check()
         inside abidiff --no-added-syms "$abi_folder/$platform.xml" "$now/$platform.xml" >&2 || faults=1
         diff --unified=0 "$abi_folder/$platform.symbols" "$now/$platform.symbols" >&2 || faults=1
     done
-    ((faults == 0)) || fail "The binary interface is not the recorded one; the difference is above." \
-        "If it is meant: an incompatible change takes a new SOVERSION (the project's major version)." \
-        "Then record it: ./dev abi --update"
+    ((faults == 0)) || fail "The binary interface differs from the recorded one; the difference is above." \
+        "If the change is intended: an incompatible change needs a new SOVERSION (the project's major version)." \
+        "Then record the interface: ./dev abi --update"
 }

@@ -1,4 +1,4 @@
-# Debian packages on the machine itself.
+# Debian packages of the machine itself.
 
 has_apt()
 {
@@ -10,7 +10,8 @@ is_administrator()
     ((EUID == 0))
 }
 
-# Without a terminal nobody can type sudo's password.
+# True if the user may install packages: as root or by sudo. Without a terminal sudo must not ask for a
+# password.
 may_administer()
 {
     is_administrator && return
@@ -38,7 +39,8 @@ apt_update()
     administer apt-get update --quiet=2 >&2
 }
 
-# The version that apt would install, without its epoch; empty when apt knows none.
+# Prints the version that apt would install, without its epoch; nothing if apt does not know PACKAGE.
+# apt_candidate PACKAGE
 apt_candidate()
 {
     LC_ALL=C apt-cache policy "$1" 2>/dev/null | sed -n 's/^ *Candidate: \([0-9]*:\)\?\([0-9].*\)/\2/p'
@@ -50,7 +52,7 @@ apt_get_install()
         --no-install-recommends "$@" </dev/null >&2
 }
 
-# Lists that are missing or too old for the mirror are fetched before giving up.
+# Installs packages. If that fails, it fetches the package lists and tries again: they may be too old.
 # apt_install WHAT_FOR PACKAGE...
 apt_install()
 {
@@ -65,5 +67,5 @@ apt_install()
     apt_has_lists || apt_update || true
     apt_get_install "$@" || { apt_update && apt_get_install "$@"; } \
         || fail "apt-get could not install $*; its message is above." \
-            "Mend that (the network, the package sources), then run this again."
+            "Correct the cause (the network, the package sources), then run this again."
 }

@@ -1,12 +1,12 @@
-# What the box has beside the library: Debian's source packages of the very versions that the root has,
-# cross-built. Each is kept beside the build root, in a folder named after what it is made of; a build
-# that was interrupted goes on where it stopped, a finished one is not touched again.
+# Libraries for the device, cross-built from Debian's source packages. Each library has the same version as
+# in the build root. The result is kept beside the build root, in a folder whose name has a digest of the
+# version, the compiler and the cache entries. An interrupted build continues where it stopped.
 
 readonly crossbuild_toolchain_file=$repository/cmake/toolchains/mipsel-linux-gnu.cmake
 
-# Sets crossbuild_installed: the folder in which it is installed. The version is that of the root's
-# PACKAGE. FETCH is crossbuild_fetch_package or crossbuild_fetch_original; PLACE says where the machine
-# that builds keeps something.
+# Builds the library unless it is there; sets crossbuild_installed, the folder it is installed in. PACKAGE
+# is the root's binary package that has the version. FETCH is crossbuild_fetch_package or
+# crossbuild_fetch_original. PLACE is a cache entry with a path of this machine; the digest leaves it out.
 # crossbuild_require TITLE FETCH SOURCE_PACKAGE PACKAGE [-DPLACE=...]... -- [-DENTRY=VALUE]...
 crossbuild_require()
 {
@@ -25,16 +25,16 @@ crossbuild_require()
 
     local lock use
     until crossbuild_hold; do
-        exec {lock}>"$kind.lock"
-        take_lock "$lock" "is building $title for the box"
+        take_lock "$kind.lock" "is building $title for the device"
         crossbuild_is_finished || crossbuild_make "$@"
         exec {lock}>&-
     done
     crossbuild_installed=$home/installed
 }
 
-# The functions below find title, fetch, source_package, version, places, kind, home and use in the one above.
+# The functions below use the local variables of crossbuild_require.
 
+# crossbuild_digest VERSION [-DENTRY=VALUE]...
 crossbuild_digest()
 {
     {
@@ -44,8 +44,8 @@ crossbuild_digest()
     } | sha256sum | cut -c 1-12
 }
 
-# Nobody removes it while this run uses it. One that was removed while this run waited for the lock is
-# made again.
+# Takes a shared lock on the library's folder for the rest of this run, so that no other run removes it. It
+# looks again with the lock held: another run may have removed the folder in between.
 crossbuild_hold()
 {
     crossbuild_is_finished || return
@@ -54,7 +54,7 @@ crossbuild_hold()
     crossbuild_is_finished
 }
 
-# A run that was ended while it tidied up leaves the build's folder.
+# The build folder is still there if an earlier run was ended while it removed its temporary files.
 crossbuild_is_finished()
 {
     [[ -f $home/finished && ! -d $home/build ]]
@@ -64,44 +64,44 @@ crossbuild_make()
 {
     [[ -f $home/finished ]] || crossbuild_build "$@"
     rm --recursive --force "$home"/{source,unpacked,apt}
-    rm --recursive --force "$home/build"
+    rm --recursive --force "$home/build" # last: see crossbuild_is_finished
     crossbuild_remove_others
 }
 
 crossbuild_build()
 {
     local started=$SECONDS
-    say "Building $title $version for the box, once"
+    say "Building $title $version for the device, once"
     mkdir --parents "$home"
     crossbuild_get_source
     crossbuild_configure "$@"
     crossbuild_compile
     crossbuild_install
     touch "$home/finished"
-    say "$title for the box is ready after $((SECONDS - started)) seconds."
+    say "$title for the device is ready after $((SECONDS - started)) seconds."
 }
 
 crossbuild_get_source()
 {
     [[ ! -d $home/source ]] || return 0
-    say "$title for the box: fetching the source package"
+    say "$title for the device: fetching the source package"
     rm --recursive --force "$home"/{apt,unpacked}
     mkdir --parents "$home"/apt/{lists,archives}/partial "$home/unpacked"
     if ! (cd "$home/unpacked" && "$fetch") >"$home/source.log" 2>&1; then
         cat "$home/source.log" >&2
         fail "The source package of $title $version could not be fetched; apt's message is above." \
-            "Look at the network. If the mirror has gone on to a newer version, remove $root and run this again."
+            "Check the network. If the mirror has a newer version only, remove $root and run this again."
     fi
     mv --no-target-directory "$home/unpacked/$source_package"-*/ "$home/source"
 }
 
-# With Debian's changes.
+# Fetches the source with Debian's changes.
 crossbuild_fetch_package()
 {
     crossbuild_apt_get update && crossbuild_apt_get source "$source_package=$version"
 }
 
-# Without them, for what Debian only packs.
+# Fetches the source without Debian's changes.
 crossbuild_fetch_original()
 {
     crossbuild_apt_get update && crossbuild_apt_get source --tar-only "$source_package=$version" \
@@ -110,31 +110,28 @@ crossbuild_fetch_original()
             --directory="$source_package-original"
 }
 
-# The root's own package lists know no sources, and are not written to.
+# Runs apt-get with package lists of its own: those of the root have no sources and are read-only.
 crossbuild_apt_get()
 {
-    local apt=$home/apt setting settings
+    local apt=$home/apt settings
     sed -n 's/^deb /deb-src /p' "$root/etc/apt/sources.list" >"$apt/sources.list"
-    settings=(
-        -o "Dir::Etc::SourceList=$apt/sources.list"
-        -o "Dir::Etc::SourceParts=/dev/null"
-        -o "Dir::State::Lists=$apt/lists"
-        -o "Dir::Cache=$apt"
-        -o "APT::Sandbox::User="
-        -o "Acquire::Languages=none"
-        -o "quiet=2"
-    )
-    while IFS= read -r setting; do
-        settings+=(-o "$setting")
-    done < <(machine_apt_settings | sed 's/ "/=/; s/";$//')
-    root_run apt-get "${settings[@]}" "$@"
+    mapfile -t settings < <(machine_apt_settings | sed 's/^/--option=/; s/ "/=/; s/";$//')
+    root_run apt-get "${settings[@]}" \
+        --option="Dir::Etc::SourceList=$apt/sources.list" \
+        --option="Dir::Etc::SourceParts=/dev/null" \
+        --option="Dir::State::Lists=$apt/lists" \
+        --option="Dir::Cache=$apt" \
+        --option="APT::Sandbox::User=" \
+        --option="Acquire::Languages=none" \
+        --option="quiet=2" \
+        "$@"
 }
 
 crossbuild_configure()
 {
     [[ ! -f $home/build/build.ninja ]] || return 0
-    say "$title for the box: configuring"
-    # A copy: whoever builds with this later need not have the folder that it was built from.
+    say "$title for the device: configuring"
+    # A copy: the installed library refers to the toolchain file, and other clones of the project use it too.
     cp "$crossbuild_toolchain_file" "$home/toolchain.cmake"
     root_run cmake -G Ninja -S "$home/source" -B "$home/build" -Wno-dev \
         -DCMAKE_TOOLCHAIN_FILE="$home/toolchain.cmake" -DCMAKE_INSTALL_PREFIX="$home/installed" \
@@ -159,11 +156,11 @@ crossbuild_install()
 crossbuild_failed()
 {
     tail --lines=40 "$home/$2" >&2
-    fail "$title for the box could not be $1; the end of $home/$2 is above." \
-        "What is done already is kept: running this again goes on from there."
+    fail "$title for the device could not be $1; the end of $home/$2 is above." \
+        "The files built so far are kept: another run continues from there."
 }
 
-# One line every twentieth, from ninja's "[done/all]".
+# Reads ninja's "[done/all]" and prints a line for every 5 per cent.
 crossbuild_show_progress()
 {
     local line percent shown=0 step=5
@@ -172,11 +169,11 @@ crossbuild_show_progress()
         percent=$((BASH_REMATCH[1] * 100 / BASH_REMATCH[2]))
         ((percent >= shown + step)) || continue
         shown=$percent
-        say "$title for the box: $percent %"
+        say "$title for the device: $percent %"
     done
 }
 
-# Those of other versions, unless a run uses them.
+# Removes the folders of other versions, unless a run uses them.
 crossbuild_remove_others()
 {
     local other lock

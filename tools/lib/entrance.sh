@@ -1,11 +1,11 @@
-# The way into the build root. Inside, programs and system files are the root's; everything else,
-# the user's folders above all, stands where it stands outside.
+# Runs commands inside the build root. Programs and system files are those of the root. All other files,
+# such as the user's folders, have the same paths as outside.
 
-# The folders that the root brings; the machine's of these names stay outside.
+# A pattern of the folders that come from the root instead of the machine.
 readonly root_folders='@(bin|sbin|lib|lib32|lib64|libx32|usr|etc|var)'
 
-# What a program may need to know of the user's desktop. Compiler flags and search paths of the
-# machine stay outside: they name files that the root does not have.
+# Patterns of the environment variables that programs inside get. Compiler flags and search paths are not
+# among them: they name files of the machine that the root does not have.
 readonly root_variables=(
     TERM COLORTERM NO_COLOR CI USER LOGNAME TZ SOURCE_DATE_EPOCH
     DISPLAY WAYLAND_DISPLAY XAUTHORITY XDG_RUNTIME_DIR XDG_SESSION_TYPE
@@ -15,14 +15,15 @@ readonly root_variables=(
 
 root_shown=()
 
-# Makes sure that files stand inside under the path that they have outside.
+# Makes files visible inside under the same paths as outside.
 # root_show PATH...
 root_show()
 {
     root_shown+=("$@")
 }
 
-# Sets root_entrance: bubblewrap, or what understands the same options where bubblewrap may not run.
+# Sets root_entrance, the command that enters the root: bubblewrap, or tools/chroot-entrance where the system
+# does not let bubblewrap run.
 root_choose_entrance()
 {
     local refusal
@@ -42,6 +43,7 @@ root_choose_entrance()
     fi
 }
 
+# Runs a command inside the root in the current folder.
 # root_run COMMAND...
 root_run()
 {
@@ -51,7 +53,7 @@ root_run()
         "${root_entrance[@]}" "${root_mounts[@]}" --chdir "$(pwd -P)" -- "$@"
 }
 
-# Fills root_mounts with bubblewrap's options.
+# Sets root_mounts, bubblewrap's options for all mounts.
 root_lay_out()
 {
     root_mounts=()
@@ -59,7 +61,7 @@ root_lay_out()
     root_mounts+=(--dev-bind /var/tmp /var/tmp)
     root_add_shown
     root_add_names
-    # The root is for everybody's next run: nothing may change it.
+    # Other runs use the same root: no command may change it.
     root_mounts+=(--remount-ro /usr --remount-ro /etc --remount-ro /var)
 }
 
@@ -86,7 +88,7 @@ root_add()
     fi
 }
 
-# The user's files among the system's, such as a checkout in /usr/src, unless the root has its own there.
+# Adds the user's files inside system folders, such as a clone in /usr/src, unless the root has files there.
 root_add_shown()
 {
     local path
@@ -98,7 +100,9 @@ root_add_shown()
     done
 }
 
-# Something empty is no more than the place where an earlier run showed something of the machine.
+# True if the root has a file or folder that is not empty. An empty one may be the mount point that an
+# earlier run made.
+# root_has PATH
 root_has()
 {
     if [[ -d $root$1 ]]; then
@@ -108,7 +112,7 @@ root_has()
     fi
 }
 
-# Users, groups and hosts have the names that they have outside.
+# Adds the machine's names of users, groups and hosts.
 root_add_names()
 {
     local file
@@ -117,8 +121,8 @@ root_add_names()
     done
 }
 
-# Fills root_environment with the variables for inside. A home of its own keeps the user's font and
-# program settings from changing what is measured and drawn.
+# Sets root_environment, the environment variables for inside. HOME is a folder of the cache: the user's font
+# settings would change what is measured and drawn.
 root_describe_environment()
 {
     local home=$cache/home name pattern

@@ -1,4 +1,4 @@
-# The tool chain "host": what the machine itself has.
+# The tool chain "host": the machine's own compiler and Qt.
 
 readonly minimum_cmake=3.24
 readonly minimum_qt=6.5
@@ -19,23 +19,14 @@ host_compiler()
     echo "${CXX:-c++}"
 }
 
-# Asks the Qt that CMake would find: a prefix named for CMake goes before the PATH.
+# Asks qmake of the Qt that CMake would find: CMAKE_PREFIX_PATH goes before PATH.
+# host_qt_query PROPERTY
 host_qt_query()
 {
     local qmake
     qmake=$(PATH=${CMAKE_PREFIX_PATH:+${CMAKE_PREFIX_PATH//:/\/bin:}/bin:}$PATH
         command -v qmake6 || command -v qmake) || return 0
     "$qmake" -query "$1" 2>/dev/null || true
-}
-
-host_has_cmake()
-{
-    version_at_least "$minimum_cmake" "$(host_cmake_version)"
-}
-
-host_has_ninja()
-{
-    command -v ninja >/dev/null
 }
 
 host_has_cpp20()
@@ -45,11 +36,6 @@ host_has_cpp20()
         #include <concepts>
         #include <span>
         template<std::integral T> auto order(std::span<T> s) { return s.front() <=> s.back(); }'
-}
-
-host_has_qt()
-{
-    version_at_least "$minimum_qt" "$(host_qt_query QT_VERSION)"
 }
 
 host_has_private_headers()
@@ -69,27 +55,25 @@ host_has_font()
     fi
 }
 
-# Asked at every run, so what is missing most often is looked at early and what takes long, last.
-host_is_complete()
-{
-    host_has_cmake && host_has_ninja && host_has_qt && host_has_private_headers \
-        && host_has_font && host_has_cpp20
-}
-
-# What the machine lacks, in words.
+# Prints what the machine lacks, separated by commas.
 host_missing()
 {
     {
-        host_has_cmake || echo "CMake >= $minimum_cmake"
-        host_has_ninja || echo "Ninja"
+        version_at_least "$minimum_cmake" "$(host_cmake_version)" || echo "CMake >= $minimum_cmake"
+        command -v ninja >/dev/null || echo "Ninja"
         host_has_cpp20 || echo "a C++20 compiler"
-        host_has_qt || echo "Qt >= $minimum_qt"
+        version_at_least "$minimum_qt" "$(host_qt_query QT_VERSION)" || echo "Qt >= $minimum_qt"
         host_has_private_headers || echo "Qt's private headers"
         host_has_font || echo "the font DejaVu Sans"
     } | paste --serial --delimiters=, | sed 's/,/, /g'
 }
 
-# True where apt can bring everything that is missing.
+host_is_complete()
+{
+    [[ -z $(host_missing) ]]
+}
+
+# True if apt can install everything that the machine lacks.
 host_can_be_completed()
 {
     has_apt && may_administer || return 1
@@ -107,14 +91,14 @@ host_install_packages()
 host_require()
 {
     host_is_complete && return
-    host_can_be_completed || fail "This machine lacks $(host_missing), and apt cannot bring it." \
-        "Install it, or use the build root: OVELIN_TOOLCHAIN=root"
+    host_can_be_completed || fail "This machine lacks $(host_missing), and apt cannot install it." \
+        "Install it by other means, or use the build root: OVELIN_TOOLCHAIN=root"
     host_install_packages
     host_is_complete || fail "After installing the packages this machine still lacks $(host_missing)." \
         "Use the build root: OVELIN_TOOLCHAIN=root"
 }
 
-# What a build tree depends on: another compiler or Qt must not continue it.
+# Describes CMake, Qt and the compiler. When one of them changes, the build trees are configured anew.
 host_identity()
 {
     echo "host, CMake $(host_cmake_version), Qt $(host_qt_query QT_VERSION)," \

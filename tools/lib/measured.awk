@@ -1,5 +1,5 @@
-# What the scripts share that compare measured values with a file of what they should be: the first file
-# has the values, in lines of "name value", the second columns between "|".
+# The common part of the scripts that compare measured values with recorded ones. The first input file has
+# the measured values in lines of "name value". The second has the recorded ones in columns separated by "|".
 
 function trim(text)
 {

@@ -1,4 +1,4 @@
-# What the user is told. It goes to standard error, so that the output of a command stays clean.
+# Messages for the user. They go to standard error, so that standard output has only a command's output.
 
 say()
 {
@@ -12,11 +12,13 @@ fail()
     exit 1
 }
 
-# Waits for the lock on an open file and says so only when it has to wait.
-# take_lock DESCRIPTOR WHAT_THE_OTHER_RUN_DOES
+# Opens FILE and waits for the lock on it; prints a message only if it has to wait. Sets lock, the file's
+# descriptor: closing it releases the lock.
+# take_lock FILE WHAT_THE_OTHER_RUN_DOES
 take_lock()
 {
-    flock --nonblock "$1" && return
+    exec {lock}>"$1"
+    flock --nonblock "$lock" && return
     say "Another run $2; waiting for it."
-    flock "$1"
+    flock "$lock"
 }

@@ -1,12 +1,12 @@
-# The lists of packages that the tool chains are made of.
+# The lists of Debian packages that the tool chains consist of.
 
-# What both tool chains have.
+# Prints the packages that every tool chain needs.
 package_names()
 {
     package_names_in "$repository/tools/packages.txt"
 }
 
-# What the root of the chosen kind has.
+# Prints the packages of the chosen root.
 root_package_names()
 {
     package_names

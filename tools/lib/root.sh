@@ -1,16 +1,16 @@
-# The tool chain "root": a small Debian of its own in the cache, made once from the package list. The
-# "workshop" is a larger one, with what only developing takes.
+# The tool chain "root": a small Debian in a folder of the cache, made once from the package list. The
+# "workshop" is a larger one, which also has the tools for checks, measurements and packages.
 #
-# A root is named after its kind, the suite and a digest of what it is made of, and carries that name
-# only once it is complete. Who uses a root holds a shared lock on its folder, so that nobody removes it.
+# The name of a root's folder has its kind, the suite and a digest of its recipe and packages. An unfinished
+# root has another name. A run holds a shared lock on the folder of its root, so that no other run removes it.
 
 suite=${OVELIN_SUITE:-trixie}
 HOME=${HOME:-$(getent passwd "$(id -u)" | cut -d: -f6)}
 cache=$(realpath --canonicalize-missing "${OVELIN_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/ovelin}")
 readonly suite cache
 
-# Nobody reads manuals or other languages in a build root; without them it is smaller and made sooner.
-# Unfinished, it is of no use, so dpkg need not see every file safe on the disk.
+# The root leaves out manuals and translations. dpkg need not write each file to the disk at once: an
+# unfinished root is thrown away.
 readonly root_recipe=(
     --variant=apt
     --dpkgopt=force-unsafe-io
@@ -20,17 +20,19 @@ readonly root_recipe=(
     --dpkgopt='path-exclude=/usr/share/man/*'
 )
 
-# mmdebstrap works here: /tmp is too small on machines that keep it in memory.
+# mmdebstrap's temporary folder. Where /tmp is kept in memory, it is too small.
 readonly root_work_folder=/var/tmp
 
 declare -rA root_size=([root]="1 GB" [workshop]="3 GB")
+declare -rA root_title=([root]="build root" [workshop]="workshop")
 
 root_digest()
 {
     { printf '%s\n' "${root_recipe[@]}"; root_package_names | sort; } | sha256sum | cut -c 1-12
 }
 
-# Sets root, and root_kind: "root" or "workshop".
+# Sets root, the folder of the root, and root_kind: "root" or "workshop".
+# root_choose KIND
 root_choose()
 {
     root_kind=$1
@@ -39,25 +41,18 @@ root_choose()
 
 root_choose root
 
-root_name()
-{
-    case $root_kind in
-    root) echo "build root" ;;
-    workshop) echo "workshop" ;;
-    esac
-}
-
 root_exists()
 {
     [[ -d $root ]]
 }
 
-# The same list made anew may bring newer packages.
+# Has the time the root was made: a root that is made again may have newer packages.
 root_identity()
 {
     echo "$root of $(stat --format=%Y "$root/etc/debian_chroot")"
 }
 
+# Makes the chosen root unless it is there, and holds it for the rest of this run.
 root_require()
 {
     [[ $suite =~ ^[a-z]+$ ]] || fail "OVELIN_SUITE is \"$suite\", which names no Debian suite." "Use trixie or forky, or leave it out."
@@ -81,7 +76,8 @@ root_require_tools()
     root_exists || is_administrator || root_require_user_ids
 }
 
-# An ordinary user makes the root in a user namespace, with a range of user ids for the packages' files.
+# Fails unless the user has a range of user ids. mmdebstrap makes the root in a user namespace, in which the
+# files of the packages belong to these ids.
 root_require_user_ids()
 {
     local user file
@@ -93,8 +89,8 @@ root_require_user_ids()
     done
 }
 
-# Keeps the root for the rest of this run; fails when there is none. One that was removed while this
-# run waited for the lock no longer stands under its name.
+# Takes a shared lock on the root for the rest of this run; fails if there is no root. It looks again with
+# the lock held: another run may have removed the root in between.
 root_hold()
 {
     root_exists || return
@@ -108,61 +104,59 @@ root_make()
     mkdir --parents "$cache" || fail "The folder for the build root could not be made." \
         "Choose another: OVELIN_CACHE=/some/folder"
     local lock
-    exec {lock}>"$cache/$root_kind-$suite.lock"
-    take_lock "$lock" "is making the $(root_name)"
+    take_lock "$cache/$root_kind-$suite.lock" "is making the ${root_title[$root_kind]}"
     root_exists || root_build
     root_remove_others
     exec {lock}>&-
 }
 
-# Only the holder of the suite's lock gets here; what lies under the passing names is a killed run's.
+# The caller holds the lock, so a folder with the temporary name is from a run that was killed.
 root_build()
 {
-    local new=$cache/$root_kind-$suite.new started=$SECONDS
+    local new=$cache/$root_kind-$suite.new started=$SECONDS title=${root_title[$root_kind]}
     root_delete "$new"
-    say "Making the $(root_name) (Debian $suite, about ${root_size[$root_kind]}) in $cache: some minutes."
+    say "Making the $title (Debian $suite, about ${root_size[$root_kind]}) in $cache: some minutes."
 
-    # A process group of its own, so that all of it can be ended when this run is.
+    # With job control mmdebstrap and its children are one process group, which root_abandon can end.
     set -o monitor
     root_bootstrap "$new" </dev/null &
     local maker=$!
     set +o monitor
-    # shellcheck disable=SC2064 # the values of now: they are local
+    # shellcheck disable=SC2064 # expanded now, because the variables are local
     trap "root_abandon $maker $(printf %q "$new")" EXIT
-    wait "$maker" || fail "Making the $(root_name) failed; mmdebstrap's message is above." \
-        "Look at the network, and for twice ${root_size[$root_kind]} free in $root_work_folder and once in $cache; then run this again."
+    wait "$maker" || fail "Making the $title failed; mmdebstrap's message is above." \
+        "Check the network. Twice ${root_size[$root_kind]} must be free in $root_work_folder and once in $cache. Then run this again."
     mv --no-target-directory "$new" "$root"
     trap - EXIT
-    say "The $(root_name) is ready after $((SECONDS - started)) seconds."
+    say "The $title is ready after $((SECONDS - started)) seconds."
 }
 
-# The files go through an archive, so that they belong to the user who makes the root.
+# Makes a root in a new folder. tar unpacks the files, so that they belong to the user.
+# root_bootstrap FOLDER
 root_bootstrap()
 {
-    local new=$1 setting settings=()
-    while IFS= read -r setting; do
-        settings+=(--aptopt="$setting")
-    done < <(machine_apt_settings)
+    local new=$1 settings
+    mapfile -t settings < <(machine_apt_settings | sed 's/^/--aptopt=/')
 
     mkdir "$new"
     TMPDIR=$root_work_folder mmdebstrap "${root_recipe[@]}" "${settings[@]}" \
         --include="$(root_package_names | paste --serial --delimiters=,)" "$suite" - \
         | tar --extract --directory="$new" --numeric-owner --exclude='./dev/*'
 
-    # Shown by the shell's prompt.
+    # The shell's prompt shows this name.
     echo "ovelin-$suite" >"$new/etc/debian_chroot"
-    # The machine's own are laid over these.
+    # The machine's files are mounted on these: see root_add_names.
     touch "$new"/etc/{group,hosts,passwd,resolv.conf}
 }
 
-# How this machine reaches its package mirrors (a proxy, a mirror that lags) holds for the root as well.
+# Prints the machine's settings for package mirrors, such as a proxy, as lines of apt-config.
 machine_apt_settings()
 {
     ! command -v apt-config >/dev/null \
         || apt-config dump | grep --extended-regexp '^Acquire::(https?::Proxy|Check-|Retries)' || true
 }
 
-# mmdebstrap removes its own files when told to end, and is given the time for it.
+# Ends mmdebstrap and waits until it has removed its temporary files.
 # root_abandon PROCESS_GROUP NEW_ROOT
 root_abandon()
 {
@@ -172,10 +166,10 @@ root_abandon()
         sleep 0.1
     done
     root_delete "$new"
-    say "The unfinished $(root_name) is removed."
+    say "The unfinished ${root_title[$root_kind]} is removed."
 }
 
-# Roots of the same suite made from another list. One that is in use goes at a later time.
+# Removes the roots of the same kind and suite that have another digest, unless a run uses them.
 root_remove_others()
 {
     local other old=$cache/$root_kind-$suite.old lock
@@ -185,7 +179,7 @@ root_remove_others()
         [[ $other != "$root" && -d $other ]] || continue
         exec {lock}<"$other"
         if flock --nonblock "$lock"; then
-            say "Removing the $(root_name) of another package list: $other"
+            say "Removing the ${root_title[$root_kind]} of another package list: $other"
             mv --no-target-directory "$other" "$old"
             root_delete "$old"
         fi
@@ -193,7 +187,8 @@ root_remove_others()
     done
 }
 
-# Some packages bring folders that their owner may not write to.
+# Some packages have folders that their owner may not write to.
+# root_delete FOLDER
 root_delete()
 {
     [[ -e $1 ]] || return 0

@@ -1,7 +1,7 @@
-# Which tool chain is used, and how to run a command of it.
+# The choice of the tool chain, and running commands in it.
 
-# What was compiled once is taken from there, in another clone and another tool chain too: it is found
-# by what the compiler, the options and the source files contain, not by where they stand.
+# Settings of ccache. All clones and tool chains share one cache: ccache compares the contents of the
+# compiler and the sources, not their paths.
 readonly compiler_cache=(
     "CCACHE_DIR=$cache/compiled"
     "CCACHE_BASEDIR=$repository"
@@ -10,7 +10,9 @@ readonly compiler_cache=(
     CCACHE_MAXSIZE=2G
 )
 
-# Sets toolchain: "host", the root's suite, or "workshop"; it names the folder of the build trees.
+# Each of the four functions below that chooses a tool chain sets toolchain, the name of the folder of its
+# build trees ("host", "workshop" or the suite), and toolchain_identity, which changes with its compiler or Qt.
+
 choose_toolchain()
 {
     case ${OVELIN_TOOLCHAIN:-$(preferred_toolchain)} in
@@ -21,7 +23,8 @@ choose_toolchain()
     esac
 }
 
-# Who names a suite wants that suite's root. A root that is there already saves asking apt.
+# Prefers a complete host. Prefers a root if OVELIN_SUITE is set, or if the host is incomplete and a root is
+# there already: then apt need not install anything.
 preferred_toolchain()
 {
     if [[ -z ${OVELIN_SUITE:-} ]] && { host_is_complete || { ! root_exists && host_can_be_completed; }; }; then
@@ -47,12 +50,12 @@ use_root()
     say "Tool chain: root, Debian $suite in $root"
 }
 
-# For what takes more than a tool chain, and for what must come out the same for everybody.
+# For commands that need more than a compiler and Qt, and for results that must be the same on every machine.
 use_workshop()
 {
     [[ $suite == trixie ]] || fail "The workshop is made of Debian trixie." "Leave OVELIN_SUITE out."
     [[ ${OVELIN_TOOLCHAIN:-root} == @(root|workshop) ]] \
-        || fail "This command needs more than the machine's own tool chain." "Leave OVELIN_TOOLCHAIN out."
+        || fail "This command runs only in the workshop, not on the host." "Leave OVELIN_TOOLCHAIN out."
     root_choose workshop
     root_require
     toolchain=workshop
@@ -60,7 +63,8 @@ use_workshop()
     say "Tool chain: workshop, Debian $suite in $root"
 }
 
-# Runs a command of the tool chain in the current folder. Qt wants UTF-8, which a bare machine's locale is not.
+# Runs a command of the tool chain in the current folder. Qt needs a UTF-8 locale, which the machine may lack.
+# inside COMMAND...
 inside()
 {
     if [[ $toolchain == host ]]; then
@@ -70,7 +74,7 @@ inside()
     fi
 }
 
-# Programs that not every build needs: a machine that can build may lack them. The root has all.
+# Installs programs that a complete host may lack, because not every command needs them. The root has them.
 # require_programs PROGRAM...
 require_programs()
 {

@@ -1,17 +1,17 @@
-# Build trees: build/<tool chain>/<name>, so that no tool chain ever meets another one's files.
+# Build trees. Each stands in build/<tool chain>/<name>.
 
-# Configures and builds; sets tree. Targets default to everything.
+# Configures and builds a tree; sets tree, its folder. Without TARGET it builds everything.
 # build_tree PRESET [TARGET...]
 build_tree()
 {
     build_tree_as "$1" "$1" -- "${@:2}"
 }
 
-# The same under another name and with cache entries beyond the preset's.
+# Does the same for a tree with another name than its preset, and with more cache entries.
 # build_tree_as NAME PRESET [-DENTRY=VALUE...] -- [TARGET...]
 build_tree_as()
 {
-    local preset=$2 entries=() targets=() lock
+    local preset=$2 entries=() lock
     tree=$repository/build/$toolchain/$1
     shift 2
     while [[ $1 != -- ]]; do
@@ -19,23 +19,23 @@ build_tree_as()
         shift
     done
     shift
-    targets=("$@")
 
     mkdir --parents "${tree%/*}"
-    exec {lock}>"$tree.lock"
-    take_lock "$lock" "is building $(short_path "$tree")"
+    take_lock "$tree.lock" "is building $(short_path "$tree")"
     tree_configure "$preset" "${entries[@]}"
-    tree_compile "${targets[@]}"
+    tree_compile "$@"
     exec {lock}>&-
 }
 
+# Prints a path relative to the repository.
 short_path()
 {
     echo "${1#"$repository"/}"
 }
 
-# A tree remembers what it was configured from. Another compiler or Qt means to begin anew; when only
-# the preset or an entry changed, the build sees what that concerns, as it sees changed CMakeLists.txt.
+# Configures the tree unless its file configured-from has the same tool chain, presets and entries. For
+# another tool chain it empties the tree first. Ninja itself notices a changed CMakeLists.txt.
+# tree_configure PRESET [-DENTRY=VALUE...]
 tree_configure()
 {
     local preset=$1 origin before
@@ -49,11 +49,11 @@ tree_configure()
     rm --force "$tree/configured-from"
     mkdir --parents "$tree"
     ! inside which ccache >/dev/null || set -- -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "$@"
-    # Of a compiler that nobody has tried before warnings are to be expected.
+    # The machine's compiler may give warnings that no tested compiler gives.
     [[ $toolchain != host ]] || set -- --compile-no-warning-as-error "$@"
     inside_repository cmake --fresh --preset "$preset" -B "$tree" "$@" >"$tree/configure.log" \
         || fail "CMake could not configure $(short_path "$tree"); its message is above." \
-            "The rest of what it said is in $(short_path "$tree")/configure.log"
+            "The rest of its output is in $(short_path "$tree")/configure.log"
     echo "$origin" >"$tree/configured-from"
 }
 
@@ -62,7 +62,7 @@ tree_compile()
     tree_is_fresh "$@" && return
     say "Building $(short_path "$tree")"
     inside_repository cmake --build "$tree" ${1:+--target "$@"} >&2 \
-        || fail "Building $(short_path "$tree") failed; the first error above is the one to mend."
+        || fail "Building $(short_path "$tree") failed; correct the first error above."
 }
 
 tree_is_fresh()
@@ -80,8 +80,8 @@ processors()
     echo "${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}"
 }
 
-# For tools under which everything takes many times as long: the tests that try many texts try fewer,
-# unless the user has set how many.
+# Sets OVELIN_TEXT_CASES unless the user has: each test of random texts then tries 150 texts instead of 1000.
+# For tools that make the tests many times slower.
 try_fewer_texts()
 {
     export OVELIN_TEXT_CASES=${OVELIN_TEXT_CASES:-150}

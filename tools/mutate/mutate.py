@@ -1,8 +1,8 @@
-"""Changes the library at one place at a time and tells whether the tests notice.
+"""Changes the library in one place at a time and tells whether the tests notice.
 
-A mutant is the library with one operator, constant, condition or statement changed. It is caught when
-a test of its subsystem fails, or runs much longer than it should. What behaves as the original does
-stands in equivalent.txt, with the reason, and is not tried.
+A mutant is the library with one operator, constant, condition or statement changed. A mutant is caught if a
+test of its subsystem fails or hangs. An equivalent mutant behaves as the original. equivalent.txt lists the
+equivalent mutants, with the reasons; they are not tried.
 """
 
 import argparse
@@ -19,9 +19,10 @@ import signal
 import subprocess
 import sys
 import time
+import typing
 
-# What stands for what. Blanks around a binary operator tell it from template brackets, signs,
-# references and pointers: the code is formatted.
+# Patterns and their replacements. The code is formatted, so blanks around a binary operator tell it from
+# template brackets, signs, references and pointers.
 REPLACEMENTS = [
     (r" < ", [" <= "]),
     (r" <= ", [" < "]),
@@ -48,15 +49,15 @@ REPLACEMENTS = [
     (r"(?<=if \().+(?=\)( \{)?$)", ["true", "false"]),
 ]
 INTEGER = re.compile(r"(?<![\w.])\d+(?![\w.'])")
-# A statement on a line of its own that declares nothing.
+# A statement on one line that declares nothing.
 STATEMENT = re.compile(r"^(return|continue|break|(Q_EMIT )?[\w.:>()\[\]*-]+( [-+*/%|&]?= .*|\(.*\)|\+\+|--));$")
 COMMENT_OR_LITERAL = re.compile(r'//[^\n]*|/\*.*?\*/|u?"(?:\\.|[^"\\\n])*"|u?\'(?:\\.|[^\'\\\n])*\'', re.DOTALL)
-# What checks itself shows what would go wrong unseen.
+# Assertions make faults visible that would otherwise pass unnoticed.
 FLAGS = "-O0 -D_GLIBCXX_ASSERTIONS -DQT_FORCE_ASSERTS"
-# A test that takes this much longer than it did without a mutant hangs.
+# A test hangs if it takes TIMES_LONGER times its usual time and SECONDS_LONGER seconds more.
 TIMES_LONGER = 10
 SECONDS_LONGER = 5
-# One that wants more memory than this fails, and leaves the rest to others.
+# The limit of a test's memory, in bytes: a mutant that allocates without end must not stop the machine.
 MOST_MEMORY = 4 << 30
 
 
@@ -65,7 +66,7 @@ def blank_out(match):
 
 
 def line_mutants(code):
-    """The texts that one line of code, comments and literals blanked out, can be changed to."""
+    """The changes of one line of code without comments and literals: start, end, replacement."""
     indent = len(code) - len(code.lstrip())
     if code.lstrip().startswith(("#", "static_assert", "using ", "namespace ")):
         return
@@ -81,13 +82,12 @@ def line_mutants(code):
         yield indent, len(code), ";"
 
 
-class Mutant:
-    def __init__(self, file, number, before, original, mutated):
-        self.file = file
-        self.number = number
-        self.before = before
-        self.original = original
-        self.mutated = mutated
+class Mutant(typing.NamedTuple):
+    file: str
+    number: int
+    before: str  # the line of code before
+    original: str
+    mutated: str
 
     @property
     def key(self):
@@ -102,23 +102,25 @@ def mutants_of(repository, file):
     text = (repository / file).read_text()
     lines = text.split("\n")
     code = COMMENT_OR_LITERAL.sub(blank_out, text).split("\n")
-    for number, (before, line, blanked) in enumerate(zip(["", *lines], lines, code), start=1):
+    before = ""
+    for number, (line, blanked) in enumerate(zip(lines, code), start=1):
         for start, end, replacement in line_mutants(blanked):
             yield Mutant(file, number, before, line, line[:start] + replacement + line[end:])
+        if blanked.strip(" \0"):
+            before = line
 
 
 def read_equivalents(path):
-    """File, line before, "- original", "+ mutated", "# reason" in one or more lines; blank lines between."""
+    """The keys of the mutants in the file, whose first lines describe its format."""
     equivalents = set()
-    for entry in re.split(r"\n{2,}", path.read_text().strip()):
-        lines = entry.split("\n")
-        if lines[0].startswith("#"):
-            continue
-        file, before, original, mutated, *reason = lines
-        if not reason or not all(line.startswith("# ") for line in reason):
+    for entry in path.read_text().strip().split("\n\n")[1:]:
+        lines = [line for line in entry.split("\n") if not line.startswith("# ")]
+        if lines == entry.split("\n"):
             sys.exit(f"{path}: no reason is given for:\n{entry}")
-        equivalents.add((file, before.strip(), original.removeprefix("- ").strip(),
-                         mutated.removeprefix("+ ").strip()))
+        file, before, original, *mutated = lines
+        for line in mutated:
+            equivalents.add((file, before.strip(), original.removeprefix("- ").strip(),
+                             line.removeprefix("+ ").strip()))
     return equivalents
 
 
@@ -129,7 +131,7 @@ class Workbench:
         self.source = folder / "source"
         self.build = folder / "build"
         self.tests = self.build / "tests" / subsystem
-        # What a run that was ended left there may be a mutant.
+        # A run that was ended may have left a mutant here.
         shutil.rmtree(folder, ignore_errors=True)
         for part in ("CMakeLists.txt", "cmake", "docs", "include", "src", "tests"):
             original, copy = repository / part, self.source / part
@@ -145,7 +147,7 @@ class Workbench:
         self.check()
 
     def check(self):
-        """Sees that everything works without any mutant, and how long it takes."""
+        """Checks that all tests pass without any mutant, and notes how long each takes."""
         if not self.compile():
             sys.exit(f"Building fails without any mutant: ninja -C {self.build}")
         for name in self.test_names():
@@ -171,7 +173,8 @@ class Workbench:
         return [test["name"] for test in json.loads(shown)["tests"]]
 
     def passes(self, name, seconds):
-        # CTest waits longer for a test that says so itself. When this program is ended, CTest goes on alone.
+        # A test's own TIMEOUT property goes before --timeout, so this program waits itself. CTest gets a time
+        # limit as well: it goes on if this program is ended.
         command = ["ctest", "--test-dir", self.tests, "-R", f"^{re.escape(name)}$", "--no-tests=error",
                    "--timeout", str(int(seconds) + 1)]
         test = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
@@ -184,7 +187,7 @@ class Workbench:
             return False
 
     def survives(self, mutant):
-        """Whether all tests pass; None if the mutant is no program."""
+        """True if all tests pass, False if one fails, None if the mutant does not compile."""
         path = self.source / mutant.file
         original = path.read_text()
         lines = original.split("\n")
@@ -217,15 +220,14 @@ def main():
     equivalents = read_equivalents(pathlib.Path(__file__).parent / "equivalent.txt")
     places = collections.Counter(mutant.key for mutant in mutants)
     for key in sorted(key for key in equivalents if key[0] in files and places[key] != 1):
-        sys.exit(f"equivalent.txt names what is a mutant at {places[key]} places instead of one: {key}")
+        sys.exit(f"equivalent.txt has an entry that fits {places[key]} mutants instead of one: {key}")
     chosen = mutants[::arguments.every]
     tried = [mutant for mutant in chosen if mutant.key not in equivalents]
     print(f"{arguments.part}: {len(tried)} of {len(mutants)} mutants to try", flush=True)
 
-    # It takes long, and nobody waits for it.
-    os.nice(19)
+    os.nice(19)  # leaves the processors to other programs
     resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
-    # Where a mutant crashes does not matter, but it should crash when it uses memory that it gave back.
+    # Nobody reads the stack of a crash. MALLOC_PERTURB_ overwrites freed memory: its use then shows.
     os.environ.update(QTEST_DISABLE_STACK_DUMP="1", MALLOC_PERTURB_="165")
     benches = queue.Queue()
     for number in range(arguments.jobs):

@@ -1,12 +1,12 @@
 #!/bin/bash
-# Installs the packages that lie beside this script, uses them as a developer would, and removes them.
-# Run by mmdebstrap inside a fresh Debian, which is thrown away afterwards.
+# Installs the packages beside this script, builds programs with them, and removes them. mmdebstrap runs this
+# script inside a new Debian, which it deletes afterwards.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 readonly card_says="card.png: 1 resource, allowed, text elided"
 
-# What is on the disk, but for what apt and dpkg keep for themselves.
+# Lists all files except those in which apt and dpkg keep their records.
 list_files()
 {
     find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path "$PWD" \
@@ -38,14 +38,14 @@ build_by_cmake()
 
 build_by_pkg_config()
 {
-    # shellcheck disable=SC2046 # several options
+    # shellcheck disable=SC2046 # the output is several options
     c++ -std=c++20 -fPIC card/main.cpp $(pkg-config --cflags --libs ovelin) -o by-pkg-config
 }
 
 check_documentation()
 {
     [[ -s /usr/share/doc/libovelin-doc/html/index.html && -s /usr/share/qt6/doc/ovelin.qch ]] \
-        || { echo "The reference is not where it should be."; exit 1; }
+        || { echo "The documentation is not installed."; exit 1; }
 }
 
 list_files >before
@@ -58,6 +58,6 @@ run_card ./by-pkg-config
 apt purge libovelin1 libovelin-dev libovelin-doc
 list_files >after
 
-diff before after || { echo "These files are left, or lost (<), after the packages were removed."; exit 1; }
+diff before after || { echo "After the removal these files are left over (>) or missing (<)."; exit 1; }
 ! dpkg --list '*ovelin*' 2>/dev/null | grep '^[^ud+|D]' || { echo "dpkg still knows packages of ovelin."; exit 1; }
-echo "The packages were installed, used by CMake and by pkg-config, and removed without a trace."
+echo "The packages were installed, used with CMake and with pkg-config, and removed; no file is left over."

@@ -1,7 +1,7 @@
 // comparepictures FIRST.png SECOND.png MOST_DIFFERENT_PIXELS LARGEST_DIFFERENCE
 //
-// Prints in how many pixels two pictures differ, and by how much in a channel. Fails when it is
-// more than allowed.
+// Prints the number of pixels in which two pictures differ, and the largest difference in a channel. Fails
+// if one of the two numbers exceeds its limit.
 
 #include <QImage>
 #include <QString>

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <cerrno>
 
-// The C library's own functions, under the names that it keeps for programs that replace malloc().
+// The C library keeps these names of its own functions for programs that replace malloc().
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void *__libc_malloc(std::size_t size);
@@ -20,13 +20,13 @@ namespace {
 
 std::atomic<std::size_t> held = 0;
 
-// The allocator keeps the size of a block in front of it.
+// The allocator stores the size of each block in front of the block.
 std::size_t blockSize(void *block)
 {
     return block ? malloc_usable_size(block) + sizeof(std::size_t) : 0;
 }
 
-void *taken(void *block)
+void *counted(void *block)
 {
     held += blockSize(block);
     return block;
@@ -39,18 +39,18 @@ std::size_t heapBytes()
     return held;
 }
 
-// The parameters' names in the C library's headers are reserved.
+// The C library's headers give the parameters reserved names, which differ from these.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 void *malloc(std::size_t size)
 {
-    return taken(__libc_malloc(size));
+    return counted(__libc_malloc(size));
 }
 
 void *calloc(std::size_t count, std::size_t size)
 {
-    return taken(__libc_calloc(count, size));
+    return counted(__libc_calloc(count, size));
 }
 
 void *realloc(void *block, std::size_t size)
@@ -59,12 +59,12 @@ void *realloc(void *block, std::size_t size)
     void *moved = __libc_realloc(block, size);
     if (moved || size == 0)
         held -= before;
-    return taken(moved);
+    return counted(moved);
 }
 
 void *memalign(std::size_t alignment, std::size_t size)
 {
-    return taken(__libc_memalign(alignment, size));
+    return counted(__libc_memalign(alignment, size));
 }
 
 void *aligned_alloc(std::size_t alignment, std::size_t size)

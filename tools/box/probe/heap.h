@@ -3,10 +3,10 @@
 
 #include <cstddef>
 
-// The bytes that the program holds on the heap, with what the allocator adds to each block.
+// The bytes that the program holds on the heap, including the allocator's own bytes in front of each block.
 std::size_t heapBytes();
 
-// What an action leaves on the heap; negative if it frees more than it takes.
+// The bytes by which an action changes the heap; negative if the action frees more than it allocates.
 template<typename Action>
 std::ptrdiff_t heapGrowth(const Action &action)
 {

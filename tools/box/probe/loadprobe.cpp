@@ -1,6 +1,6 @@
 // loadprobe LIBRARY
 //
-// Loads the library as an application does that already runs on Qt, and prints what it then holds:
+// Loads the library into a process that already has Qt Gui, and prints the memory that loading takes, in
 // lines of "name value".
 
 #include "heap.h"
@@ -18,9 +18,8 @@
 
 namespace {
 
-// The bytes of the library's own pages that the process has written to: those that are no longer
-// the file's. An emulator answers for the usual name of this file with zeros; under this name the
-// kernel answers.
+// The bytes of the library's pages that the process has written to: the kernel reports them as
+// anonymous. QEMU replaces /proc/self/smaps by a file of zeros, but not /proc/thread-self/smaps.
 std::size_t dirtyBytes(const std::string &library)
 {
     constexpr std::size_t kibibyte = 1024;
@@ -34,7 +33,8 @@ std::size_t dirtyBytes(const std::string &library)
         const std::size_t dash = line.find('-');
         const std::size_t space = line.find(' ');
         if (dash < space) {
-            // "begin-end rights ... file"; variables without a value follow, without a file.
+            // "begin-end rights ... file". A mapping without a file that begins where one of the library
+            // ends holds the library's variables without initial value.
             const bool hasFile = line.find('/') != std::string::npos;
             isLibrary = hasFile ? line.find(library) != std::string::npos
                                 : line.substr(0, dash) == libraryEnd;
@@ -49,7 +49,7 @@ std::size_t dirtyBytes(const std::string &library)
 
 } // namespace
 
-// cppcheck-suppress constParameter ; main() has these parameters
+// cppcheck-suppress constParameter ; the language fixes the parameters of main()
 int main(int argc, char *argv[])
 {
     if (argc != 2) {

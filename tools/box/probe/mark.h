@@ -5,9 +5,10 @@
 
 #include <string>
 
-// Tells whoever traces this program where an action begins and ends. A system call with a text
-// shows in every kind of trace; these ask for files that are not there. The texts are made before,
-// so that only the calls themselves are counted too, which an empty action shows.
+// Marks the begin and the end of an action in the trace of this program: a system call with the text
+// appears in the trace. The system calls ask for files that do not exist. Both texts are made before the
+// action, so the count has only the calls besides the action; the count of an empty action shows their
+// share.
 template<typename Action>
 void markAction(const std::string &name, const Action &action)
 {

@@ -1,7 +1,7 @@
 // useprobe
 //
-// Uses the library and prints the memory that its objects hold, in lines of "name value"; marks the
-// operations whose instructions are to be counted.
+// Uses the library and prints the memory that its objects hold, in lines of "name value". Marks the
+// operations whose instructions instructions.awk counts.
 
 #include "heap.h"
 #include "mark.h"
@@ -36,7 +36,7 @@ namespace {
 constexpr int fontPixelSize = 24;
 constexpr int descriptionLines = 4;
 constexpr QSize panelSize(900, 180);
-constexpr int descriptionWidth = 620; // four full lines of the description
+constexpr int descriptionWidth = 620; // pixels; breaks the description into four full lines
 
 const QString title = u"Ледокол идёт на север"_s;
 // Twenty words.
@@ -56,7 +56,7 @@ QFont font()
     return font;
 }
 
-// A text of its own, not shared with the constant.
+// A deep copy, so that the heap has bytes for it.
 QString ownCopy(const QString &text)
 {
     return QString(text.constData(), text.size());
@@ -73,7 +73,7 @@ std::unique_ptr<TextRenderer> laidOutText(const QString &text, int lines, int wi
     return renderer;
 }
 
-// What the same text costs in Qt: a static text with the same lines, and the string it was made of.
+// The heap that Qt alone needs for the same lines: a static text, its string, and the source string.
 std::ptrdiff_t textBytesOfQt(const TextRenderer &renderer)
 {
     const QString lines = renderer.displayText().replace(u'\n', QChar(QChar::LineSeparator));
@@ -90,8 +90,9 @@ std::ptrdiff_t textBytesOfQt(const TextRenderer &renderer)
     });
 }
 
-// By the height: where a line is broken at a space, Qt does it.
-void checkLines(const TextRenderer &renderer, int lines)
+// Fails unless the text has so many lines. The height tells: displayText() has no newline where a line ends
+// at a space.
+void checkLineCount(const TextRenderer &renderer, int lines)
 {
     const double height = renderer.boundingSize().height();
     if (qRound(height / QFontMetricsF(renderer.textFont()).height()) != lines)
@@ -100,12 +101,12 @@ void checkLines(const TextRenderer &renderer, int lines)
 
 void measureText(const std::string &name, const QString &text, int lines, int width)
 {
-    // Fonts, glyphs and patterns that the first text makes stay for all.
+    // The first text of all loads fonts, glyphs and patterns, which later texts share.
     laidOutText(text, lines, width);
 
     std::unique_ptr<TextRenderer> renderer;
     const std::ptrdiff_t all = heapGrowth([&] { renderer = laidOutText(text, lines, width); });
-    checkLines(*renderer, lines);
+    checkLineCount(*renderer, lines);
     print("memory-" + name, all);
     print("memory-" + name + "-beyond-qt", all - textBytesOfQt(*renderer));
 }
@@ -119,10 +120,10 @@ void countText()
     painter.setPen(Qt::white);
     renderer->draw(painter);
 
-    // A setter that changes something makes the layout out of date.
+    // Without a changed width relayout() would do nothing.
     renderer->setTextWidth(descriptionWidth - 1);
     markAction("relayout", [&] { renderer->relayout(); });
-    checkLines(*renderer, descriptionLines);
+    checkLineCount(*renderer, descriptionLines);
     markAction("draw", [&] { renderer->draw(painter); });
 }
 
@@ -134,7 +135,7 @@ public:
     void releaseResources() override {}
 };
 
-// Items with one image each, all of the same URL, so that URLs are not counted.
+// Items whose images all have the same URL, which they share: its bytes are not counted.
 class Scene
 {
 public:
@@ -236,7 +237,7 @@ void countPainting(const std::string &name, const std::function<void(QPainter &)
     markAction(name, [&] { paint(painter); });
 }
 
-// A gradient that covers a panel once, as itself and as a texture.
+// Counts filling a panel with a gradient, and with a texture of the gradient.
 void countGradient(const std::string &name, const QPoint &end, const QSize &textureSize)
 {
     constexpr QRect panel(QPoint(0, 0), panelSize);
