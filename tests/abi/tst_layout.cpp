@@ -14,8 +14,8 @@
 #include <cstring>
 #include <type_traits>
 
-// Applications for the box are built apart from the library and read its records in place. What is
-// written here as a number is what they were compiled with.
+// Applications for the device are built apart from the library and access its objects in memory. The numbers
+// in this test are compiled into the applications, so they must not change.
 
 using namespace ovelin;
 using namespace Qt::StringLiterals;
@@ -27,7 +27,7 @@ using Message = SceneResourceTracker::Message;
 constexpr bool is32Bit = sizeof(void *) == 4;
 static_assert(is32Bit || sizeof(void *) == 8);
 
-// A number of bytes on the box, and on the machines that the library is developed on.
+// A number of bytes: 32 bits as on the device, 64 bits as on the machines of developers.
 constexpr std::size_t bytes(std::size_t on32Bit, std::size_t on64Bit)
 {
     return is32Bit ? on32Bit : on64Bit;
@@ -41,7 +41,7 @@ Value readAt(const void *record, std::size_t offset)
     return value;
 }
 
-// Takes the calls that an application's item gets.
+// Records the calls of its virtual functions.
 class Item : public QObject, public AbstractResourceOwner
 {
 public:
@@ -59,12 +59,12 @@ public:
     static inline bool destroyed = false;
 };
 
-// The places in the virtual table. The destructor takes two: one destroys, the other deletes as
-// well.
+// The indices in the virtual table. The destructor has two: one destroys the object, the other also frees its
+// memory.
 enum Slot { DestroySlot, DeleteSlot, ObjectSlot, AllowSlot, ReleaseSlot };
 
-// Calls as compiled code does: by the place in the table, the object being the only argument. To
-// the sanitizers this is a call through the wrong type.
+// Calls a virtual function as compiled code does: by its index, with the object as the only argument. The
+// sanitizers would report a call by a pointer of the wrong type.
 template<typename Result>
 __attribute__((no_sanitize("undefined"))) Result callSlot(IResourceOwner *owner, Slot slot)
 {
@@ -129,7 +129,7 @@ void tst_Layout::offsetsAndSizes_data()
     OFFSET(Message, event, 88, 172);
     SIZE(Message, 92, 176);
 
-    // What an application embeds or derives from.
+    // Types that an application has as members or derives from.
     SIZE(IResourceOwner, 4, 8);
     SIZE(AbstractResourceOwner, 12, 24);
     SIZE(SceneResourceTracker, 8, 16);
@@ -177,7 +177,7 @@ void tst_Layout::stateIsReadInPlace()
     QCOMPARE(readAt<qint32>(record, bytes(12, 20)), 2);
     QCOMPARE(readAt<qint32>(record, bytes(16, 24)), 0);
 
-    // Left, top, right, bottom: the null rectangle ends before it begins.
+    // Left, top, right, bottom: the null rectangle has right and bottom -1.
     const std::size_t geometry = bytes(20, 28);
     QCOMPARE(readAt<qint32>(record, geometry), 0);
     QCOMPARE(readAt<qint32>(record, geometry + 4), 0);
@@ -199,7 +199,7 @@ void tst_Layout::infoIsReadInPlace()
     const void *record = &tracker.resources().front();
     QCOMPARE(readAt<qint32>(record, bytes(16, 32)), -7);
     QCOMPARE(readAt<qint32>(record, bytes(20, 36)), ResourceInfo::PaintedItem);
-    // A shared pointer begins with the address that it shares.
+    // The first member of a shared pointer is the address of the object.
     QCOMPARE(readAt<ResourceOwnerState *>(record, bytes(24, 40)), state.data());
 
     tracker.unregisterResources(&item);
@@ -256,7 +256,7 @@ void tst_Layout::addresses_data()
     QTest::newRow("null") << quintptr(0) << u"0x00000000"_s;
     QTest::newRow("padded") << quintptr(0x1a2b) << u"0x00001a2b"_s;
     QTest::newRow("highest below the top bit") << quintptr(0x7ffffff8) << u"0x7ffffff8"_s;
-    // No user space of the box reaches up here; where one does, the sign shows.
+    // Programs on the device have no such addresses. On other 32-bit machines the sign is extended.
     QTest::newRow("32 bits, top bit")
         << quintptr(0x80000010) << (is32Bit ? u"0xffffffff80000010"_s : u"0x80000010"_s);
     QTest::newRow("32 bits, highest")

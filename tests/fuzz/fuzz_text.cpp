@@ -15,22 +15,21 @@
 #include <memory>
 #include <vector>
 
-// Any sequence of calls on a few text renderers. After each layout the rules that hold for every text
-// are checked, and short texts are compared with the plain formulation.
+// Calls random functions of a few text renderers. Checks after each layout the rules that hold for every
+// text, and compares short texts with the reference layout.
 
 using namespace ovelin;
 using namespace ovelin::tests;
 
 namespace {
 
-// Qt shapes such a text in three pieces. Longer ones, and longer comparisons, find nothing more and let
-// the fuzzer try fewer inputs.
+// Lengths in characters. Qt shapes a text of 10,000 characters in three pieces. Longer texts and comparisons
+// would find no more faults, and the fuzzer would try fewer inputs.
 constexpr qsizetype longestText = 10'000;
 constexpr qsizetype longestRichText = 500;
 constexpr qsizetype longestComparedText = 200;
-constexpr int comparedRounds = 500;
-// Of all layouts of an input, whose checks repeat them.
-constexpr qsizetype mostCharacters = longestText;
+constexpr int candidateBudget = 500;
+constexpr qsizetype mostCharacters = longestText; // in all layouts of one input together
 constexpr std::size_t mostRenderers = 4;
 constexpr int mostCalls = 30;
 constexpr int canvasSize = 64;
@@ -47,7 +46,7 @@ QString anyText(FuzzedDataProvider &data)
 QFont anyFont(FuzzedDataProvider &data)
 {
     QFont font(QStringLiteral("DejaVu Sans"));
-    // Each other font stays in Qt's cache for the whole run: they are few.
+    // Only a few sizes, because Qt keeps each font in its cache for the whole run.
     const int size = data.PickValueInArray({-1, 0, 1, 2, 11, 20, 27, 40, 200, 1000, 134'217'728});
     if (size == 0)
         font = fontOfZeroPixels();
@@ -70,7 +69,7 @@ QPoint anyPoint(FuzzedDataProvider &data)
     return {anyInt(data), anyInt(data)};
 }
 
-// A renderer with what cannot be asked of it.
+// A renderer and its available height, which the renderer does not return.
 class Subject
 {
 public:
@@ -82,7 +81,7 @@ public:
 private:
     void set(FuzzedDataProvider &data);
     void layOut(qsizetype &charactersLeft);
-    bool isTooMuchForQt() const;
+    bool isTooLongForQt() const;
     void compare() const;
     void paint(FuzzedDataProvider &data) const;
 
@@ -147,7 +146,7 @@ void Subject::set(FuzzedDataProvider &data)
 
 void Subject::layOut(qsizetype &charactersLeft)
 {
-    if (isTooMuchForQt() || m_renderer.text().size() > charactersLeft)
+    if (isTooLongForQt() || m_renderer.text().size() > charactersLeft)
         return;
     const bool laysOut = m_renderer.isNeedRelayout() && m_renderer.isValid();
     charactersLeft -= laysOut ? m_renderer.text().size() : 0;
@@ -158,8 +157,8 @@ void Subject::layOut(qsizetype &charactersLeft)
     requireNone(layoutViolation(m_renderer, m_availableHeight));
 }
 
-// Of a document with many images Qt's own reader takes the square of its length.
-bool Subject::isTooMuchForQt() const
+// Qt's time for a document with many images grows with the square of its length.
+bool Subject::isTooLongForQt() const
 {
     const QString text = m_renderer.text();
     const Qt::TextFormat format = m_renderer.textFormat();
@@ -180,7 +179,7 @@ void Subject::compare() const
     input.maxTextWidth = m_renderer.maxTextWidth();
     input.hyphenationEnabled = m_renderer.hyphenationEnabled();
     input.format = m_renderer.textFormat();
-    const ReferenceLayout expected = countableReferenceLayout(input, comparedRounds);
+    const ReferenceLayout expected = referenceLayoutAtAnyLimit(input, candidateBudget);
     if (expected.ended)
         requireNone(referenceViolation(m_renderer, expected));
 }

@@ -2,15 +2,15 @@
 
 #include "resources/trackermodel.h"
 
-// Any sequence of calls on two trackers and a few items, and any calls from inside their slots, of items
-// that are being destroyed too. Everything is as in the model, which keeps the trackers' rules.
+// Makes random calls of two trackers and a few items, also from re-entrant slots and by items that are being
+// destroyed. Compares the trackers with a model of their rules after each call.
 
 using namespace ovelin;
 using namespace ovelin::tests;
 
 namespace {
 
-constexpr int highestId = 7; // few, so that calls meet
+constexpr int highestId = 7; // low, so that several calls use the same id
 constexpr int highestNumber = 35;
 constexpr int mostSteps = 300;
 constexpr int mostReactions = 20;
@@ -42,14 +42,14 @@ Reactions anyReactions(FuzzedDataProvider &data, TrackerStep::Kind last)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     FuzzedDataProvider data(bytes, size);
-    const bool callsBack = data.ConsumeBool();
+    const bool hasReactions = data.ConsumeBool();
     const bool writesIntoStates = data.ConsumeBool();
     const auto last = writesIntoStates ? TrackerStep::last : TrackerStep::lastThatKeepsRules;
     TrackerModel model;
     TrackerSubject subject;
     for (int steps = 0; steps < mostSteps && data.remaining_bytes() > 0; ++steps) {
         const TrackerStep step = anyStep(data, last);
-        model.apply(step, callsBack ? anyReactions(data, last) : Reactions());
+        model.apply(step, hasReactions ? anyReactions(data, last) : Reactions());
         requireNone(subject.run(model));
         requireNone(model.violation());
     }

@@ -29,17 +29,17 @@ void requireNone(const QString &violation)
     std::abort();
 }
 
-// The application lives until the process ends, as the fuzzer leaves by exit().
+// The fuzzer leaves by exit(), so the application is never destroyed before.
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Qt warns of what it refuses, and much here is to be refused.
+    // Qt would log a warning for each of the many invalid values.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     static QGuiApplication application(*argc, *argv);
     return 0;
 }
 
-// What Fontconfig keeps at the end is not ours.
+// Fontconfig does not free all of its memory.
 extern "C" const char *__lsan_default_suppressions()
 {
     return "leak:libfontconfig\n";

@@ -5,12 +5,10 @@
 
 #include <QString>
 
-// What the fuzzers share.
-
-// Any integer; those at the edges, and the usual ones, more often.
+// Returns any integer; the limits of int and common values more often.
 int anyInt(FuzzedDataProvider &data);
 
-// Ends the run, as a crash does, when a rule is broken.
+// Aborts the process, which the fuzzer reports, if the violation is not empty.
 void requireNone(const QString &violation);
 
 #endif

@@ -57,7 +57,7 @@ QImage paintedByHand(const QBrush &brush, const QSize &size)
     return image;
 }
 
-// Pixmaps of a screen with fewer bits a pixel have fewer bits too.
+// A pixmap has as many bits a pixel as the screen.
 int channelTolerance()
 {
     constexpr int roundingOfOneStep = 2;
@@ -126,19 +126,19 @@ private Q_SLOTS:
     void textureHoldsTheGradient_data();
     void textureHoldsTheGradient();
     void gradientCoordinatesAreTexels();
-    void texelsAreTrulyTransparent_data();
-    void texelsAreTrulyTransparent();
-    void transparentTexelsShowTheGround();
+    void transparentGradientGivesTransparentTexels_data();
+    void transparentGradientGivesTransparentTexels();
+    void transparentTexelsShowTheBackground();
     void opaqueGradientGivesOpaqueTexels();
     void texturesDoNotShareTheirPixels();
     void brushTilesItsTexture();
 
-    void uselessSizesGiveNothing_data();
-    void uselessSizesGiveNothing();
-    void uselessLengthsGiveNothing_data();
-    void uselessLengthsGiveNothing();
-    void sizesBeyondMemoryDoNoHarm_data();
-    void sizesBeyondMemoryDoNoHarm();
+    void emptySizesGiveNoTexture_data();
+    void emptySizesGiveNoTexture();
+    void lengthsBelowOneGiveNoTexture_data();
+    void lengthsBelowOneGiveNoTexture();
+    void sizesBeyondMemoryGiveNoTexture_data();
+    void sizesBeyondMemoryGiveNoTexture();
 };
 
 void tst_Brushes::init()
@@ -402,7 +402,7 @@ void tst_Brushes::gradientCoordinatesAreTexels()
     }
 }
 
-void tst_Brushes::texelsAreTrulyTransparent_data()
+void tst_Brushes::transparentGradientGivesTransparentTexels_data()
 {
     QTest::addColumn<QSize>("size");
 
@@ -412,7 +412,7 @@ void tst_Brushes::texelsAreTrulyTransparent_data()
     QTest::newRow("tall") << QSize(5, 64);
 }
 
-void tst_Brushes::texelsAreTrulyTransparent()
+void tst_Brushes::transparentGradientGivesTransparentTexels()
 {
     QFETCH(const QSize, size);
 
@@ -431,7 +431,7 @@ void tst_Brushes::texelsAreTrulyTransparent()
     }
 }
 
-void tst_Brushes::transparentTexelsShowTheGround()
+void tst_Brushes::transparentTexelsShowTheBackground()
 {
     // The gradient is opaque up to the middle of the texture and transparent after it.
     QLinearGradient gradient(QPointF(0, 0), QPointF(16, 0));
@@ -497,7 +497,7 @@ void tst_Brushes::brushTilesItsTexture()
     COMPARE_IMAGES(canvas, expected);
 }
 
-void tst_Brushes::uselessSizesGiveNothing_data()
+void tst_Brushes::emptySizesGiveNoTexture_data()
 {
     QTest::addColumn<QSize>("size");
 
@@ -511,7 +511,7 @@ void tst_Brushes::uselessSizesGiveNothing_data()
     QTest::newRow("least") << QSize(minInt, minInt);
 }
 
-void tst_Brushes::uselessSizesGiveNothing()
+void tst_Brushes::emptySizesGiveNoTexture()
 {
     QFETCH(const QSize, size);
 
@@ -534,7 +534,7 @@ void tst_Brushes::uselessSizesGiveNothing()
     QCOMPARE(canvas, blank(QSize(8, 8), Qt::green));
 }
 
-void tst_Brushes::uselessLengthsGiveNothing_data()
+void tst_Brushes::lengthsBelowOneGiveNoTexture_data()
 {
     QTest::addColumn<int>("length");
 
@@ -543,7 +543,7 @@ void tst_Brushes::uselessLengthsGiveNothing_data()
     QTest::newRow("least") << minInt;
 }
 
-void tst_Brushes::uselessLengthsGiveNothing()
+void tst_Brushes::lengthsBelowOneGiveNoTexture()
 {
     QFETCH(const int, length);
 
@@ -553,7 +553,7 @@ void tst_Brushes::uselessLengthsGiveNothing()
     QCOMPARE(brush.style(), Qt::NoBrush);
 }
 
-void tst_Brushes::sizesBeyondMemoryDoNoHarm_data()
+void tst_Brushes::sizesBeyondMemoryGiveNoTexture_data()
 {
     QTest::addColumn<QSize>("size");
 
@@ -563,7 +563,7 @@ void tst_Brushes::sizesBeyondMemoryDoNoHarm_data()
     QTest::newRow("more than a row can have") << QSize(1 << 29, 2);
 }
 
-void tst_Brushes::sizesBeyondMemoryDoNoHarm()
+void tst_Brushes::sizesBeyondMemoryGiveNoTexture()
 {
     QFETCH(const QSize, size);
     const QLinearGradient gradient = gradientBetween({0, 0}, {9, 9}, Qt::red, Qt::blue);

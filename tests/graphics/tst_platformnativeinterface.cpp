@@ -46,7 +46,7 @@ void paintNothing(QPainter &) {}
 
 } // namespace
 
-// Runs on the tests' own platform with any of its functions, and on platforms without these
+// Runs on the platform of the tests with any of its functions, and on platforms without these
 // functions.
 class tst_PlatformNativeInterface : public QObject
 {
@@ -59,9 +59,9 @@ private Q_SLOTS:
 
     void runsOnTheChosenPlatform();
     void installedInstanceIsWhatWasSet();
-    void installingTakesNoOwnership();
+    void installingDoesNotTakeOwnership();
 
-    void availabilityIsThatOfCreateTiledPixmap();
+    void isAvailableIfThePlatformHasCreateTiledPixmap();
     void createTiledPixmapForwardsOrGivesNull();
     void createTiledPixmapLeavesPaintingToThePlatform();
     void createTiledPixmapPassesAnEmptyFunction();
@@ -70,13 +70,13 @@ private Q_SLOTS:
     void initCallsCreateTiledBuffer();
 
     void looksUpEachFunctionOnceByItsName();
-    void staysAsItWasConstructed_data();
-    void staysAsItWasConstructed();
+    void keepsTheFunctionsOfItsConstruction_data();
+    void keepsTheFunctionsOfItsConstruction();
     void keepsTheNativeInterfaceOfItsConstruction();
-    void initTakesTheNativeInterfaceOfTheMoment();
+    void initUsesThePresentNativeInterface();
     void findsNothingWithoutANativeInterface();
     void findsNothingBeforeThePlatformIsLoaded();
-    void copiesForwardToo();
+    void copiesCallTheSameFunctions();
 
 private:
     bool offers(const char *name) const { return m_platform && m_platform->offered.contains(name); }
@@ -139,7 +139,7 @@ void tst_PlatformNativeInterface::installedInstanceIsWhatWasSet()
 }
 
 // The instance is not on the heap: deleting it would crash.
-void tst_PlatformNativeInterface::installingTakesNoOwnership()
+void tst_PlatformNativeInterface::installingDoesNotTakeOwnership()
 {
     const PlatformNativeInterface replacement;
     PlatformNativeInterface interface;
@@ -151,7 +151,7 @@ void tst_PlatformNativeInterface::installingTakesNoOwnership()
              !interface.isTiledPixmapAvailable());
 }
 
-void tst_PlatformNativeInterface::availabilityIsThatOfCreateTiledPixmap()
+void tst_PlatformNativeInterface::isAvailableIfThePlatformHasCreateTiledPixmap()
 {
     const PlatformNativeInterface interface;
     QCOMPARE(interface.isTiledPixmapAvailable(), offers(createTiledPixmapName));
@@ -296,7 +296,7 @@ void tst_PlatformNativeInterface::initCallsCreateTiledBuffer()
 void tst_PlatformNativeInterface::looksUpEachFunctionOnceByItsName()
 {
     if (!m_platform)
-        QSKIP("Only the tests' own platform tells what it is asked for");
+        QSKIP("Only the platform of the tests records look-ups.");
 
     const PlatformNativeInterface interface;
     QCOMPARE(m_platform->lookups, (QList<QByteArray>{createTiledPixmapName, setupPainterName}));
@@ -313,7 +313,7 @@ void tst_PlatformNativeInterface::looksUpEachFunctionOnceByItsName()
     QCOMPARE(m_platform->lookups, QList<QByteArray>{createTiledBufferName});
 }
 
-void tst_PlatformNativeInterface::staysAsItWasConstructed_data()
+void tst_PlatformNativeInterface::keepsTheFunctionsOfItsConstruction_data()
 {
     QTest::addColumn<QList<QByteArray>>("offeredLater");
 
@@ -322,11 +322,11 @@ void tst_PlatformNativeInterface::staysAsItWasConstructed_data()
                                                      createTiledBufferName};
 }
 
-void tst_PlatformNativeInterface::staysAsItWasConstructed()
+void tst_PlatformNativeInterface::keepsTheFunctionsOfItsConstruction()
 {
     QFETCH(const QList<QByteArray>, offeredLater);
     if (!m_platform)
-        QSKIP("Only the tests' own platform changes what it offers");
+        QSKIP("Only the platform of the tests can change its functions.");
 
     const PlatformNativeInterface interface;
     m_platform->offered = offeredLater;
@@ -350,7 +350,7 @@ void tst_PlatformNativeInterface::staysAsItWasConstructed()
 void tst_PlatformNativeInterface::keepsTheNativeInterfaceOfItsConstruction()
 {
     if (!m_platform)
-        QSKIP("Only the tests' own platform changes its native interface");
+        QSKIP("Only the platform of the tests can change its native interface.");
 
     const PlatformNativeInterface interface;
     m_platform->nativeInterface = m_platform->nativeInterfaces[1];
@@ -367,10 +367,10 @@ void tst_PlatformNativeInterface::keepsTheNativeInterfaceOfItsConstruction()
         QCOMPARE(call.nativeInterface, m_platform->nativeInterfaces[0]);
 }
 
-void tst_PlatformNativeInterface::initTakesTheNativeInterfaceOfTheMoment()
+void tst_PlatformNativeInterface::initUsesThePresentNativeInterface()
 {
     if (!m_platform)
-        QSKIP("Only the tests' own platform changes its native interface");
+        QSKIP("Only the platform of the tests can change its native interface.");
 
     QList<QPlatformNativeInterface *> expected;
     for (QPlatformNativeInterface *current : m_platform->nativeInterfaces) {
@@ -385,7 +385,7 @@ void tst_PlatformNativeInterface::initTakesTheNativeInterfaceOfTheMoment()
 void tst_PlatformNativeInterface::findsNothingWithoutANativeInterface()
 {
     if (!m_platform)
-        QSKIP("Only the tests' own platform can do without a native interface");
+        QSKIP("Only the platform of the tests can have no native interface.");
 
     m_platform->nativeInterface = nullptr;
     const PlatformNativeInterface interface;
@@ -415,7 +415,7 @@ void tst_PlatformNativeInterface::findsNothingBeforeThePlatformIsLoaded()
 }
 
 // The stored functions do not depend on the instance that created them.
-void tst_PlatformNativeInterface::copiesForwardToo()
+void tst_PlatformNativeInterface::copiesCallTheSameFunctions()
 {
     auto original = std::make_unique<PlatformNativeInterface>();
     const PlatformNativeInterface copy(*original);

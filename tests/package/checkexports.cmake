@@ -4,8 +4,7 @@
 
 cmake_minimum_required(VERSION 3.24)
 
-# Brackets, as in an ABI tag, would spoil a list of CMake's. Not every demangler puts a blank between
-# those that close templates.
+# CMake's lists cannot have the square brackets of ABI tags. Some demanglers write "> >", others ">>".
 function(split_lines result text)
     string(REPLACE "[" "<" text "${text}")
     string(REPLACE "]" ">" text "${text}")
@@ -25,7 +24,7 @@ file(READ ${RECORDED} recorded)
 split_lines(recorded "${recorded}")
 
 set(ours "^(vtable for |typeinfo for |typeinfo name for )?ovelin::")
-# The linker's own, and the address sanitizer's.
+# Symbols of the linker and of the address sanitizer.
 set(marks "^(__bss_start|_edata|_end|_init|_fini|_fbss|_fdata|_ftext)$|^__odr_asan")
 
 set(exported "")
@@ -33,14 +32,14 @@ foreach(symbol IN LISTS symbols)
     # "address type name"
     string(REGEX REPLACE "^[0-9a-f]+ ([A-Za-z]) (.*)" "\\1" type "${symbol}")
     string(REGEX REPLACE "^[0-9a-f]+ ([A-Za-z]) (.*)" "\\2" name "${symbol}")
-    # Templates and inline functions of Qt's and the standard library's headers are weak symbols of
-    # whoever uses them; a build that does not optimise is full of them.
+    # A build without optimisation has weak symbols for the inline functions and templates of Qt's headers
+    # and of the standard library. They do not count.
     if(name MATCHES "${ours}" OR NOT (type MATCHES "[VWu]" OR name MATCHES "${marks}"))
         list(APPEND exported "${name}")
     endif()
 endforeach()
 
-# Each form of a constructor and of a destructor is a symbol of its own: complete object, base object.
+# A constructor or destructor has several symbols with the same name, so each name is removed only once.
 set(faults "")
 foreach(name IN LISTS exported)
     list(FIND recorded "${name}" place)
@@ -56,5 +55,5 @@ endforeach()
 
 if(faults)
     list(JOIN faults "\n  " faults)
-    message(FATAL_ERROR "${LIBRARY}\n  ${faults}\n\"./dev abi --update\" records what is meant.")
+    message(FATAL_ERROR "${LIBRARY}\n  ${faults}\nIf the change is intended: ./dev abi --update")
 endif()

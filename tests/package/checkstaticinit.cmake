@@ -1,8 +1,7 @@
 # cmake -D NM=... -D OBJECTS=...|... -P checkstaticinit.cmake
 #
-# Fails if loading the library runs a static initialiser of another module than the text module. Fails
-# also if the text module has none: then compilers name these functions in another way than this test
-# expects.
+# Fails if an object outside of the text module has a static initialiser. Fails also if the text module has
+# none: then the compiler gives static initialisers other names than this test expects.
 
 cmake_minimum_required(VERSION 3.24)
 
@@ -15,7 +14,7 @@ foreach(object IN LISTS objects)
         OUTPUT_VARIABLE symbols
         COMMAND_ERROR_IS_FATAL ANY
     )
-    # Sanitizers and coverage have initialisers of their own, which begin with "_sub_I_" or "asan.".
+    # Initialisers of sanitizers and of coverage have names with "_sub_I_" or "asan.", without "_GLOBAL_".
     if(NOT symbols MATCHES " _GLOBAL__sub_I_")
         continue()
     endif()

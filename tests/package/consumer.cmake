@@ -1,14 +1,14 @@
-# What the tests of the package share. The script that includes it is run with
+# Functions for the tests of the package. The script that includes this file is run with
 #
-#   -D SETTINGS=file   how this build was made, see settings.cmake.in
-#   -D FOLDER=folder   where to work; emptied first
+#   -D SETTINGS=file   the settings of this build, see settings.cmake.in
+#   -D FOLDER=folder   the folder to work in, which is emptied first
 
 include(${SETTINGS})
 
 file(REMOVE_RECURSE ${FOLDER})
 file(MAKE_DIRECTORY ${FOLDER})
 
-# What is expected of the example, which the consumers are.
+# The output of examples/card.
 set(expected_output "card.png: 1 resource, allowed, text elided\n")
 
 function(execute)
@@ -17,7 +17,7 @@ endfunction()
 
 # build_project(<source> <tree> [-D...])
 #
-# Configures a project as this build was, and builds it.
+# Configures a project with the settings of this build, and builds it.
 function(build_project source tree)
     execute(${CMAKE_COMMAND} -C ${SETTINGS} -G ${GENERATOR} -S ${source} -B ${tree} ${ARGN})
     execute(${CMAKE_COMMAND} --build ${tree} --config ${CMAKE_BUILD_TYPE})
@@ -25,11 +25,11 @@ endfunction()
 
 # build_consumer(<source> <tree> <prefix>)
 #
-# Builds a project that is to find the ovelin in the prefix.
+# Builds a project. Fails unless CMake finds ovelin in the prefix.
 function(build_consumer source tree prefix)
     set(arguments "-DCMAKE_PREFIX_PATH=${prefix};${CMAKE_PREFIX_PATH}")
     if(CMAKE_TOOLCHAIN_FILE)
-        # A tool chain has packages looked for in its own folders alone.
+        # With a toolchain file CMake looks for packages only in the folders of the toolchain.
         set(arguments "-DOvelin_DIR=${prefix}/${LIBRARY_FOLDER}/cmake/Ovelin")
     endif()
     build_project(${source} ${tree} "${arguments}")
@@ -43,7 +43,7 @@ endfunction()
 
 # run_card(<program>)
 #
-# Fails unless the example says and draws what it should.
+# Fails unless the program prints the expected output and draws a picture.
 function(run_card program)
     file(REMOVE ${FOLDER}/card.png)
     execute_process(

@@ -1,9 +1,9 @@
-# Installs the ovelin that was built in TREE, moves what was installed, and lets the CONSUMER, "cmake"
-# or "pkgconfig", build the example with it at both places.
+# Installs ovelin from the build tree TREE. CONSUMER, "cmake" or "pkgconfig", builds examples/card with the
+# installed files. Then the files are moved, and CONSUMER builds the example again.
 
 include(${CMAKE_CURRENT_LIST_DIR}/consumer.cmake)
 
-# Fails if a file below the prefix names the prefix, the sources or the tree.
+# Fails if an installed file contains the path of the prefix, the sources or the build tree.
 function(check_relocatable prefix)
     file(GLOB_RECURSE files LIST_DIRECTORIES FALSE "${prefix}/*")
     if(NOT files)
@@ -35,11 +35,11 @@ function(consume_by_pkgconfig prefix tree)
         COMMAND_ERROR_IS_FATAL ANY
     )
     separate_arguments(options UNIX_COMMAND "${options}")
-    # Only ovelin's own headers are known to please every warning.
+    # Without this build's warnings: Qt's headers would cause some.
     separate_arguments(flags UNIX_COMMAND "${CMAKE_CXX_FLAGS}")
     list(FILTER flags EXCLUDE REGEX "^-W")
     file(MAKE_DIRECTORY ${tree})
-    # Qt wants position independent code.
+    # Qt requires position independent code.
     execute(${CMAKE_CXX_COMPILER} ${flags} -std=c++20 -fPIC ${OVELIN_SOURCE}/examples/card/main.cpp
         ${options} "-Wl,-rpath,${prefix}/${LIBRARY_FOLDER}:${QT_LIBRARY_FOLDER}" -o ${tree}/card
     )
@@ -50,7 +50,7 @@ set(prefix "${FOLDER}/a prefix")
 set(new_prefix "${FOLDER}/another prefix")
 
 execute(${CMAKE_COMMAND} --install ${TREE} --strip --prefix ${prefix})
-# Instrumented code tells where its sources are.
+# Instrumented code contains the paths of its sources.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|-fprofile|--coverage")
     check_relocatable(${prefix})
 endif()

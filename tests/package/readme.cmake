@@ -1,5 +1,5 @@
-# Follows the README: installs ovelin from TREE, takes the program and its CMakeLists.txt from the README,
-# builds it and runs it.
+# Follows the README: installs ovelin from the build tree TREE, takes main.cpp and CMakeLists.txt from the
+# README, builds the program and runs it.
 
 include(${CMAKE_CURRENT_LIST_DIR}/consumer.cmake)
 

@@ -2,7 +2,7 @@
 
 include(${CMAKE_CURRENT_LIST_DIR}/consumer.cmake)
 
-# Not stripped when it is installed, a static library with debug information would name its sources.
+# A Release build has no debug information, which would contain the paths of the sources.
 build_project(${OVELIN_SOURCE} ${FOLDER}
     -D BUILD_SHARED_LIBS=OFF
     -D CMAKE_BUILD_TYPE=Release

@@ -1,4 +1,4 @@
-# Builds the example with ovelin as a part of its own build, by METHOD: "add_subdirectory" or
+# Builds examples/card in a project that has ovelin as a subproject. METHOD is "add_subdirectory" or
 # "FetchContent".
 
 include(${CMAKE_CURRENT_LIST_DIR}/consumer.cmake)

@@ -15,7 +15,7 @@
 namespace ovelin::tests {
 
 // A few items use two trackers. At most one tracker is installed. Each item has a place, which a
-// new item takes when the item is destroyed.
+// new item takes when the item is destroyed. An item is dying while its destructor runs.
 constexpr int trackerCount = 2;
 constexpr int placeCount = 3;
 

@@ -79,7 +79,7 @@ private Q_SLOTS:
     void eachCallReadsTheInstalledTracker();
 
     // unregistering
-    void unregisteringDropsTheStateAtTheLast();
+    void unregisteringTheLastResourceDropsTheState();
     void unregisteringUnknownKeepsTheState();
     void unregisteringUnknownDropsAnEmptyState();
     void unregisteringDropsAnEmptyStateThoughTheTrackerHasAnother();
@@ -95,17 +95,17 @@ private Q_SLOTS:
     void isAllowedAfterTheApplicationAllowsIt();
 
     // destruction
-    void destroyedUnregistered();
+    void destroyedWithoutRegistration();
     void leavesTheTrackerWhenDestroyed_data();
     void leavesTheTrackerWhenDestroyed();
     void destructionEmitsSignals();
     void destructionEmitsSignalsWithTheLog();
     void dyingItemIsDescribedWithoutNames();
-    void destroyedWithItsObjectGone();
-    void dyingItemIsOutOfReachForSlots_data();
-    void dyingItemIsOutOfReachForSlots();
-    void dyingItemIsOutOfReachInEveryTracker_data();
-    void dyingItemIsOutOfReachInEveryTracker();
+    void destroyedAfterItsQObject();
+    void slotsCannotReachADyingItem_data();
+    void slotsCannotReachADyingItem();
+    void slotsCannotReachADyingItemInAnyTracker_data();
+    void slotsCannotReachADyingItemInAnyTracker();
     void destructionKeepsCountAndStatus();
     void destroyedAfterTheTrackerWasUninstalled();
     void destroyedAfterTheTrackerWasReplaced();
@@ -114,12 +114,12 @@ private Q_SLOTS:
     void destroyedAfterOneOfItsTrackers();
     void destroyedAfterItsTracker();
     void destroyedAfterTheTrackerWasCleared();
-    void destroyedAfterTheStateLostIt_data();
-    void destroyedAfterTheStateLostIt();
-    void destroyedWithEntriesOfNoCount();
+    void destroyedAfterTheStateLostItsOwner_data();
+    void destroyedAfterTheStateLostItsOwner();
+    void destroyedWithEntriesAndACountOfZero();
     void destroyedWithoutEntries();
     void destroyedWhileRegistrationIsBlocked();
-    void destructionLeavesOtherItemsAlone();
+    void destructionKeepsOtherItems();
     void dyingItemCannotRegister_data();
     void dyingItemCannotRegister();
     void dyingItemMayUnregister_data();
@@ -370,7 +370,7 @@ void tst_AbstractResourceOwner::eachCallReadsTheInstalledTracker()
     QCOMPARE(firstState->resourceCount, 1);
 }
 
-void tst_AbstractResourceOwner::unregisteringDropsTheStateAtTheLast()
+void tst_AbstractResourceOwner::unregisteringTheLastResourceDropsTheState()
 {
     const InstalledTracker tracker;
     Item item;
@@ -566,7 +566,7 @@ void tst_AbstractResourceOwner::isAllowedAfterTheApplicationAllowsIt()
     QVERIFY(item.isResourcesAllowed());
 }
 
-void tst_AbstractResourceOwner::destroyedUnregistered()
+void tst_AbstractResourceOwner::destroyedWithoutRegistration()
 {
     InstalledTracker tracker;
     tracker.setMessagesEnabled(true);
@@ -684,7 +684,7 @@ void tst_AbstractResourceOwner::dyingItemIsDescribedWithoutNames()
     QCOMPARE(messages.at(1).source, u"file:///poster.png"_s);
 }
 
-void tst_AbstractResourceOwner::destroyedWithItsObjectGone()
+void tst_AbstractResourceOwner::destroyedAfterItsQObject()
 {
     InstalledTracker tracker;
     tracker.setMessagesEnabled(true);
@@ -713,12 +713,12 @@ void addSignalRows()
 
 } // namespace
 
-void tst_AbstractResourceOwner::dyingItemIsOutOfReachForSlots_data()
+void tst_AbstractResourceOwner::slotsCannotReachADyingItem_data()
 {
     addSignalRows();
 }
 
-void tst_AbstractResourceOwner::dyingItemIsOutOfReachForSlots()
+void tst_AbstractResourceOwner::slotsCannotReachADyingItem()
 {
     QFETCH(const Signal, signal);
     InstalledTracker tracker;
@@ -747,12 +747,12 @@ void tst_AbstractResourceOwner::dyingItemIsOutOfReachForSlots()
     QVERIFY(tracker.owners().empty());
 }
 
-void tst_AbstractResourceOwner::dyingItemIsOutOfReachInEveryTracker_data()
+void tst_AbstractResourceOwner::slotsCannotReachADyingItemInAnyTracker_data()
 {
     addSignalRows();
 }
 
-void tst_AbstractResourceOwner::dyingItemIsOutOfReachInEveryTracker()
+void tst_AbstractResourceOwner::slotsCannotReachADyingItemInAnyTracker()
 {
     QFETCH(const Signal, signal);
     std::array<SceneResourceTracker, 2> trackers;
@@ -921,7 +921,7 @@ void tst_AbstractResourceOwner::destroyedAfterTheTrackerWasCleared()
     QCOMPARE(recorder.emissions, QStringList());
 }
 
-void tst_AbstractResourceOwner::destroyedAfterTheStateLostIt_data()
+void tst_AbstractResourceOwner::destroyedAfterTheStateLostItsOwner_data()
 {
     QTest::addColumn<bool>("held");
 
@@ -929,7 +929,7 @@ void tst_AbstractResourceOwner::destroyedAfterTheStateLostIt_data()
     QTest::newRow("which only the tracker held") << false;
 }
 
-void tst_AbstractResourceOwner::destroyedAfterTheStateLostIt()
+void tst_AbstractResourceOwner::destroyedAfterTheStateLostItsOwner()
 {
     QFETCH(const bool, held);
     InstalledTracker tracker;
@@ -947,7 +947,7 @@ void tst_AbstractResourceOwner::destroyedAfterTheStateLostIt()
     verifyForgotten(tracker, address);
 }
 
-void tst_AbstractResourceOwner::destroyedWithEntriesOfNoCount()
+void tst_AbstractResourceOwner::destroyedWithEntriesAndACountOfZero()
 {
     const InstalledTracker tracker;
     auto item = std::make_unique<Item>();
@@ -994,7 +994,7 @@ void tst_AbstractResourceOwner::destroyedWhileRegistrationIsBlocked()
     QVERIFY(tracker.isRegistrationBlocked());
 }
 
-void tst_AbstractResourceOwner::destructionLeavesOtherItemsAlone()
+void tst_AbstractResourceOwner::destructionKeepsOtherItems()
 {
     InstalledTracker tracker;
     tracker.setMessagesEnabled(true);

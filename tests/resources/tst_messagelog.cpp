@@ -188,7 +188,7 @@ private Q_SLOTS:
     void updatedMessageShowsTheUpdate();
     void showsTheIdentifier_data();
     void showsTheIdentifier();
-    void addressOfTheObjectNotOfTheOwner();
+    void showsTheAddressOfTheObjectNotOfTheOwner();
     void addressText_data();
     void addressText();
     void addressIsWidenedWithItsSign_data();
@@ -211,8 +211,8 @@ private Q_SLOTS:
     void slotMayAddAtTheCap();
     void slotMayClearAtTheCap();
     void copiesAreShared();
-    void copiesStayAsTheyWere_data();
-    void copiesStayAsTheyWere();
+    void copiesDoNotChange_data();
+    void copiesDoNotChange();
     void clearingEmitsNothing();
     void clearingAnEmptyLogDoesNothing();
     void clearingKeepsTheLogEnabled();
@@ -618,7 +618,7 @@ void tst_MessageLog::showsTheIdentifier()
     QCOMPARE(messageIds(*m_tracker), (QList<int>{id, id}));
 }
 
-void tst_MessageLog::addressOfTheObjectNotOfTheOwner()
+void tst_MessageLog::showsTheAddressOfTheObjectNotOfTheOwner()
 {
     Poster poster;
     const IResourceOwner *owner = &poster;
@@ -975,7 +975,7 @@ void tst_MessageLog::copiesAreShared()
     QVERIFY(first.isSharedWith(second));
 }
 
-void tst_MessageLog::copiesStayAsTheyWere_data()
+void tst_MessageLog::copiesDoNotChange_data()
 {
     QTest::addColumn<Operation>("change");
     QTest::addColumn<int>("remaining");
@@ -992,7 +992,7 @@ void tst_MessageLog::copiesStayAsTheyWere_data()
         << 3;
 }
 
-void tst_MessageLog::copiesStayAsTheyWere()
+void tst_MessageLog::copiesDoNotChange()
 {
     QFETCH(const Operation, change);
     PlainOwner owner;

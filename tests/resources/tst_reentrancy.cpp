@@ -47,7 +47,7 @@ public:
 
     void onlyOnce() { m_limit = 1; }
     int calls() const { return m_calls; }
-    bool isEndless() const { return m_calls == manyCalls; }
+    bool reachedLimit() const { return m_calls == manyCalls; }
 
 private:
     QObject m_context;
@@ -153,7 +153,7 @@ struct Scene
             return u"owners announced: "_s + recorder.names().join(u' ');
         if (ledger.count(Message::Registered) - ledger.count(Message::Unregistered)
             != int(tracker.resources().size()))
-            return u"entries told of: %1 registered, %2 unregistered, %3 left"_s.arg(
+            return u"entries expectedIds of: %1 registered, %2 unregistered, %3 left"_s.arg(
                 QString::number(ledger.count(Message::Registered)),
                 QString::number(ledger.count(Message::Unregistered)),
                 QString::number(tracker.resources().size()));
@@ -427,13 +427,13 @@ private Q_SLOTS:
     void unregistersAnOwnerOnceFromItsOwnMessage();
     void slotMayUnregisterNeighbours_data();
     void slotMayUnregisterNeighbours();
-    void slotMayUnregisterOneOfAll();
-    void slotMayUnregisterOneOfMany_data();
-    void slotMayUnregisterOneOfMany();
+    void slotMayUnregisterAnotherOwner();
+    void slotMayUnregisterAnotherOwnerInAWalkOfAnyLength_data();
+    void slotMayUnregisterAnotherOwnerInAWalkOfAnyLength();
     void slotMayUnregisterAllInsteadOfOne();
     void lastOwnerIsAnnouncedOnce();
-    void keepsWhatASlotRegistersWhileAllIsUnregistered_data();
-    void keepsWhatASlotRegistersWhileAllIsUnregistered();
+    void keepsEntriesOfSlotsWhileAllIsUnregistered_data();
+    void keepsEntriesOfSlotsWhileAllIsUnregistered();
     void keepsAnIdRegisteredAnewWhileAllIsUnregistered();
     void keepsAnIdRegisteredAnewWhileOneIsUnregistered_data();
     void keepsAnIdRegisteredAnewWhileOneIsUnregistered();
@@ -441,32 +441,32 @@ private Q_SLOTS:
     void countsOnlyEntriesWithTheNewState();
     void keepsAnOwnerRegisteredAnewAfterItLeft_data();
     void keepsAnOwnerRegisteredAnewAfterItLeft();
-    void endsThoughEachSignalRegisters_data();
-    void endsThoughEachSignalRegisters();
+    void returnsAlthoughEachSignalRegisters_data();
+    void returnsAlthoughEachSignalRegisters();
     void slotMayClearWhileAllIsUnregistered();
     void slotMayDisableTheLog();
 
     // registering
     void slotMayUnregisterTheNewEntry();
     void slotMayUnregisterTheUpdatedEntry();
-    void recordOfARemovedEntry_data();
-    void recordOfARemovedEntry();
+    void registersARecordWhoseEntryIsRemoved_data();
+    void registersARecordWhoseEntryIsRemoved();
     void registeringWithinARegistration();
     void knownOwnerIsNotAnnouncedForAnother();
     void newOwnerIsAnnouncedThoughAnotherLeaves();
     void changeIsAnnouncedThoughTheSizeIsTheSame();
 
     // statuses
-    void statusSkipsErasedEntries_data();
-    void statusSkipsErasedEntries();
-    void statusEndsWhereEverythingIsGone_data();
-    void statusEndsWhereEverythingIsGone();
-    void statusEndsThoughEachMessageRegisters_data();
-    void statusEndsThoughEachMessageRegisters();
-    void statusOfADestroyedOwner();
-    void statusWithinAStatus();
-    void statusByAReferenceIntoTheTracker_data();
-    void statusByAReferenceIntoTheTracker();
+    void setStatusSkipsRemovedEntries_data();
+    void setStatusSkipsRemovedEntries();
+    void setStatusStopsWhenNoEntryIsLeft_data();
+    void setStatusStopsWhenNoEntryIsLeft();
+    void setStatusReturnsAlthoughEachMessageRegisters_data();
+    void setStatusReturnsAlthoughEachMessageRegisters();
+    void setStatusStopsWhenTheOwnerIsDestroyed();
+    void setStatusInASlotOfSetStatus();
+    void setStatusTakesAReferenceIntoTheTracker_data();
+    void setStatusTakesAReferenceIntoTheTracker();
 
     // decisions
     void decisionMayDestroyItsOwner_data();
@@ -481,8 +481,8 @@ private Q_SLOTS:
     // items
     void itemUnregistersAllWhileUnregisteringOne_data();
     void itemUnregistersAllWhileUnregisteringOne();
-    void itemKeepsWhatItRegistersWhileUnregistering_data();
-    void itemKeepsWhatItRegistersWhileUnregistering();
+    void itemKeepsEntriesRegisteredWhileUnregistering_data();
+    void itemKeepsEntriesRegisteredWhileUnregistering();
     void itemHoldsTheStateOfTheTracker();
     void itemDestroyedByTheSlotOfItsRegistration_data();
     void itemDestroyedByTheSlotOfItsRegistration();
@@ -490,8 +490,8 @@ private Q_SLOTS:
     void itemDestroyedWhileItIsUnregistered();
     void itemWithoutStateDestroyedWhileItIsUnregistered_data();
     void itemWithoutStateDestroyedWhileItIsUnregistered();
-    void itemDestroyedByTheSlotOfAnothersDeath_data();
-    void itemDestroyedByTheSlotOfAnothersDeath();
+    void slotOfADestructionMayDestroyAnotherItem_data();
+    void slotOfADestructionMayDestroyAnotherItem();
 };
 
 void tst_Reentrancy::cleanup()
@@ -520,7 +520,7 @@ void tst_Reentrancy::everyReactionToEverySignal()
 
             operation->run(scene);
 
-            QVERIFY2(!reaction.isEndless(), callback.name);
+            QVERIFY2(!reaction.reachedLimit(), callback.name);
             QVERIFY2(scene.violation().isEmpty(),
                      qPrintable(QLatin1StringView(callback.name) + u": "_s + scene.violation()));
             if (callback.keepsBalance)
@@ -643,7 +643,7 @@ void tst_Reentrancy::slotMayUnregisterNeighbours()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::slotMayUnregisterOneOfAll()
+void tst_Reentrancy::slotMayUnregisterAnotherOwner()
 {
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
@@ -659,7 +659,7 @@ void tst_Reentrancy::slotMayUnregisterOneOfAll()
     QVERIFY(scene.tracker.owners().empty());
 }
 
-void tst_Reentrancy::slotMayUnregisterOneOfMany_data()
+void tst_Reentrancy::slotMayUnregisterAnotherOwnerInAWalkOfAnyLength_data()
 {
     QTest::addColumn<int>("count");
 
@@ -668,7 +668,7 @@ void tst_Reentrancy::slotMayUnregisterOneOfMany_data()
         QTest::addRow("%d", count) << count;
 }
 
-void tst_Reentrancy::slotMayUnregisterOneOfMany()
+void tst_Reentrancy::slotMayUnregisterAnotherOwnerInAWalkOfAnyLength()
 {
     QFETCH(const int, count);
     SceneResourceTracker tracker;
@@ -719,7 +719,7 @@ void tst_Reentrancy::lastOwnerIsAnnouncedOnce()
     QCOMPARE(ids(scene.tracker), (QList<int>{2, 1, 3}));
 }
 
-void tst_Reentrancy::keepsWhatASlotRegistersWhileAllIsUnregistered_data()
+void tst_Reentrancy::keepsEntriesOfSlotsWhileAllIsUnregistered_data()
 {
     QTest::addColumn<ResourceInfo::Type>("type");
 
@@ -727,7 +727,7 @@ void tst_Reentrancy::keepsWhatASlotRegistersWhileAllIsUnregistered_data()
     QTest::newRow("offscreen buffer") << ResourceInfo::OffscreenBuffer;
 }
 
-void tst_Reentrancy::keepsWhatASlotRegistersWhileAllIsUnregistered()
+void tst_Reentrancy::keepsEntriesOfSlotsWhileAllIsUnregistered()
 {
     QFETCH(const ResourceInfo::Type, type);
     Scene scene;
@@ -880,12 +880,12 @@ void tst_Reentrancy::keepsAnOwnerRegisteredAnewAfterItLeft()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::endsThoughEachSignalRegisters_data()
+void tst_Reentrancy::returnsAlthoughEachSignalRegisters_data()
 {
     addOperationRows();
 }
 
-void tst_Reentrancy::endsThoughEachSignalRegisters()
+void tst_Reentrancy::returnsAlthoughEachSignalRegisters()
 {
     QFETCH(const Operation *const, operation);
     QFETCH(const NamedSignal *const, signal);
@@ -901,7 +901,7 @@ void tst_Reentrancy::endsThoughEachSignalRegisters()
 
     operation->run(scene);
 
-    QVERIFY(!reaction.isEndless());
+    QVERIFY(!reaction.reachedLimit());
     QCOMPARE(scene.violation(), QString());
     QCOMPARE(scene.imbalance(), QString());
 }
@@ -973,7 +973,7 @@ void tst_Reentrancy::slotMayUnregisterTheUpdatedEntry()
     QCOMPARE(recorder.count(u"resourcesChanged"_s), 2);
 }
 
-void tst_Reentrancy::recordOfARemovedEntry_data()
+void tst_Reentrancy::registersARecordWhoseEntryIsRemoved_data()
 {
     QTest::addColumn<bool>("update");
 
@@ -981,7 +981,7 @@ void tst_Reentrancy::recordOfARemovedEntry_data()
     QTest::newRow("the same owner") << true;
 }
 
-void tst_Reentrancy::recordOfARemovedEntry()
+void tst_Reentrancy::registersARecordWhoseEntryIsRemoved()
 {
     QFETCH(const bool, update);
     SceneResourceTracker tracker;
@@ -1060,30 +1060,30 @@ void tst_Reentrancy::changeIsAnnouncedThoughTheSizeIsTheSame()
                           u"resourceOwnerRemoved"_s, u"resourcesChanged"_s}));
 }
 
-void tst_Reentrancy::statusSkipsErasedEntries_data()
+void tst_Reentrancy::setStatusSkipsRemovedEntries_data()
 {
-    QTest::addColumn<int>("erased");
-    QTest::addColumn<QList<int>>("told");
+    QTest::addColumn<int>("removed");
+    QTest::addColumn<QList<int>>("expectedIds");
 
     QTest::newRow("the one walked") << 2 << QList<int>{2, 1, 3};
     QTest::newRow("the next one") << 1 << QList<int>{2, 3};
     QTest::newRow("the last one") << 3 << QList<int>{2, 1};
 }
 
-void tst_Reentrancy::statusSkipsErasedEntries()
+void tst_Reentrancy::setStatusSkipsRemovedEntries()
 {
-    QFETCH(const int, erased);
+    QFETCH(const int, removed);
     Scene scene;
     const Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded,
-                            [&] { scene.tracker.unregisterResource(scene.a.get(), erased); });
+                            [&] { scene.tracker.unregisterResource(scene.a.get(), removed); });
 
     scene.tracker.setStatus(scene.aState, ResourceOwnerState::CreationDenied);
 
-    QTEST(scene.ledger.ids(Message::StatusChanged), "told");
+    QTEST(scene.ledger.ids(Message::StatusChanged), "expectedIds");
     QCOMPARE(scene.violation(), QString());
 }
 
-void tst_Reentrancy::statusEndsWhereEverythingIsGone_data()
+void tst_Reentrancy::setStatusStopsWhenNoEntryIsLeft_data()
 {
     QTest::addColumn<bool>("cleared");
 
@@ -1091,7 +1091,7 @@ void tst_Reentrancy::statusEndsWhereEverythingIsGone_data()
     QTest::newRow("unregistered") << false;
 }
 
-void tst_Reentrancy::statusEndsWhereEverythingIsGone()
+void tst_Reentrancy::setStatusStopsWhenNoEntryIsLeft()
 {
     QFETCH(const bool, cleared);
     Scene scene;
@@ -1108,7 +1108,7 @@ void tst_Reentrancy::statusEndsWhereEverythingIsGone()
     QCOMPARE(scene.aState->status, ResourceOwnerState::CreationDenied);
 }
 
-void tst_Reentrancy::statusEndsThoughEachMessageRegisters_data()
+void tst_Reentrancy::setStatusReturnsAlthoughEachMessageRegisters_data()
 {
     QTest::addColumn<ResourceInfo::Type>("type");
     QTest::addColumn<bool>("clearFirst");
@@ -1119,7 +1119,7 @@ void tst_Reentrancy::statusEndsThoughEachMessageRegisters_data()
     QTest::newRow("offscreen buffer after clearing") << ResourceInfo::OffscreenBuffer << true;
 }
 
-void tst_Reentrancy::statusEndsThoughEachMessageRegisters()
+void tst_Reentrancy::setStatusReturnsAlthoughEachMessageRegisters()
 {
     QFETCH(const ResourceInfo::Type, type);
     QFETCH(const bool, clearFirst);
@@ -1132,14 +1132,14 @@ void tst_Reentrancy::statusEndsThoughEachMessageRegisters()
 
     scene.tracker.setStatus(scene.aState, ResourceOwnerState::CreationDenied);
 
-    QVERIFY(!reaction.isEndless());
+    QVERIFY(!reaction.reachedLimit());
     QCOMPARE(scene.ledger.count(Message::StatusChanged, 2), 1);
     for (const int id : {1, 3})
         QCOMPARE(scene.ledger.count(Message::StatusChanged, id), clearFirst ? 0 : 1);
     QCOMPARE(scene.violation(), QString());
 }
 
-void tst_Reentrancy::statusOfADestroyedOwner()
+void tst_Reentrancy::setStatusStopsWhenTheOwnerIsDestroyed()
 {
     Scene scene;
     const Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded,
@@ -1154,7 +1154,7 @@ void tst_Reentrancy::statusOfADestroyedOwner()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::statusWithinAStatus()
+void tst_Reentrancy::setStatusInASlotOfSetStatus()
 {
     Scene scene;
     Reaction reaction(scene.tracker, &SceneResourceTracker::messagesAdded,
@@ -1172,7 +1172,7 @@ void tst_Reentrancy::statusWithinAStatus()
     QCOMPARE(scene.aState->status, ResourceOwnerState::Ignored);
 }
 
-void tst_Reentrancy::statusByAReferenceIntoTheTracker_data()
+void tst_Reentrancy::setStatusTakesAReferenceIntoTheTracker_data()
 {
     QTest::addColumn<bool>("table");
 
@@ -1180,7 +1180,7 @@ void tst_Reentrancy::statusByAReferenceIntoTheTracker_data()
     QTest::newRow("the owner table's") << true;
 }
 
-void tst_Reentrancy::statusByAReferenceIntoTheTracker()
+void tst_Reentrancy::setStatusTakesAReferenceIntoTheTracker()
 {
     QFETCH(const bool, table);
     SceneResourceTracker tracker;
@@ -1327,12 +1327,12 @@ void tst_Reentrancy::itemUnregistersAllWhileUnregisteringOne()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::itemKeepsWhatItRegistersWhileUnregistering_data()
+void tst_Reentrancy::itemKeepsEntriesRegisteredWhileUnregistering_data()
 {
     addUnregistrationRows(unregistrationSignals);
 }
 
-void tst_Reentrancy::itemKeepsWhatItRegistersWhileUnregistering()
+void tst_Reentrancy::itemKeepsEntriesRegisteredWhileUnregistering()
 {
     QFETCH(const Signal, signal);
     QFETCH(const bool, all);
@@ -1445,12 +1445,12 @@ void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-void tst_Reentrancy::itemDestroyedByTheSlotOfAnothersDeath_data()
+void tst_Reentrancy::slotOfADestructionMayDestroyAnotherItem_data()
 {
     addSignalRows(unregistrationSignals);
 }
 
-void tst_Reentrancy::itemDestroyedByTheSlotOfAnothersDeath()
+void tst_Reentrancy::slotOfADestructionMayDestroyAnotherItem()
 {
     QFETCH(const Signal, signal);
     Scene scene;

@@ -129,8 +129,8 @@ private Q_SLOTS:
     void destructionReleasesTheOwnerState();
     void newStateHoldsItsInitialValues();
     void stateRecordStartsWithTheSameValues();
-    void libraryLeavesApplicationValuesAlone();
-    void stateLivesAsLongAsAnyoneHoldsIt();
+    void libraryKeepsValuesOfTheApplication();
+    void stateLivesAsLongAsItIsHeld();
     void stateLivesWhileOnlyTheTrackerHoldsIt();
     void interfaceTableKeepsItsOrder();
     void ownersAreComparedByIdentity();
@@ -224,7 +224,7 @@ void tst_ResourceInfo::stateRecordStartsWithTheSameValues()
     QVERIFY(state.geometry.isNull());
 }
 
-void tst_ResourceInfo::libraryLeavesApplicationValuesAlone()
+void tst_ResourceInfo::libraryKeepsValuesOfTheApplication()
 {
     SceneResourceTracker tracker;
     tracker.setMessagesEnabled(true);
@@ -250,7 +250,7 @@ void tst_ResourceInfo::libraryLeavesApplicationValuesAlone()
     QCOMPARE(state->geometry, geometry);
 }
 
-void tst_ResourceInfo::stateLivesAsLongAsAnyoneHoldsIt()
+void tst_ResourceInfo::stateLivesAsLongAsItIsHeld()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;

@@ -56,7 +56,7 @@ private Q_SLOTS:
 
     // registering
     void registeringAddsAnEntry();
-    void registeringLeavesTheGivenRecordAlone();
+    void registeringDoesNotChangeTheGivenRecord();
     void registeringCountsPerOwner();
     void imagesGoToTheBackAndOthersToTheFront();
     void typeDecidesThePosition_data();
@@ -93,7 +93,7 @@ private Q_SLOTS:
     void unregisteringAllSignalsWithTheLog();
     void unregisteringAllOfAnOwnerWithoutEntries();
     void unregisteringAllOfAnUnknownOwner();
-    void unregisteringAllOfAnOwnerWhoseStateLostIt();
+    void unregisteringAllOfAnOwnerThatItsStateDoesNotName();
     void unregisteringAllKeepsTheCount();
     void unregisteringAllReleasesTheState();
 
@@ -246,7 +246,7 @@ void tst_SceneResourceTracker::registeringAddsAnEntry()
     QCOMPARE(owner.releaseCalls, 0);
 }
 
-void tst_SceneResourceTracker::registeringLeavesTheGivenRecordAlone()
+void tst_SceneResourceTracker::registeringDoesNotChangeTheGivenRecord()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;
@@ -831,7 +831,7 @@ void tst_SceneResourceTracker::unregisteringAllOfAnUnknownOwner()
     QCOMPARE(ids(tracker), QList<int>{1});
 }
 
-void tst_SceneResourceTracker::unregisteringAllOfAnOwnerWhoseStateLostIt()
+void tst_SceneResourceTracker::unregisteringAllOfAnOwnerThatItsStateDoesNotName()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;

@@ -13,7 +13,7 @@ constexpr int fallbackDpi = 96;
 constexpr double millimetresPerInch = 25.4;
 constexpr int colorDepth = 32;
 
-// As Qt's own conversion, for rectangles wider than an int, too.
+// Converts also rectangles whose width exceeds an int, for which QRect::toRectF() overflows.
 QRectF toRectF(const QRect &rect)
 {
     return {QPointF(rect.topLeft()), QPointF(rect.bottomRight()) + QPointF(1, 1)};
@@ -22,7 +22,7 @@ QRectF toRectF(const QRect &rect)
 class RecordingEngine : public QPaintEngine
 {
 public:
-    // Every feature: nothing may be emulated, or the calls would no longer be those of the painter.
+    // With all features QPainter passes its calls on instead of emulating them by others.
     explicit RecordingEngine(QList<PaintCall> &calls)
         : QPaintEngine(AllFeatures)
         , m_calls(calls)
@@ -191,7 +191,7 @@ QPaintEngine *PaintRecorder::paintEngine() const
 
 int PaintRecorder::metric(PaintDeviceMetric metric) const
 {
-    // The resolution of a QImage: a painter lays a static text out anew where it differs.
+    // The resolution of a QImage. With another one QPainter would lay out a prepared static text again.
     const QScreen *screen = QGuiApplication::primaryScreen();
     const int dpi = screen ? qRound(screen->logicalDotsPerInchX()) : fallbackDpi;
 

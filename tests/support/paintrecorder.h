@@ -23,9 +23,9 @@ class QPaintEngine;
 
 namespace ovelin::tests {
 
-// One call that reached the paint engine, with the painter's state at that moment. The integer and
-// the floating overloads of the engine are kept apart: which one arrives tells which one the
-// painter was given. An arc arrives as a Path, a static text as one Text per line and font.
+// One call of the paint engine, with the painter's state at that moment. Calls with integers and with floating
+// point numbers have kinds of their own, as QPainter has overloads for both. An arc is recorded as a Path, a
+// static text as one Text for each line and font.
 struct PaintCall
 {
     Q_GADGET
@@ -68,7 +68,7 @@ public:
     QImage image;
 };
 
-// A paint device that shows nothing and remembers every call.
+// A paint device that records every call and paints nothing.
 class PaintRecorder : public QPaintDevice
 {
 public:

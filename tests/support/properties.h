@@ -11,9 +11,8 @@
 
 namespace ovelin::tests {
 
-// Tries a property in so many cases, and fails the test with the smallest case found that breaks it.
-// The cases are random, but those of every run, so that a change is what makes a difference:
-// RC_PARAMS="seed=2" makes others.
+// Tries a property with random cases. Fails the test with the smallest case found that breaks the property.
+// The cases are the same in every run; RC_PARAMS="seed=2" in the environment gives others.
 template<typename Property>
 void checkProperty(int caseCount, Property &&property)
 {

@@ -10,7 +10,7 @@ namespace ovelin::tests {
 
 constexpr int usualTextCases = 1000;
 
-// How many cases of a row of texts the user asks for.
+// Returns the number of random texts that the user asks for; nothing if the user does not.
 inline std::optional<int> wantedTextCases()
 {
     bool isSet = false;
@@ -18,8 +18,8 @@ inline std::optional<int> wantedTextCases()
     return isSet ? std::optional(cases) : std::nullopt;
 }
 
-// Whether there should be fewer and smaller cases: a run under valgrind takes some fifty times as
-// long. OVELIN_TEXT_CASES, set to less than usual, asks for it under any other slow tool.
+// True if tests should try fewer and smaller cases: under valgrind, where a test takes some fifty times as
+// long, and if OVELIN_TEXT_CASES is below the usual number.
 inline bool isRunReduced()
 {
     return wantedTextCases().value_or(usualTextCases) < usualTextCases

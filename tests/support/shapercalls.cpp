@@ -11,7 +11,7 @@ using Shape = int(void *font, void *buffer, const void *features, unsigned featu
 
 } // namespace
 
-// Qt Gui finds this function before HarfBuzz's own, as programs come before libraries.
+// The loader looks for symbols in the program first. So Qt Gui calls this function instead of HarfBuzz's.
 extern "C" __attribute__((visibility("default"))) int hb_shape_full(void *font, void *buffer,
                                                                     const void *features,
                                                                     unsigned featureCount,

@@ -5,8 +5,8 @@
 
 namespace ovelin::tests {
 
-// Returns how often Qt has a text shaped during an action. Always 0 with a Qt that contains the
-// shaper, HarfBuzz, instead of using the system's.
+// Returns the number of times that Qt calls the text shaper HarfBuzz during an action. Always 0 if Qt was
+// built with its own copy of HarfBuzz.
 int countShaperCalls(const std::function<void()> &action);
 
 } // namespace ovelin::tests

@@ -12,7 +12,7 @@ namespace ovelin::tests {
 
 namespace {
 
-// The tables and their fields are those of OpenType. All numbers are big endian.
+// The tables and their fields are those of the OpenType specification. All numbers are big endian.
 
 struct Proportions
 {
@@ -29,7 +29,7 @@ struct CharacterRange
     quint32 firstGlyph;
 };
 
-// Glyph 0 stands for all other characters.
+// All other characters have glyph 0.
 constexpr CharacterRange characterRanges[] = {
     {0x20, 0x7e, 1},       {0xa0, 0xa0, 166},     {0xab, 0xab, 96},        {0xbb, 0xbb, 97},
     {0x130, 0x130, 167},   {0x401, 0x401, 168},   {0x410, 0x451, 98},      {0x2014, 0x2014, 164},
@@ -69,13 +69,13 @@ QByteArray maxpTable()
     return packed(quint32(0x00010000), glyphCount) + QByteArray(26, '\0');
 }
 
-// One width for all glyphs, and a left side bearing for each of the others.
+// Glyph 0 has the advance width of all glyphs. The other glyphs have only a left side bearing.
 QByteArray hmtxTable(const Proportions &font)
 {
     return packed(font.glyphWidth, qint16(0)) + QByteArray(2 * (glyphCount - 1), '\0');
 }
 
-// A box, because Qt gives no width to a glyph without an outline.
+// A rectangle, because Qt gives no width to a glyph without an outline.
 QByteArray glyph()
 {
     constexpr qint16 left = 50;
@@ -149,7 +149,7 @@ QByteArray kernTable(const Kerning &kerning)
     for (quint16 left = 1; left < glyphCount; ++left) {
         for (quint16 right = 1; right < glyphCount; ++right) {
             const int value = kerningOf(left, right, kerning);
-            // The size of the table is a 16-bit number: only every fifth pair of letters is kerned.
+            // All pairs would exceed the table's 16-bit size: only every fifth pair of letters is kerned.
             if (value == 0 || (right != spaceGlyph && left != spaceGlyph && (left + right) % 5 > 0))
                 continue;
             pairs += packed(left, right, qint16(value));

@@ -14,8 +14,8 @@ struct Kerning
     int betweenLetters = 0;
 };
 
-// Both functions return a TrueType font whose glyphs are boxes. It has ASCII, the Russian letters,
-// « » — … İ, the no-break space, U+FFFD and U+1F600.
+// Both functions return a TrueType font whose glyphs are rectangles. The font has ASCII, the Russian
+// letters, « » — … İ, the no-break space, U+FFFD and U+1F600.
 
 // Every glyph is 0.6 em wide. The kerning may be stronger than in any font for reading.
 QByteArray kernedFont(const QString &family, const Kerning &kerning);

@@ -26,7 +26,7 @@ void count(const TextRenderer &renderer, const ReferenceInput &input,
     counts.elided += expected.elided;
     counts.hyphenated += expected.displayText.contains(QStringLiteral("-\n"));
     counts.broken += expected.displayText.count(u'\n') > renderer.textLines().size() - 1;
-    counts.counted += expected.rounds > 4 * input.text.size() + 8;
+    counts.repeated += expected.candidates > 4 * input.text.size() + 8;
 }
 
 void compareWith(const ReferenceLayout &expected, const ReferenceInput &input, LayoutCounts *counts)
@@ -51,8 +51,8 @@ void compareWidth(const ReferenceLayout &expected, const ReferenceInput &input)
     TextRenderer renderer;
     renderer.setTextAlignment(Qt::AlignRight);
     apply(renderer, input);
-    const int room = input.textWidth < 1 ? 0 : input.textWidth - expected.wholeWidth;
-    QVERIFY2(renderer.alignedTextTopLeft().x() == std::max(0, room), qPrintable(described(input)));
+    const int spare = input.textWidth < 1 ? 0 : input.textWidth - expected.wholeWidth;
+    QVERIFY2(renderer.alignedTextTopLeft().x() == std::max(0, spare), qPrintable(described(input)));
 
     const bool fits = input.textWidth >= expected.wholeWidth;
     for (const int width : {input.textWidth, expected.wholeWidth - 1, expected.wholeWidth, 0}) {
@@ -69,12 +69,12 @@ void compareWidth(const ReferenceLayout &expected, const ReferenceInput &input)
 
 QByteArray LayoutCounts::description() const
 {
-    return QStringLiteral("%1 compared, %2 elided, %3 hyphenated, %4 broken, %5 counted")
+    return QStringLiteral("%1 compared, %2 elided, %3 hyphenated, %4 broken, %5 repeated")
         .arg(compared)
         .arg(elided)
         .arg(hyphenated)
         .arg(broken)
-        .arg(counted)
+        .arg(repeated)
         .toUtf8();
 }
 
@@ -120,12 +120,12 @@ void apply(TextRenderer &renderer, const ReferenceInput &input)
 
 void compareLayout(const ReferenceInput &input, LayoutCounts *counts)
 {
-    compareWith(countableReferenceLayout(input, roundBudget), input, counts);
+    compareWith(referenceLayoutAtAnyLimit(input, candidateBudget), input, counts);
 }
 
 void compare(const ReferenceInput &input, LayoutCounts *counts)
 {
-    const ReferenceLayout expected = countableReferenceLayout(input, roundBudget);
+    const ReferenceLayout expected = referenceLayoutAtAnyLimit(input, candidateBudget);
     compareWith(expected, input, counts);
     if (!QTest::currentTestFailed())
         compareWidth(expected, input);

@@ -12,33 +12,33 @@ class TextRenderer;
 
 namespace ovelin::tests {
 
-// The plain formulation looks at no more candidates than these in one layout.
-constexpr int roundBudget = 20 * (mostCountableLines + restPeriod);
+// The reference layout gives up after so many break candidates: 20 on each line that it may count.
+constexpr int candidateBudget = 20 * (mostCountedLines + remainderPeriod);
 
-// How many of the layouts compared are of each sort.
+// How many of the compared layouts have each property.
 struct LayoutCounts
 {
     int compared = 0;
     int elided = 0;
-    int hyphenated = 0; // a word of it is split with a hyphen
-    int broken = 0;     // a line of it ends where no newline is
-    int counted = 0;    // the plain formulation counts its lines up to the limit
+    int hyphenated = 0; // a word is split with a hyphen
+    int broken = 0;     // a line ends where the text has no newline
+    int repeated = 0;   // a word that fits on no line wraps again and again, up to the line limit
 
     QByteArray description() const;
 };
 
-// All that a row of a test would tell.
+// Returns all values of the input in words, for the message of a failure.
 QString described(const ReferenceInput &input);
 
-// Sets a renderer up as the input tells, and lays its text out.
+// Sets the values of the input in a renderer and lays its text out.
 void apply(TextRenderer &renderer, const ReferenceInput &input);
 
-// The current test fails, and tells the input, unless the library shows the same as the plain formulation:
-// the same text, elided or not, of the same size.
+// Fails the current test, with the input in its message, unless the library gives the reference layout: the
+// same text and size, elided or not.
 void compareLayout(const ReferenceInput &input, LayoutCounts *counts = nullptr);
 
-// The same, and the width of the whole text as well, by what depends on it: where the text is aligned, and
-// which widths keep the layout. It takes six times as long.
+// Does the same and also compares the width of the whole text, by its effects: the position of aligned text,
+// and the widths that keep the layout. This takes six times as long.
 void compare(const ReferenceInput &input, LayoutCounts *counts = nullptr);
 
 } // namespace ovelin::tests

@@ -22,8 +22,7 @@ namespace {
 constexpr char16_t newline = u'\n';
 constexpr char16_t hyphen = u'-';
 
-// Positions saturate.
-int bounded(double position)
+int saturated(double position)
 {
     return static_cast<int>(std::clamp<double>(position, std::numeric_limits<int>::min(),
                                                std::numeric_limits<int>::max()));
@@ -63,7 +62,7 @@ QString comparison(const char *what, const QString &shown, const QString &expect
                  .arg(quoted(shown), quoted(expected));
 }
 
-// All that a caller can see of a layout.
+// The values of a layout that a caller can read.
 struct Appearance
 {
     explicit Appearance(const TextRenderer &renderer)
@@ -114,24 +113,24 @@ struct Appearance
     bool needRelayout;
 };
 
-// Up to the end of a line the library shapes the stretch that it reads the line from, and measures the
-// line with the word that does not fit, a beginning of that word with a hyphen, the word alone, and the
-// beginnings whose ends lie in the em about the line's end, four of the narrowest letters; then Qt shapes
-// the line and its separator to show them.
+// The shaper calls for one line at most. The library shapes the run from which it reads the line. It measures
+// the line up to the word that overflows, a prefix of this word with a hyphen, the word alone, and up to four
+// prefixes that end within half an em of the limit (four of the narrowest letters are an em wide). Then Qt
+// shapes the line and its separator to show them.
 constexpr qint64 measurementsPerLine = 1 + 1 + 1 + 1 + 4 + 2;
 
-// Letters of a script that are read from a stretch, not each one measured, in a font in which each of
-// them takes room.
+// True if the advances of all characters can be read from a shaped run and are not near 0.
 bool isOrdinary(const TextRenderer &renderer)
 {
-    constexpr double leastRoom = 1; // pixels
+    constexpr double leastAdvance = 1; // pixels
     const QFont font = renderer.textFont();
     const auto isOrdinaryCharacter = [](QChar c) {
         return (c >= u' ' && c <= u'~') || (c >= u'А' && c <= u'я') || c == newline
                || c == lineSeparator;
     };
     return std::ranges::all_of(renderer.text(), isOrdinaryCharacter) && font.letterSpacing() == 0
-           && font.wordSpacing() == 0 && QFontMetricsF(font).horizontalAdvance(u'i') >= leastRoom;
+           && font.wordSpacing() == 0
+           && QFontMetricsF(font).horizontalAdvance(u'i') >= leastAdvance;
 }
 
 qsizetype longestTrimmedRange(const QString &text)
@@ -145,9 +144,9 @@ qsizetype longestTrimmedRange(const QString &text)
     return longest;
 }
 
-// Lines end at spaces, separators and hyphens, which are shown unless they were trimmed before an
-// ellipsis; where not even the ellipsis fits, nothing is left of what was looked at. In a text that is
-// not ordinary each character may have to be measured, and a binary search may precede each.
+// The number of shaper calls that a layout may need. Lines end at spaces, separators and hyphens. These are in
+// the text shown, unless they were trimmed before the ellipsis. Nothing is shown if the ellipsis does not fit.
+// In a text that is not ordinary, each character may be measured, after a binary search.
 qint64 mostMeasurements(const TextRenderer &renderer)
 {
     const QString source = renderer.text();
@@ -165,7 +164,7 @@ qint64 mostMeasurements(const TextRenderer &renderer)
     return ends * (measurementsPerLine + (ordinary ? 0 : std::bit_width(size_t(source.size()))));
 }
 
-// Qt has each run of a script, a direction or a font shaped by itself.
+// Qt calls the shaper for each range of one script, direction and font.
 int callsPerMeasurement(const TextRenderer &renderer)
 {
     const QFontMetricsF metrics(renderer.textFont());
@@ -180,33 +179,33 @@ bool isReadAsDocument(const TextRenderer &renderer)
                && Qt::mightBeRichText(renderer.displayText()));
 }
 
-// What lies beyond the range of an int is left out.
-QRect boundedRect(const QPoint &topLeft, const QSize &size)
+// The part of a rectangle that ints can describe.
+QRect saturatedRect(const QPoint &topLeft, const QSize &size)
 {
-    return {topLeft, QPoint(bounded(double(topLeft.x()) + size.width() - 1),
-                            bounded(double(topLeft.y()) + size.height() - 1))};
+    return {topLeft, QPoint(saturated(double(topLeft.x()) + size.width() - 1),
+                            saturated(double(topLeft.y()) + size.height() - 1))};
 }
 
-// Where text and box are. The height of the box is rounded in another way than that of the text.
-QString placeViolation(const TextRenderer &renderer, const Appearance &actual)
+// Checks the positions of the text and of its box. The heights of the two are rounded differently.
+QString positionViolation(const TextRenderer &renderer, const Appearance &actual)
 {
     const QPoint boxCorner = renderer.textTopLeft();
     const QPoint textCorner =
         actual.alignedTextTopLeft.isNull() ? boxCorner : actual.alignedTextTopLeft;
-    const QRect textRect = boundedRect(textCorner, actual.boundingSize);
+    const QRect textRect = saturatedRect(textCorner, actual.boundingSize);
     if (actual.boundingRect != textRect)
         return QStringLiteral("the text is elsewhere");
 
     const auto isBox = [&](int roundedBy) {
         const QSize size(renderer.textWidth(), actual.boundingSize.height() + roundedBy);
-        return actual.geometry == boundedRect(boxCorner, size);
+        return actual.geometry == saturatedRect(boxCorner, size);
     };
     const bool isInPlace =
         renderer.textWidth() >= 1 ? isBox(-1) || isBox(0) || isBox(1) : actual.geometry == textRect;
     return isInPlace ? QString() : QStringLiteral("the box is elsewhere");
 }
 
-// The alignment starts at the corner, from where an earlier alignment may have moved it.
+// Moves the text back to the corner, from where an earlier alignment may have moved it.
 void resetAlignment(TextRenderer &renderer)
 {
     const QPoint topLeft = renderer.textTopLeft();
@@ -216,27 +215,29 @@ void resetAlignment(TextRenderer &renderer)
 
 } // namespace
 
-// A hyphen before a break stands in the source or was put in: both ways are followed.
+// A hyphen before a line break may be one of the source or an inserted one. So the function keeps all
+// positions in the source that the shown characters may have reached.
 bool isSourceWithBreaks(const QString &shown, const QString &source, Extent extent)
 {
-    std::set<qsizetype> places{0};    // how much of the source is shown so far, one for each way
-    std::set<qsizetype> atPutInBreak; // the same where a hyphen was put in and its break comes next
+    std::set<qsizetype> positions{0};
+    std::set<qsizetype>
+        positionsAfterInsertedHyphen; // the next character is the hyphen's line break
 
     for (qsizetype i = 0; i < shown.size(); ++i) {
         const QChar c = shown.at(i);
         const bool breakFollows = i + 1 < shown.size() && shown.at(i + 1) == newline;
-        std::set<qsizetype> next = std::exchange(atPutInBreak, {});
-        for (const qsizetype place : places) {
-            if (place < source.size() && source.at(place) == c)
-                next.insert(place + 1);
+        std::set<qsizetype> next = std::exchange(positionsAfterInsertedHyphen, {});
+        for (const qsizetype position : positions) {
+            if (position < source.size() && source.at(position) == c)
+                next.insert(position + 1);
             else if (c == newline)
-                next.insert(place);
+                next.insert(position);
             if (c == hyphen && breakFollows)
-                atPutInBreak.insert(place);
+                positionsAfterInsertedHyphen.insert(position);
         }
-        places = std::move(next);
+        positions = std::move(next);
     }
-    return extent == Extent::All ? places.contains(source.size()) : !places.empty();
+    return extent == Extent::All ? positions.contains(source.size()) : !positions.empty();
 }
 
 QString sourceViolation(const TextRenderer &renderer)
@@ -245,7 +246,6 @@ QString sourceViolation(const TextRenderer &renderer)
     const QString text = QString(renderer.text()).replace(lineSeparator, newline);
     if (!isBrokenByTheLibrary(renderer))
         return shown == text ? QString() : comparison("not the source", shown, text);
-    // With the replacement character for a surrogate that stands alone.
     const QString source = withWholeCharacters(text);
 
     if (!renderer.isTextElided()) {
@@ -257,15 +257,14 @@ QString sourceViolation(const TextRenderer &renderer)
         return {};
     if (!shown.endsWith(ellipsis))
         return comparison("elided without an ellipsis", shown, source);
-    const QString beginning = shown.chopped(1);
-    if (!beginning.isEmpty() && isTrimmedBeforeEllipsis(beginning.back()))
+    const QString prefix = shown.chopped(1);
+    if (!prefix.isEmpty() && isTrimmedBeforeEllipsis(prefix.back()))
         return comparison("not trimmed before the ellipsis", shown, source);
-    return isSourceWithBreaks(beginning, source, Extent::Beginning)
+    return isSourceWithBreaks(prefix, source, Extent::Prefix)
                ? QString()
-               : comparison("not the beginning of the source with breaks", shown, source);
+               : comparison("not a prefix of the source with breaks", shown, source);
 }
 
-// Newlines stay in a text that is to have one line.
 QString lineLimitViolation(const TextRenderer &renderer)
 {
     const int limit = renderer.maxLineCount();
@@ -273,6 +272,7 @@ QString lineLimitViolation(const TextRenderer &renderer)
         return {};
     if (limit < 1)
         return renderer.isTextElided() ? QStringLiteral("elided without a limit") : QString();
+    // With a limit of one line the text keeps its newlines.
     if (renderer.text().contains(newline))
         return {};
     const QString shown = renderer.displayText();
@@ -305,7 +305,7 @@ QString copyViolation(const TextRenderer &renderer)
         return copied;
 
     layOutAgain(copy);
-    // Other layouts leave the answer as it was, which a copy does not take over.
+    // A copy starts as not elided. Only a layout that breaks lines changes this.
     if (isBrokenByTheLibrary(renderer) && copy.isTextElided() != renderer.isTextElided())
         return QStringLiteral("elided in one of original and copy");
     return Appearance(copy).difference("copied and laid out", original);
@@ -335,17 +335,17 @@ QString moveViolation(TextRenderer &renderer, const QPoint &topLeft)
 {
     Appearance expected(renderer);
     const auto moved = [](int position, int from, int to) {
-        return bounded(double(position) + to - from);
+        return saturated(double(position) + to - from);
     };
     const QPoint from = renderer.textTopLeft();
     expected.alignedTextTopLeft = {moved(expected.alignedTextTopLeft.x(), from.x(), topLeft.x()),
                                    moved(expected.alignedTextTopLeft.y(), from.y(), topLeft.y())};
 
     if (countShaperCalls([&] { renderer.move(topLeft); }) > 0)
-        return QStringLiteral("moved, and measured");
+        return QStringLiteral("measured by a move");
 
     const Appearance actual(renderer);
-    const QString misplaced = placeViolation(renderer, actual);
+    const QString misplaced = positionViolation(renderer, actual);
     if (!misplaced.isEmpty())
         return misplaced;
     expected.boundingRect = actual.boundingRect;
@@ -364,10 +364,10 @@ QString widthViolation(TextRenderer &renderer, int width)
         return QStringLiteral("laid out by setting the width");
 
     const Appearance actual(renderer);
-    const QString misplaced = placeViolation(renderer, actual);
+    const QString misplaced = positionViolation(renderer, actual);
     if (!misplaced.isEmpty())
         return misplaced;
-    // Computed anew, which puts right what a move has bounded.
+    // The vertical position may differ: a move may have saturated it, and setting the width computes it again.
     expected.alignedTextTopLeft.setY(actual.alignedTextTopLeft.y());
     if (width >= 1) {
         const int textWidth =
@@ -377,9 +377,9 @@ QString widthViolation(TextRenderer &renderer, int width)
         const double spare = double(width) - textWidth;
         const int left = renderer.textTopLeft().x();
         if (renderer.textAlignment() & Qt::AlignHCenter)
-            expected.alignedTextTopLeft.setX(bounded(left + std::ceil(spare / 2)));
+            expected.alignedTextTopLeft.setX(saturated(left + std::ceil(spare / 2)));
         else if (renderer.textAlignment() & Qt::AlignRight)
-            expected.alignedTextTopLeft.setX(bounded(left + spare));
+            expected.alignedTextTopLeft.setX(saturated(left + spare));
     }
     expected.boundingRect = actual.boundingRect;
     expected.geometry = actual.geometry;
@@ -401,15 +401,15 @@ QString shapingViolation(TextRenderer &renderer)
 QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &expected)
 {
     if (renderer.displayText() != expected.displayText)
-        return comparison("not the plain layout", renderer.displayText(), expected.displayText);
+        return comparison("not the reference layout", renderer.displayText(), expected.displayText);
     if (renderer.text().isEmpty())
         return {};
-    // Sizes that no int holds become the nearest one.
+    // The renderer's size saturates at the greatest int.
     const QSizeF size(std::ceil(expected.size.width()), std::ceil(expected.size.height()));
     constexpr double highest = std::numeric_limits<int>::max();
     const QSizeF bounded = size.boundedTo({highest, highest});
     if (QSizeF(renderer.boundingSize()) != bounded)
-        return QStringLiteral("not the size of the plain layout");
+        return QStringLiteral("not the size of the reference layout");
     return {};
 }
 

@@ -9,53 +9,54 @@ namespace ovelin::tests {
 
 struct ReferenceLayout;
 
-// What holds for every text however it is set up, right after a relayout() that laid it out. Each
-// function tells how the renderer breaks the rule; an empty answer means that it does not.
+// Rules that hold for every text and every setup of a renderer, right after a relayout() that laid the text
+// out. Each function returns a description of how the renderer breaks its rule; an empty string if the
+// renderer keeps the rule.
 
-// The text shown is the source with nothing in between but line breaks and hyphens right before them.
-// An elided one is the beginning of the source, up to a character that is neither a space nor
-// punctuation, and the ellipsis; or nothing, where not even the ellipsis fits. Rich text, and text
-// without a width, is the source itself.
+// The text shown is the source with inserted line breaks; a hyphen may be inserted before such a break. An
+// elided text is a prefix of this and an ellipsis; the prefix does not end with a space or punctuation. If
+// the ellipsis does not fit, nothing is shown. Rich text and text without a width show the source itself.
 QString sourceViolation(const TextRenderer &renderer);
 
-// The library has made no more lines than allowed, or, if there is no limit, cut nothing. The lines that Qt
-// makes of these, where it wraps at a space, are compared with the plain formulation.
+// With a line limit the library makes no more lines. Without a limit it elides nothing. Only newlines of the
+// text shown count here; lines that Qt breaks at a space are compared with the reference layout.
 QString lineLimitViolation(const TextRenderer &renderer);
 
-// Laying out again changes nothing.
+// A second layout changes nothing.
 QString repetitionViolation(TextRenderer &renderer);
 
-// A copy shows the same at once, and when it is laid out itself.
+// A copy shows the same, before and after a layout of its own.
 QString copyViolation(const TextRenderer &renderer);
 
-// What the renderer knows of its geometry is what a new one finds that is set up in the same way. The
-// height for vertical alignment cannot be asked for.
+// The geometry is that of a new renderer with the same setup. The caller gives the available height, which a
+// renderer does not return.
 QString geometryViolation(TextRenderer &renderer, int availableHeight);
 
-// Moves the renderer, which measures nothing: what it shows stays, at a place as far from the old one as the
-// new corner.
+// A move shifts the aligned position by the same distance, changes nothing else, and measures nothing.
 QString moveViolation(TextRenderer &renderer, const QPoint &topLeft);
 
-// Sets the width: where the layout is kept nothing is measured, and the whole text is in the box, aligned in
-// it; without a box, it stays where it is.
+// If setting the width keeps the layout, nothing is measured, and the whole text is aligned in the box. A
+// width of 0 does not move the text.
 QString widthViolation(TextRenderer &renderer, int width);
 
-// Laying out has Qt shape texts at most so often for each line end that is shown, however long the text
-// is; a text in several scripts or fonts as often for each of their runs. Only some texts, of letters that
-// have to be measured one by one, take as much for each character. Not for what Qt reads as a document.
+// The number of shaper calls of a layout is bounded by the number of line ends shown, not by the length of
+// the text. It counts once for each script and font of the text. Texts whose characters must be measured one
+// by one have a bound for each character shown. Texts that Qt reads as a document have no bound.
 QString shapingViolation(TextRenderer &renderer);
 
-// The renderer shows what the plain formulation shows.
+// The renderer shows the reference layout.
 QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &expected);
 
-// The first violation of the above that leave the renderer as it is, but for the last one.
+// Returns the first violation of the rules for the source, the line limit, copies, repetition, geometry and
+// shaping. The renderer stays as it is, apart from being laid out again.
 QString layoutViolation(TextRenderer &renderer, int availableHeight);
 
-// Whether `shown` is `source`, or its beginning, with line breaks put in and hyphens right before them.
-enum class Extent { All, Beginning };
+// True if `shown` is `source`, or with Extent::Prefix a prefix of it, with inserted line breaks and with
+// hyphens inserted before such breaks.
+enum class Extent { All, Prefix };
 bool isSourceWithBreaks(const QString &shown, const QString &source, Extent extent);
 
-// Lays the text out though nothing has changed.
+// Lays the text out although nothing has changed.
 void layOutAgain(TextRenderer &renderer);
 
 } // namespace ovelin::tests

@@ -45,7 +45,7 @@ constexpr std::array<std::u16string_view, 0x40> oddities = {
     u"\xd83c\xdff4",
     u"\xd835\xdc9c",
     u"\xd83d\xdc68\u200d\xd83d\xdc67",
-    // 0xa0: right to left, and what turns the direction
+    // 0xa0: right to left, and controls of the direction
     u"\u05e9",
     u"\u05dc",
     u"\u0644",

@@ -7,8 +7,9 @@
 
 namespace ovelin::tests {
 
-// A text in a code page of its own: ASCII, from 0x80 on whatever a layout might stumble over, from 0xc0
-// on the Russian letters as in Windows-1251. Any bytes are a text, and simpler bytes a simpler one.
+// Decodes bytes into a text for tests. Below 0x80 a byte is its ASCII character; from 0x80 to 0xbf it is one
+// of 64 characters or words that a layout treats specially; from 0xc0 on it is a Russian letter, as in
+// Windows-1251. All bytes are valid, so that a fuzzer or RapidCheck can shorten and simplify them.
 QString oddText(const std::string &bytes);
 
 } // namespace ovelin::tests

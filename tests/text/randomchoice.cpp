@@ -23,8 +23,7 @@ int RandomChoice::width(const QString &text, const QFont &font)
     QString measured = text;
     if (below(2))
         measured.replace(u'\n', lineSeparator);
-    // A line is short against a long text.
-    constexpr int longestLine = 100;
+    constexpr int longestLine = 100; // characters; a long text then has many lines
     const int from = below(int(measured.size()));
     const int length = 1 + below(std::min(longestLine, int(measured.size()) - from));
     double end = advance(measured.mid(from, length), font);

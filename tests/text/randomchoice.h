@@ -10,10 +10,10 @@ class QString;
 
 namespace ovelin::tests {
 
-// How many random cases a row of texts has.
+// Returns the number of random cases of a test's row.
 int caseCount();
 
-// Chooses at random, by the same seed the same in every run.
+// Makes random choices. The same seed gives the same choices in every run.
 class RandomChoice
 {
 public:
@@ -30,8 +30,8 @@ public:
         return list.at(below(int(list.size())));
     }
 
-    // The width of a box, mostly next to where some part of the text ends, with and without the margin and
-    // a hyphen.
+    // Returns a width for a box: mostly within two pixels of the advance of some part of the text, with or
+    // without the margin of two pixels and a hyphen.
     int width(const QString &text, const QFont &font);
 
 private:

@@ -10,8 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What Qt knows in each language of a script: the names of the language, its territory and currency, the
-// days and the months, and some dates.
+// Qt's words in each language of a script: the names of the language, its territory, its currency, the days
+// and the months, and some dates.
 QStringList localNames(QLocale::Script script)
 {
     QStringList names;
@@ -44,7 +44,8 @@ QStringList englishNames()
     return names;
 }
 
-// Lines from all over a file, without the flags that a dictionary adds to a word. Empty if there is no file.
+// Returns lines from all parts of a file, without the flags behind a dictionary's words; nothing without
+// the file.
 QStringList linesOf(const QString &path)
 {
     QFile file(path);
@@ -54,7 +55,7 @@ QStringList linesOf(const QString &path)
     QStringList lines;
     for (int i = 0; i < mostLines; ++i) {
         file.seek(file.size() * i / mostLines);
-        file.readLine(); // the rest of one
+        file.readLine(); // the rest of the line at this position
         const QString line = QString::fromUtf8(file.readLine()).section(u'/', 0, 0).simplified();
         if (!line.isEmpty())
             lines.append(line);

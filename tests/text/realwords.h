@@ -26,11 +26,10 @@ Q_ENUM_NS(Script)
 // True if people write spaces between the words of a script.
 bool hasSpaces(Script script);
 
-// The dictionaries and quotations of a script that Debian may have installed.
+// The paths of Debian's dictionaries and quotations in a script. The files may be missing.
 QStringList wordFiles(Script script);
 
-// Words and sentences that people write: names and dates that Qt knows, and lines of the files above that are
-// installed.
+// Returns words and sentences that people write: Qt's names and dates, and lines of the files above.
 QStringList wordsOf(Script script);
 
 } // namespace ovelin::tests

@@ -1,6 +1,6 @@
 #include "referencelayout.h"
 
-#include "hyphenplaces.h"
+#include "hyphenationpoints.h"
 #include "textsupport.h"
 
 #include <QFontMetricsF>
@@ -16,9 +16,9 @@ namespace ovelin::tests {
 
 namespace {
 
-constexpr int shortestForcedRest = 5; // characters of a split word that go to the next line
-constexpr int shortestSplitWord = 9;  // a word that would fit a line of its own
-constexpr int leastSeparatorsBeforeHyphen = 1024;
+constexpr int fewestMoved = 5;       // characters of a split word that go to the next line
+constexpr int shortestSplitWord = 9; // characters of a word that would fit on a line of its own
+constexpr int fewestHyphenMoves = 1024;
 
 enum class Next { Accept, HardBreakCheck, NextMatch, Elide, Split, Wrap };
 
@@ -36,7 +36,7 @@ bool isRemovedBeforeEllipsis(QChar c)
     return whiteSpace || c.isPunct();
 }
 
-bool splitsPair(const QString &text, qsizetype position)
+bool isInsidePair(const QString &text, qsizetype position)
 {
     return position >= 1 && position < text.size() && text.at(position - 1).isHighSurrogate()
            && text.at(position).isLowSurrogate();
@@ -44,7 +44,7 @@ bool splitsPair(const QString &text, qsizetype position)
 
 } // namespace
 
-ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
+ReferenceLayout referenceLayout(const ReferenceInput &input, int candidateBudget)
 {
     ReferenceLayout result;
 
@@ -83,23 +83,22 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
     const double hyphenAdvance = metrics.horizontalAdvance(u'-');
     const qint64 maxLineCount = input.maxLineCount;
     const bool limited = maxLineCount >= 1;
-    const qsizetype mostSeparators =
-        limited ? std::max<qsizetype>(leastSeparatorsBeforeHyphen, text.size()) : 1;
+    const qsizetype mostMoves = limited ? std::max<qsizetype>(fewestHyphenMoves, text.size()) : 1;
     const QRegularExpression pattern(QStringLiteral("( |\u2028|-[^\\d])"));
 
-    // What stands alone of a surrogate pair is shown, and broken, as the replacement character.
     QString workText = withWholeCharacters(text) + u' ';
     qint64 lineCount = 0;
     qsizetype lineStart = 0;
     qsizetype wordStart = 0;
     qsizetype previousWordStart = 0;
-    qsizetype separatedHyphen = -1; // where it is now
-    qsizetype separatorsBeforeIt = 0;
+    qsizetype movedHyphen =
+        -1; // the present position of the last hyphen that moved to the next line
+    qsizetype hyphenMoves = 0;
     std::set<std::array<qsizetype, 4>> overflows; // every state in which a line overflowed
 
     for (qsizetype pos = workText.indexOf(pattern, 0); pos >= 0;
          pos = workText.indexOf(pattern, wordStart)) {
-        if (++result.rounds > roundBudget)
+        if (++result.candidates > candidateBudget)
             return result;
 
         const QString word = range(workText, wordStart, pos + 1);
@@ -115,9 +114,9 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
 
         if (next == Next::Split) {
             next = Next::Wrap;
-            qsizetype k = lastFittingPlace(placesOf(word), [&](qsizetype place) {
-                const QString prefix = range(line, 0, wordStart - lineStart + place);
-                return place <= word.size() && fineWidth(prefix, input.font) + hyphenAdvance < W;
+            qsizetype k = lastPointThatFits(hyphenationPoints(word), [&](qsizetype point) {
+                const QString prefix = range(line, 0, wordStart - lineStart + point);
+                return point <= word.size() && fineWidth(prefix, input.font) + hyphenAdvance < W;
             });
             const bool hyphenated = k != -1;
             if (!hyphenated) {
@@ -127,15 +126,14 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
                 if (!keptWhole) {
                     for (k = 1; k < word.size(); ++k) {
                         const QString prefix = range(workText, lineStart, wordStart + k);
-                        if (word.size() - k < shortestForcedRest
-                            || fineWidth(prefix, input.font) >= W) {
+                        if (word.size() - k < fewestMoved || fineWidth(prefix, input.font) >= W) {
                             --k;
                             break;
                         }
                     }
                 }
             }
-            if (splitsPair(workText, wordStart + k))
+            if (isInsidePair(workText, wordStart + k))
                 --k;
             if (k >= 1) {
                 workText.insert(wordStart + k, lineSeparator);
@@ -148,8 +146,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
             }
         }
 
-        // Without a line limit a state that comes back would come back for ever: the word is taken
-        // as if its line fitted.
+        // Without a line limit a repeated state would repeat for ever: the word is accepted as if it fitted.
         if (next == Next::Wrap && !limited
             && !overflows.insert({lineStart, wordStart, previousWordStart, workText.size()})
                     .second) {
@@ -167,13 +164,13 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
                 next = Next::HardBreakCheck;
             } else if (wordStart >= 1 && workText.at(wordStart - 1) == u'-') {
                 const qsizetype hyphen = wordStart - 1;
-                separatorsBeforeIt = hyphen == separatedHyphen ? separatorsBeforeIt : 0;
-                if (separatorsBeforeIt == mostSeparators) {
+                hyphenMoves = hyphen == movedHyphen ? hyphenMoves : 0;
+                if (hyphenMoves == mostMoves) {
                     next = limited ? Next::Elide : Next::Accept;
                 } else {
                     workText.insert(hyphen, lineSeparator);
-                    ++separatorsBeforeIt;
-                    separatedHyphen = hyphen + 1;
+                    ++hyphenMoves;
+                    movedHyphen = hyphen + 1;
                     lineStart = wordStart;
                     wordStart += 1;
                     next = Next::NextMatch;
@@ -205,7 +202,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
             if (!e.isEmpty()) {
                 const bool tooWide = metrics.horizontalAdvance(e) > W;
                 c = lineStart + e.size() - (tooWide ? 2 : 1);
-                if (splitsPair(workText, c))
+                if (isInsidePair(workText, c))
                     --c;
             }
             workText.replace(c, 1, QChar(ellipsis));
@@ -225,11 +222,11 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget)
     return result;
 }
 
-ReferenceLayout countableReferenceLayout(ReferenceInput input, int roundBudget)
+ReferenceLayout referenceLayoutAtAnyLimit(ReferenceInput input, int candidateBudget)
 {
-    if (input.maxLineCount > mostCountableLines)
-        input.maxLineCount = mostCountableLines + input.maxLineCount % restPeriod;
-    return referenceLayout(input, roundBudget);
+    if (input.maxLineCount > mostCountedLines)
+        input.maxLineCount = mostCountedLines + input.maxLineCount % remainderPeriod;
+    return referenceLayout(input, candidateBudget);
 }
 
 } // namespace ovelin::tests

@@ -9,7 +9,7 @@ namespace ovelin::tests {
 
 struct ReferenceInput
 {
-    QString text; // its newlines are replaced where more than one line is allowed
+    QString text; // with newlines, not with the line separators that replace them
     QFont font;
     int maxLineCount = 1;
     int textWidth = 0;
@@ -20,26 +20,27 @@ struct ReferenceInput
 
 struct ReferenceLayout
 {
-    bool ended = false; // false: the steps were not done within the budget, nothing else is set
+    bool ended = false; // false: the budget of candidates was used up, and no layout is set
     bool elided = false;
-    QString displayText; // with "\n" for the separators
+    QString displayText; // with "\n" instead of line separators
     QSizeF size;         // of the static text
     int wholeWidth = 0;  // the fine width of the text on one line
-    int rounds = 0;      // how many break candidates were looked at
+    int candidates = 0;  // the number of break candidates that were tried
 };
 
-// The line breaking in its plainest form: one step after the other, every line measured anew at
-// every candidate, and the lines of an endless round counted one by one up to the limit. The
-// library has to show the same text; this one may take for ages, so it gives up after so many break
+// The reference layout: line breaking in its simplest form. It measures the whole line at every break
+// candidate. If a word fits on no line, it wraps the word again and again up to the line limit. The library
+// must show the same text. Since this layout can take very long, it gives up after `candidateBudget` break
 // candidates.
-ReferenceLayout referenceLayout(const ReferenceInput &input, int roundBudget);
+ReferenceLayout referenceLayout(const ReferenceInput &input, int candidateBudget);
 
-// The same where the limit is too high to be counted up to. A round counts one or a few lines, so that
-// a lower limit which leaves the same rest by every number of up to six ends in the same place. For
-// texts that need fewer lines than these.
-constexpr int restPeriod = 60;
-constexpr int mostCountableLines = 40 * restPeriod;
-ReferenceLayout countableReferenceLayout(ReferenceInput input, int roundBudget);
+// The same for line limits that are too high to be counted up to. A word that fits on no line counts one to
+// six lines each time it wraps. Two limits with the same remainder modulo 60, a multiple of one to six,
+// therefore end the layout at the same position. So a lower limit with the same remainder is used. The text
+// must need fewer lines than `mostCountedLines`.
+constexpr int remainderPeriod = 60;
+constexpr int mostCountedLines = 40 * remainderPeriod;
+ReferenceLayout referenceLayoutAtAnyLimit(ReferenceInput input, int candidateBudget);
 
 } // namespace ovelin::tests
 

@@ -31,7 +31,7 @@ inline QFont spacedFont(QFont::SpacingType type, double spacing)
     return font;
 }
 
-// No setter takes this size, but a font that is read may have it.
+// No setter accepts a size of 0, but a font that is read from a stream may have it.
 inline QFont fontOfZeroPixels()
 {
     const QByteArray size = QByteArrayLiteral("\1\2\3\4");
@@ -46,7 +46,7 @@ inline QFont fontOfZeroPixels()
     return font;
 }
 
-// Without the font, Qt would substitute another one and every expectation below would be of that.
+// Without DejaVu Sans, Qt would silently use another font, and the expected widths would be wrong.
 inline bool isTestFontInstalled()
 {
     return QFontInfo(pixelFont()).family() == QStringLiteral("DejaVu Sans");
@@ -57,7 +57,7 @@ inline double advance(const QString &text, const QFont &font = pixelFont())
     return QFontMetricsF(font).horizontalAdvance(text);
 }
 
-// What stands alone of a surrogate pair is shown as the replacement character.
+// Returns the text with U+FFFD for each half of a surrogate pair, as the library shows it.
 inline QString withWholeCharacters(const QString &text)
 {
     QString result;
@@ -73,13 +73,13 @@ inline int fineWidth(const QString &text, const QFont &font = pixelFont())
     return static_cast<int>(std::ceil(advance(text, font))) + 2;
 }
 
-// The least whole width that a line of this advance fits: a line as wide as the limit overflows.
+// The least whole width of a box in which a line of this advance fits: a line as wide as the box overflows.
 inline int leastWidthThatFits(double advance)
 {
     return static_cast<int>(std::floor(advance)) + 1;
 }
 
-// The greatest whole width that a line of this advance overflows.
+// The greatest whole width of a box that a line of this advance overflows.
 inline int greatestWidthThatOverflows(double advance)
 {
     return static_cast<int>(std::floor(advance));

@@ -1,4 +1,4 @@
-#include "hyphenplaces.h"
+#include "hyphenationpoints.h"
 #include "text/hyphenation_p.h"
 
 #include <QTest>
@@ -8,8 +8,8 @@
 
 using namespace ovelin;
 
-using ovelin::tests::lastFittingPlace;
-using ovelin::tests::placesOf;
+using ovelin::tests::hyphenationPoints;
+using ovelin::tests::lastPointThatFits;
 
 namespace {
 
@@ -257,9 +257,9 @@ void tst_Hyphenation::givesThePointsOfTheRulesForEveryClassString()
         words = longer;
 
         for (const QString &word : std::as_const(words)) {
-            const Points points = placesOf(word);
+            const Points points = hyphenationPoints(word);
             for (int limit = 0; limit <= length; ++limit) {
-                QVERIFY2(pointAt(word, limit) == lastFittingPlace(points, fitsUpTo(limit)),
+                QVERIFY2(pointAt(word, limit) == lastPointThatFits(points, fitsUpTo(limit)),
                          qPrintable(word));
             }
         }

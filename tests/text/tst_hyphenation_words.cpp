@@ -1,4 +1,4 @@
-#include "hyphenplaces.h"
+#include "hyphenationpoints.h"
 #include "text/hyphenation_p.h"
 #include "textsupport.h"
 
@@ -15,7 +15,7 @@ using namespace ovelin;
 using namespace ovelin::tests;
 using namespace Qt::StringLiterals;
 
-// The words of a Russian dictionary, hyphenated as the rules say.
+// Hyphenates and lays out the words of a Russian dictionary and compares with the rules.
 
 namespace {
 
@@ -26,17 +26,17 @@ constexpr int reducedStep = 100; // under a slow tool one word in 100 is tried
 constexpr std::array lineWidths{10, 40, 70, 110, 1000};
 constexpr std::array boxWidths{40, 60, 80, 110, 150};
 
-// Returns the text of both words as the layout should show it: up to the break behind the hyphen, or all of it
-// if the line is not broken. Returns nothing if the rules of hyphenation do not decide. The part of the word that
-// stays on the line is measured with the word before it, two pixels of margin and the hyphen.
+// Returns the begin of the layout of both words: up to the line break behind the hyphen, or the whole text if
+// the line is not broken. Returns nothing if the rules of hyphenation do not decide. The prefix that stays on
+// the line is measured with the word before it, two pixels of margin and the hyphen.
 QString expectedStart(const QString &firstWord, const QString &word, int boxWidth)
 {
     static const double hyphenAdvance = advance(QString(hyphen));
-    const QList<int> points = placesOf(word + u' ');
+    const QList<int> points = hyphenationPoints(word + u' ');
     for (const QString &before : {firstWord, QString()}) {
         if (advance(before + word) < boxWidth)
             return firstWord + word;
-        const int point = lastFittingPlace(points, [&](qsizetype kept) {
+        const int point = lastPointThatFits(points, [&](qsizetype kept) {
             return fineWidth(before + word.left(kept)) + hyphenAdvance < boxWidth;
         });
         if (point > 0)
@@ -95,7 +95,7 @@ void tst_HyphenationWords::hyphenatesEveryWordAsTheRulesSay()
     const qsizetype step = isRunReduced() ? reducedStep : 1;
     for (qsizetype i = 0; i < words.size(); i += step) {
         const QString word = words.at(i) + u' ';
-        const QList<int> points = placesOf(word);
+        const QList<int> points = hyphenationPoints(word);
         for (const int lineWidth : lineWidths) {
             const auto fits = [&](qsizetype kept) {
                 const QString part = word.left(kept) + hyphen;
@@ -104,7 +104,7 @@ void tst_HyphenationWords::hyphenatesEveryWordAsTheRulesSay()
                        < lineWidth;
             };
             const int point = hyphenationPoint(word, fits);
-            QVERIFY2(point == lastFittingPlace(points, fits), qPrintable(word));
+            QVERIFY2(point == lastPointThatFits(points, fits), qPrintable(word));
             hyphenated += point > 0;
         }
     }

@@ -32,7 +32,7 @@ QFont stretchedFont(int stretch)
     return font;
 }
 
-// True if a reading of these characters is off by its tolerance at most.
+// True if the reading differs from the measured advance by its tolerance at most.
 bool isRight(const Reading &reading, const QString &characters, const QFont &font)
 {
     const double error = std::abs(reading.advance - advance(characters, font));

@@ -79,7 +79,7 @@ private Q_SLOTS:
 
     void insertsNoSeparatorAtASpace();
 
-    void onlyAPlainLayoutWithALimitResetsElided();
+    void onlyALayoutThatBreaksLinesResetsElided();
     void widthOfZeroKeepsTheLayout();
     void measuresWithTheFontOfTheText();
 
@@ -87,8 +87,8 @@ private Q_SLOTS:
     void showsTheWholeTextWithoutLineLimit();
     void movesAHyphenOnceWithoutLineLimit_data();
     void movesAHyphenOnceWithoutLineLimit();
-    void endsAtAnyLineLimit_data();
-    void endsAtAnyLineLimit();
+    void returnsAtAnyLineLimit_data();
+    void returnsAtAnyLineLimit();
     void movesAHyphenToABoundedNumberOfLines_data();
     void movesAHyphenToABoundedNumberOfLines();
     void splitsNoSurrogatePair_data();
@@ -142,7 +142,7 @@ void tst_TextLayout::elidedTextIsAsWideAsTheBox()
     for (const int width : {30, 60, 99})
         QCOMPARE(layOut({QStringLiteral("aaaa bbbb"), width}).size.width(), width);
 
-    // A paragraph is cut where the line has room for more.
+    // The line limit cuts this text although the line has room for more.
     const Shown paragraphs = layOut({QStringLiteral("a\nb\nc"), 400, 2});
     QCOMPARE(paragraphs.elided, true);
     QCOMPARE(paragraphs.size.width(), 400);
@@ -157,7 +157,7 @@ void tst_TextLayout::richTextIsAsWideAsTheBox()
 
 void tst_TextLayout::cutsOneCharacterMoreIfTheEllipsisOverhangs()
 {
-    // Qt finds the cut without the letter spacing behind the ellipsis.
+    // elidedText() does not count the letter spacing behind the ellipsis.
     QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
     const QFontMetricsF metrics(font);
     const QString line = QStringLiteral("aaaaaaaa ");
@@ -186,7 +186,7 @@ void tst_TextLayout::textIsEmptyIfTheEllipsisAloneOverhangs()
     QVERIFY(metrics.horizontalAdvance(ellipsisText) > width);
     QVERIFY(metrics.horizontalAdvance(QStringLiteral("i")) < width);
 
-    // On the first line no character is left to remove. On the second line the line separator is.
+    // One character more is removed: on the first line there is none left, on the second the line separator.
     const Shown first = layOut({QStringLiteral("aaaa"), width, 1, true, font});
     QCOMPARE(first.text, QString());
     QCOMPARE(first.elided, true);
@@ -283,7 +283,7 @@ void tst_TextLayout::insertsNoSeparatorAtASpace()
     QCOMPARE(shown.elided, false);
 }
 
-void tst_TextLayout::onlyAPlainLayoutWithALimitResetsElided()
+void tst_TextLayout::onlyALayoutThatBreaksLinesResetsElided()
 {
     TextRenderer renderer;
     renderer.setTextFont(pixelFont());
@@ -367,7 +367,7 @@ void tst_TextLayout::showsTheWholeTextWithoutLineLimit_data()
     QTest::newRow("range of numbers") << QStringLiteral("1000-2000-3000");
 }
 
-// A word that fits no line counts as one that fits: it would wrap for ever.
+// A word that fits on no line would wrap for ever, so the layout accepts it.
 void tst_TextLayout::showsTheWholeTextWithoutLineLimit()
 {
     QFETCH(QString, text);
@@ -421,7 +421,7 @@ void tst_TextLayout::movesAHyphenOnceWithoutLineLimit()
     }
 }
 
-void tst_TextLayout::endsAtAnyLineLimit_data()
+void tst_TextLayout::returnsAtAnyLineLimit_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -433,8 +433,8 @@ void tst_TextLayout::endsAtAnyLineLimit_data()
     QTest::newRow("wide paragraph") << QStringLiteral("www wwww\u2028www");
 }
 
-// Hours would pass if the layout counted up to the highest limits line by line.
-void tst_TextLayout::endsAtAnyLineLimit()
+// Counting up to the highest limits line by line would take hours.
+void tst_TextLayout::returnsAtAnyLineLimit()
 {
     QFETCH(QString, text);
 
@@ -585,7 +585,7 @@ void tst_TextLayout::laysOutLongTexts_data()
     QTest::addColumn<int>("width");
 
     const int length = isRunReduced() ? 1000 : 20'000;
-    const int shorter = length / 5; // for narrow boxes, where a text has many lines
+    const int shorter = length / 5; // for narrow boxes, in which a text has many lines
     const auto repeated = [](const QString &part, int count) {
         return part.repeated(count / part.size() + 1).left(count);
     };
@@ -641,10 +641,10 @@ void tst_TextLayout::reservesNoMoreThanTheTextNeeds()
     rlimit limited = before;
     limited.rlim_cur = static_cast<rlim_t>(pages * pageSize + spare);
     QCOMPARE(setrlimit(RLIMIT_AS, &limited), 0);
-    rlimit taken{};
-    QCOMPARE(getrlimit(RLIMIT_AS, &taken), 0);
+    rlimit applied{};
+    QCOMPARE(getrlimit(RLIMIT_AS, &applied), 0);
     // Under an emulator the call may succeed without an effect.
-    if (taken.rlim_cur != limited.rlim_cur)
+    if (applied.rlim_cur != limited.rlim_cur)
         QSKIP("The address space cannot be limited here.");
 
     bool allocated = true;

@@ -1,7 +1,7 @@
-// What a text looks like in its box, rule by rule. A text that shows something wrong becomes a row here.
+// The lines of a text in its box, rule by rule. A text that shows a fault becomes a row here.
 //
 // Every character is 10 pixels wide and every line 20 pixels high, so that a reader can check a row by
-// eye. The lines are those that a painter gets. Qt paints no space at the end of a line that it wraps.
+// eye. The expected lines are those that a painter gets. Qt paints no space at the end of a wrapped line.
 //
 // A line fits if it is narrower than the box: N characters need 10 N + 1 pixels. The part of a word that
 // stays on a line is measured with two pixels of margin: N characters need 10 N + 3 pixels, with a hyphen
@@ -72,9 +72,9 @@ const Example examples[] = {
     {"wraps at a space",                     u"один два",             60,       2, on, {u"один", u"два"},            whole},
     {"fills the lines",                      u"один два три четыре", 101,       2, on, {u"один два", u"три четыре"}, whole},
     {"no-break space",                       u"аб\u00A0вг",           45,       2, on, {u"а", u"б\u00A0вг"},         whole},
-    // The layout counts two lines. Qt shows one, because to Qt a line as wide as the box fits.
+    // The layout counts two lines. Qt shows one, because Qt lets a line be as wide as the box.
     {"as wide as the line, in two lines",    u"аб вг",                50,       2, on, {u"аб вг"},                   whole},
-    // A second space that does not fit moves the word before it to the next line. Qt does not move the word.
+    // The second space does not fit. So the layout moves the word before it to the next line; Qt does not.
     {"two spaces where the line is full",    u"аб вгд  е",            65,       2, on, {u"аб вгд", u"е"},            whole},
     // A word that begins its line moves again and again, until the lines are used up.
     {"two spaces, first word",               u"слово  да",            51,       3, on, {u"слов…"},                   elided},
@@ -96,7 +96,7 @@ const Example examples[] = {
     {"negative limit",            u"один два три", 60,      -1, on, {u"один", u"два", u"три"}, whole},
     {"negative limit, wide word", u"программа",    60,      -1, on, {u"программа"},            whole},
 
-    // Ellipsis: the cut line is narrower than the box. Spaces and punctuation in front of the ellipsis go.
+    // Ellipsis: the cut line is narrower than the box. Spaces and punctuation before the ellipsis are removed.
     {"cuts at the end of a line",  u"программа передач", 101, 1, on, {u"программа…"}, elided},
     {"cuts inside a word",         u"программа передач",  70, 1, on, {u"прогр…"},     elided},
     {"cuts one pixel later",       u"программа передач",  71, 1, on, {u"програ…"},    elided},
@@ -107,13 +107,13 @@ const Example examples[] = {
     {"symbol before it stays",     u"да 5$, нет",         80, 1, on, {u"да 5$…"},     elided},
     {"punctuation inside stays",   u"а,б, нет",           60, 1, on, {u"а,б…"},       elided},
     {"only punctuation before it", u",, ,,да",            60, 1, on, {u"…"},          elided},
-    // The ellipsis alone may be as wide as the box. Where it has no room, the whole text goes.
+    // The ellipsis alone may be as wide as the box. If the ellipsis does not fit, nothing is shown.
     {"ellipsis alone",             u"да",                 10, 1, on, {u"…"},          elided},
     {"no room for the ellipsis",   u"да",                  9, 1, on, {u""},           elided},
     {"no room on a later line",    u"\nда",                9, 2, on, {u""},           elided},
 
-    // Paragraphs: each newline counts a line, also one at the end. With a limit of one line, newlines are
-    // ordinary characters without a width.
+    // Paragraphs: each newline counts a line, also a newline at the end. With a limit of one line, newlines
+    // are ordinary characters without a width.
     {"newline",                              u"один\nдва",     101, 2, on, {u"один", u"два"},      whole},
     {"newline on one line",                  u"один\nдва",     101, 1, on, {u"один\nдва"},         whole},
     {"newline on one line, cut",             u"один\nдва",      60, 1, on, {u"один…"},             elided},
@@ -128,12 +128,12 @@ const Example examples[] = {
     {"empty paragraphs within the limit",    u"а\n\n\nб",      101, 4, on, {u"а", u"", u"", u"б"}, whole},
     {"empty paragraphs beyond the limit",    u"а\n\n\nб",      101, 3, on, {u"а…"},                elided},
 
-    // The last word of a paragraph counts two lines when it wraps: its own and the paragraph's.
+    // The last word of a paragraph counts two lines when it wraps: one for the wrap, one for the newline.
     {"last word wraps, four lines",          u"аб вг\nде",    45,           4, on, {u"аб", u"вг", u"де"},     whole},
     {"last word wraps, three lines",         u"аб вг\nде",    45,           3, on, {u"аб", u"вг…"},           elided},
     {"last word wraps, two lines",           u"аб вг\nде",    45,           2, on, {u"аб", u"вг…"},           elided},
-    // If this count reaches the limit, Qt elides the first line, and its length is where the second line is cut.
-    // In the last row this is behind the end of the text, and a space takes the place of the ellipsis.
+    // If the second count reaches the limit, the first line is elided to N characters, and the second line is
+    // cut behind N characters. In the last row the text ends before, and a space stands for the ellipsis.
     {"cut at the end of the text",           u"аб вгд\n",     55,           2, on, {u"аб", u"вгд…"},          elided},
     {"cut next to the end of the text",      u"абв гд\n",     55,           2, on, {u"абв", u"гд…"},          elided},
     {"cut beyond the end of the text",       u"абвг д\n",     55,           2, on, {u"абвг", u"д "},          elided},
@@ -143,7 +143,7 @@ const Example examples[] = {
     {"space before a newline, four lines",   u"абвг \nде",    45,           4, on, {u"абвг ", u"де"},         whole},
     {"space before a newline, three lines",  u"абвг \nде",    45,           3, on, {u"абвг…"},                elided},
     {"space before a newline, two lines",    u"абвг \nде",    45,           2, on, {u"абв…"},                 elided},
-    // A last word that fits no line counts two lines in each round, so that odd and even limits differ.
+    // A last word that fits on no line counts two lines each time it wraps: odd and even limits differ.
     {"wide last word, even limit",           u"абвг\nд",      25,           4, on, {u"а…"},                   elided},
     {"wide last word, odd limit",            u"абвг\nд",      25,           5, on, {u"аб…"},                  elided},
     {"wide last word, highest even limit",   u"абвг\nд",      25, noLimit - 1, on, {u"а…"},                   elided},
@@ -151,7 +151,7 @@ const Example examples[] = {
     {"box as wide as a space, four lines",   u" \n",          10,           4, on, {u" ", u""},               whole},
     {"box as wide as a space, three lines",  u" \n",          10,           3, on, {u"…"},                    elided},
 
-    // Hyphens of the text: the line is broken in front of them, unless a digit follows.
+    // Hyphens of the text: the line is broken before the hyphen, unless a digit follows.
     {"fits with its hyphen",                 u"слон-пёс",     81, 1, on,  {u"слон-пёс"},            whole},
     {"hyphen moves to the next line",        u"слон-пёс",     70, 2, on,  {u"слон", u"-пёс"},       whole},
     {"hyphens move to the next lines",       u"аб-вг-де",     50, 3, on,  {u"аб", u"-вг", u"-де"},  whole},
@@ -166,7 +166,7 @@ const Example examples[] = {
     {"hyphen before a digit, doubled",       u"канал 10-20", 101, 2, on,  {u"канал 10-", u"-20"},   whole},
     {"hyphen at the end",                    u"слон-",        51, 1, on,  {u"слон-"},               whole},
     {"hyphen at the end does not fit",       u"слон-",        50, 1, on,  {u"сло…"},                elided},
-    // A second hyphen that does not fit moves the word before it, until the lines are used up.
+    // A second hyphen that does not fit moves the word before it again and again, up to the limit.
     {"two hyphens",                          u"аб--вг",       30, 3, on,  {u"а…"},                  elided},
 
     // Hyphenation: программа has the points прог-рам-ма.
@@ -218,7 +218,7 @@ const Example examples[] = {
     {"own hyphen is a point",             u"программа-2000",  140, 2, on, {u"программа-", u"-2000"}, whole},
     // The rules alone would give ТВ-3сери-ал.
     {"own hyphen moves the later points", u"ТВ-3сериал",      100, 2, on, {u"ТВ-3сер-", u"иал"},     whole},
-    // This point does not fit, but a word that has a point is not split without a hyphen.
+    // This point does not fit, but a word with a hyphenation point is not split without a hyphen.
     {"hyphen after the word",             u"abcdefhijklm-да",  63, 3, on, {u"abcde…"},               elided},
 
     // Words without a point: at least five characters go to the next line, the separator counted.

@@ -17,8 +17,8 @@
 using namespace ovelin::tests;
 using namespace Qt::StringLiterals;
 
-// The library lays real words out in real fonts as the plain formulation does. A machine may lack most of the
-// fonts and dictionaries; with OVELIN_FONTS=required it is an error if one is missing.
+// Compares layouts of real words in real fonts with the reference layout. The test skips fonts and
+// dictionaries that the machine lacks; with OVELIN_FONTS=required a missing one fails the test.
 
 namespace {
 
@@ -46,7 +46,7 @@ public:
         return input;
     }
 
-    // The same in a box.
+    // A text with its font and a box.
     ReferenceInput layout()
     {
         constexpr int usualLength = 70;
@@ -157,8 +157,8 @@ private:
     bool m_spaced;
 };
 
-// The widths next to those at which a range starts to fit: alone, with the margin of two pixels, with a
-// hyphen, and with both.
+// Returns the three widths around each width at which a range starts to fit: alone, with the margin of two
+// pixels, with a hyphen, and with both.
 std::set<int> widthsAround(double advance, double hyphenAdvance)
 {
     std::set<int> widths;
@@ -174,7 +174,7 @@ std::set<int> widthsAround(double advance, double hyphenAdvance)
 struct FontOfScripts
 {
     const char *family;
-    const char *package; // Debian's, which has it
+    const char *package; // Debian's package of the font
     QList<Script> scripts;
 };
 
@@ -182,7 +182,7 @@ QList<FontOfScripts> fonts()
 {
     using enum Script;
     return {
-        // It lacks the letters of the last four scripts. Qt takes them from another font, if there is one.
+        // DejaVu Sans lacks the last four scripts. Qt takes their letters from another font, if there is one.
         {"DejaVu Sans",
          "fonts-dejavu-core",
          {Latin, Cyrillic, Greek, Hebrew, Arabic, Devanagari, Thai, Chinese, Emoji}},
@@ -226,7 +226,7 @@ int rowCases(Script script, int cases)
     return std::max(1, script == Script::Emoji ? cases / slowdown : cases);
 }
 
-// The cases have to be of every sort, or agreeing on them says nothing.
+// Fails if too few cases are elided or broken: comparing the others shows little.
 void verifyVariety(const LayoutCounts &counts)
 {
     const QByteArray description = counts.description();
@@ -249,13 +249,13 @@ private Q_SLOTS:
 
     void agreesWithThePlainFormulation_data();
     void agreesWithThePlainFormulation();
-    void agreesWhereLinesEnd_data();
-    void agreesWhereLinesEnd();
+    void agreesInBoxesThatAPrefixJustFits_data();
+    void agreesInBoxesThatAPrefixJustFits();
 };
 
 void tst_TextLayoutFonts::initTestCase()
 {
-    // Qt logs each script that a font has no shaping rules for.
+    // Qt logs each script for which a font has no shaping rules.
     QLoggingCategory::setFilterRules(u"qt.text.font.db=false"_s);
 }
 
@@ -269,7 +269,7 @@ void tst_TextLayoutFonts::init()
     for (const QString &file : wordFiles(script))
         QVERIFY2(!required || QFile::exists(file), qPrintable(file + " is missing."_L1));
 
-    // Qt would silently take another font.
+    // Without the font, Qt would silently use another one.
     if (!QFontDatabase::hasFamily(family)) {
         const QString message =
             "The font %1 is missing; Debian has it in %2."_L1.arg(family, package);
@@ -300,12 +300,12 @@ void tst_TextLayoutFonts::agreesWithThePlainFormulation()
 }
 
 // Each text is laid out in many boxes. A part of the text just fits or just overflows each of them.
-void tst_TextLayoutFonts::agreesWhereLinesEnd_data()
+void tst_TextLayoutFonts::agreesInBoxesThatAPrefixJustFits_data()
 {
     addRows();
 }
 
-void tst_TextLayoutFonts::agreesWhereLinesEnd()
+void tst_TextLayoutFonts::agreesInBoxesThatAPrefixJustFits()
 {
     QFETCH(QString, family);
     QFETCH(Script, script);

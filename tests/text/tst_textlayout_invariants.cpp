@@ -15,13 +15,12 @@
 using namespace ovelin;
 using namespace ovelin::tests;
 
-// What holds for every text, each rule for texts and renderers of any kind.
+// Checks rules that hold for every text, with random texts and random setups of the renderer.
 
 namespace {
 
 constexpr int most = std::numeric_limits<int>::max();
 
-// All that a renderer is set up with.
 struct Setup
 {
     std::string bytes;
@@ -48,7 +47,7 @@ std::ostream &operator<<(std::ostream &stream, const Setup &setup)
                   << setup.topLeft.y();
 }
 
-// ASCII letters and the oddities alike; RapidCheck's own strings are of ASCII mostly.
+// Input for oddText(). RapidCheck's own strings are mostly ASCII.
 rc::Gen<std::string> anyBytes()
 {
     return rc::gen::container<std::string>(rc::gen::weightedOneOf<char>({
@@ -100,11 +99,11 @@ void apply(TextRenderer &renderer, const Setup &setup)
     renderer.setMaxTextWidth(setup.widthIsMaximal ? setup.width : 0);
     renderer.setTextWidth(setup.widthIsMaximal ? 0 : setup.width);
     renderer.setText(oddText(setup.bytes));
-    // Some widths keep the layout that there is.
+    // Without this, some widths would keep the previous layout.
     layOutAgain(renderer);
 }
 
-// Checks a rule for any setup of which there is a layout, in a renderer that was used before.
+// Checks a rule for any valid setup, in a renderer that had another setup before.
 template<typename Rule>
 void checkRule(int caseCount, const Rule &rule)
 {
@@ -158,29 +157,29 @@ class tst_TextLayoutInvariants : public QObject
 private Q_SLOTS:
     void initTestCase();
 
-    void theSourceIsRecognised_data();
-    void theSourceIsRecognised();
+    void isSourceWithBreaksTellsSourcesApart_data();
+    void isSourceWithBreaksTellsSourcesApart();
 
     void showsTheSource();
     void keepsTheLineLimit();
     void paintsNoMoreLinesThanAllowed();
-    void staysTheSameLaidOutAgain();
+    void secondLayoutGivesTheSame();
     void copyShowsTheSame();
     void geometryIsThatOfANewRenderer();
     void movesWithoutALayout();
     void keepsTheLayoutInABoxThatIsWideEnough();
 
-    void everyRuleHoldsOfTextsWithEveryOddity();
+    void everyRuleHoldsForATextOfAllOddCharacters();
 
     void shaperCallsAreCounted();
-    void shapesNoMoreThanItShows();
-    void shapesNoMoreThanItShowsInAnyBox_data();
-    void shapesNoMoreThanItShowsInAnyBox();
-    void shapesNoMoreThanItShowsOfAnEndlessWord();
-    void shapesNothingOfWhatIsCutOff();
-    void shapesFewBeginningsOfAWordThatIsSplit();
-    void readsOnBehindAHyphenThatWasMoved();
-    void measuresFartherAheadOnALongerLine();
+    void shapesNoMoreThanTheLinesShown();
+    void shapesNoMoreThanTheLinesShownInAnyBox_data();
+    void shapesNoMoreThanTheLinesShownInAnyBox();
+    void shapesNoMoreThanTheLinesShownOfALongWord();
+    void doesNotShapeTheTextBeyondTheLineLimit();
+    void shapesFewPrefixesOfAWordThatIsSplit();
+    void readsBehindAMovedHyphenFromTheSameRun();
+    void shaperCallsGrowLinearlyWithMeasuredWords();
 };
 
 void tst_TextLayoutInvariants::initTestCase()
@@ -188,17 +187,17 @@ void tst_TextLayoutInvariants::initTestCase()
     QVERIFY(isTestFontInstalled());
 }
 
-void tst_TextLayoutInvariants::theSourceIsRecognised_data()
+void tst_TextLayoutInvariants::isSourceWithBreaksTellsSourcesApart_data()
 {
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QString>("source");
-    QTest::addColumn<bool>("whole");
-    QTest::addColumn<bool>("beginning");
+    QTest::addColumn<bool>("isAll");
+    QTest::addColumn<bool>("isPrefix");
 
-    const auto row = [](const char *shown, const char *source, bool whole, bool beginning) {
+    const auto row = [](const char *shown, const char *source, bool isAll, bool isPrefix) {
         QTest::addRow("\"%s\" for \"%s\"", QByteArray(shown).replace('\n', '|').constData(),
                       QByteArray(source).replace('\n', '|').constData())
-            << QString::fromLatin1(shown) << QString::fromLatin1(source) << whole << beginning;
+            << QString::fromLatin1(shown) << QString::fromLatin1(source) << isAll << isPrefix;
     };
     row("", "", true, true);
     row("ab", "ab", true, true);
@@ -219,13 +218,13 @@ void tst_TextLayoutInvariants::theSourceIsRecognised_data()
     row("a b", "a\nb", false, false);
 }
 
-void tst_TextLayoutInvariants::theSourceIsRecognised()
+void tst_TextLayoutInvariants::isSourceWithBreaksTellsSourcesApart()
 {
     QFETCH(QString, shown);
     QFETCH(QString, source);
 
-    QTEST(isSourceWithBreaks(shown, source, Extent::All), "whole");
-    QTEST(isSourceWithBreaks(shown, source, Extent::Beginning), "beginning");
+    QTEST(isSourceWithBreaks(shown, source, Extent::All), "isAll");
+    QTEST(isSourceWithBreaks(shown, source, Extent::Prefix), "isPrefix");
 }
 
 void tst_TextLayoutInvariants::showsTheSource()
@@ -238,7 +237,7 @@ void tst_TextLayoutInvariants::keepsTheLineLimit()
     checkRule(400, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
 }
 
-// In plain words, which Qt parts where the library has counted a line.
+// Russian words with single spaces only: in other texts Qt may break a line where the layout counts none.
 void tst_TextLayoutInvariants::paintsNoMoreLinesThanAllowed()
 {
     TextRenderer line;
@@ -271,7 +270,7 @@ void tst_TextLayoutInvariants::paintsNoMoreLinesThanAllowed()
     QVERIFY(full > 0);
 }
 
-void tst_TextLayoutInvariants::staysTheSameLaidOutAgain()
+void tst_TextLayoutInvariants::secondLayoutGivesTheSame()
 {
     checkRule(400, [](TextRenderer &r, const Setup &) { return repetitionViolation(r); });
 }
@@ -312,12 +311,11 @@ void tst_TextLayoutInvariants::keepsTheLayoutInABoxThatIsWideEnough()
     QVERIFY(kept > 0);
 }
 
-void tst_TextLayoutInvariants::everyRuleHoldsOfTextsWithEveryOddity()
+void tst_TextLayoutInvariants::everyRuleHoldsForATextOfAllOddCharacters()
 {
     std::string bytes;
     for (int byte = 0; byte < 0x100; ++byte)
-        bytes +=
-            static_cast<char>(byte * 7); // no longer in their order, and each of them still there
+        bytes += static_cast<char>(byte * 7); // all 256 bytes, mixed
     TextRenderer renderer;
     renderer.setTextFont(pixelFont());
     renderer.setTextFormat(Qt::PlainText);
@@ -345,12 +343,12 @@ void tst_TextLayoutInvariants::shaperCallsAreCounted()
 #endif
 }
 
-void tst_TextLayoutInvariants::shapesNoMoreThanItShows()
+void tst_TextLayoutInvariants::shapesNoMoreThanTheLinesShown()
 {
     checkRule(400, [](TextRenderer &r, const Setup &) { return shapingViolation(r); });
 }
 
-void tst_TextLayoutInvariants::shapesNoMoreThanItShowsInAnyBox_data()
+void tst_TextLayoutInvariants::shapesNoMoreThanTheLinesShownInAnyBox_data()
 {
     QTest::addColumn<QString>("pattern");
 
@@ -367,10 +365,10 @@ void tst_TextLayoutInvariants::shapesNoMoreThanItShowsInAnyBox_data()
     QTest::newRow("right to left") << QStringLiteral("\u0644\u0627 ");
     QTest::newRow("surrogate pairs") << QStringLiteral("\U0001F600");
     QTest::newRow("marks") << QStringLiteral("\u0301");
-    QTest::newRow("spaces without a width") << QStringLiteral("\u200b");
+    QTest::newRow("zero width spaces") << QStringLiteral("\u200b");
 }
 
-void tst_TextLayoutInvariants::shapesNoMoreThanItShowsInAnyBox()
+void tst_TextLayoutInvariants::shapesNoMoreThanTheLinesShownInAnyBox()
 {
     QFETCH(QString, pattern);
     const QString text = pattern.repeated((isRunReduced() ? 100 : 2000) / pattern.size());
@@ -383,7 +381,7 @@ void tst_TextLayoutInvariants::shapesNoMoreThanItShowsInAnyBox()
     }
 }
 
-void tst_TextLayoutInvariants::shapesNoMoreThanItShowsOfAnEndlessWord()
+void tst_TextLayoutInvariants::shapesNoMoreThanTheLinesShownOfALongWord()
 {
     const QString word = QStringLiteral("news").repeated(isRunReduced() ? 500 : 25'000);
 
@@ -393,7 +391,7 @@ void tst_TextLayoutInvariants::shapesNoMoreThanItShowsOfAnEndlessWord()
     }
 }
 
-void tst_TextLayoutInvariants::shapesNothingOfWhatIsCutOff()
+void tst_TextLayoutInvariants::doesNotShapeTheTextBeyondTheLineLimit()
 {
     constexpr int width = 300;
     constexpr int maxLineCount = 3;
@@ -405,8 +403,8 @@ void tst_TextLayoutInvariants::shapesNothingOfWhatIsCutOff()
     QCOMPARE(layoutCalls(words.repeated(2000), width, maxLineCount), calls);
 }
 
-// Of letters that are measured, few of those that a line holds are tried for its end.
-void tst_TextLayoutInvariants::shapesFewBeginningsOfAWordThatIsSplit()
+// The layout does not measure a prefix for each letter of a line.
+void tst_TextLayoutInvariants::shapesFewPrefixesOfAWordThatIsSplit()
 {
     constexpr int width = 1000;
     constexpr int maxLineCount = 20;
@@ -420,12 +418,12 @@ void tst_TextLayoutInvariants::shapesFewBeginningsOfAWordThatIsSplit()
     QVERIFY(calls < maxLineCount * lettersPerLine / 2);
 }
 
-void tst_TextLayoutInvariants::readsOnBehindAHyphenThatWasMoved()
+void tst_TextLayoutInvariants::readsBehindAMovedHyphenFromTheSameRun()
 {
     constexpr int width = 400;
     constexpr int maxLineCount = 3;
     const QString first = QStringLiteral("w").repeated(20);
-    // Too short to be split.
+    // The word is too short to be split.
     const QString second = QStringLiteral("-") + QStringLiteral("w").repeated(7);
     const QString fewMore = second + QStringLiteral(" и и");
     const QString more = second + QStringLiteral(" и и и и и и и");
@@ -439,8 +437,8 @@ void tst_TextLayoutInvariants::readsOnBehindAHyphenThatWasMoved()
     QCOMPARE(layoutCalls(first + more, width, maxLineCount), calls);
 }
 
-// Of words that have to be measured, on one line: no more calls for each where there are more of them.
-void tst_TextLayoutInvariants::measuresFartherAheadOnALongerLine()
+// Four times as many words on one line take at most four times as many calls.
+void tst_TextLayoutInvariants::shaperCallsGrowLinearlyWithMeasuredWords()
 {
     constexpr int width = 10'000;
     constexpr int words = 100;

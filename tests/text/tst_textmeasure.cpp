@@ -204,7 +204,7 @@ void tst_TextMeasure::decidesAnEmptyRange()
     }
 }
 
-// Qt measures no character behind it.
+// Qt measures a text only up to its first U+009C.
 void tst_TextMeasure::measuresOnlyUpToTheStringTerminator()
 {
     const SourceText source(u"a\u009cwwwwwwww"_s);
@@ -310,7 +310,8 @@ void tst_TextMeasure::noticesThatReadingsAreWrong_data()
                         Method method = Method::Read) {
         QTest::newRow(name) << kerning << text << method << wrong;
     };
-    // A letter by itself loses half of the kerning. The tolerance is half of the font's size.
+    // Kerning widens both glyphs of a pair by half of it: a letter by itself lacks that half. The tolerance is
+    // half of the font's size.
     row("a little farther from spaces", {.beforeSpace = 900}, u"q w"_s, false);
     row("far from spaces", {.beforeSpace = 1100}, u"q w"_s, true);
     row("spaces swallowed", {.beforeSpace = -1400}, u"q w"_s, true);
@@ -337,7 +338,7 @@ void tst_TextMeasure::noticesThatReadingsAreWrong()
     font.setPixelSize(20);
     const SourceText source(text);
 
-    // Nothing was measured, or only the first or the last letter.
+    // Before the check nothing was measured, or only the first letter, or only the last.
     for (const qsizetype begin : {qsizetype(-1), qsizetype(0), text.size() - 1}) {
         TextMeasure measure(source, font, lineWidth, manyLines, method);
         if (begin >= 0)

@@ -35,7 +35,7 @@ using Change = std::function<void(TextRenderer &)>;
 constexpr int least = std::numeric_limits<int>::min();
 constexpr int most = std::numeric_limits<int>::max();
 
-// Wide enough for every text that is meant to stay on one line.
+// Wider than every text below that must stay on one line.
 constexpr int ampleWidth = 600;
 
 void prepare(TextRenderer &renderer, const QString &text, int width = ampleWidth,
@@ -65,7 +65,7 @@ double lineHeight(const QFont &font = pixelFont())
     return staticText(QStringLiteral("a"), ampleWidth, font).size().height();
 }
 
-// A rich text whose lines are so much higher than the font's.
+// A rich text with a line height in per cent of the font's.
 QString withLineHeight(int percent)
 {
     return QStringLiteral("<p style='line-height:%1%'>a</p>").arg(percent);
@@ -83,7 +83,7 @@ bool isBlank(const QImage &image)
     return image == canvas();
 }
 
-// Notes of each part of a static text whether the engine is asked to keep what it makes of it.
+// Records for each line of a static text whether QPainter asks the engine to cache it.
 class CachingRecorder : public QPaintEngineEx
 {
 public:
@@ -143,44 +143,44 @@ private Q_SLOTS:
     void initTestCase();
     void init();
 
-    void startsLaidOutAndEmpty();
+    void startsEmptyWithoutNeedForALayout();
 
     void settersStoreTheirValue();
-    void setterMarksDirtyOnce_data();
-    void setterMarksDirtyOnce();
-    void setterMakesTheLayoutFollow_data();
-    void setterMakesTheLayoutFollow();
+    void setterMarksDirtyOnlyIfTheValueChanges_data();
+    void setterMarksDirtyOnlyIfTheValueChanges();
+    void relayoutAppliesEachSetter_data();
+    void relayoutAppliesEachSetter();
     void validityNeedsTextAndPixelSize();
 
     void newlinesStayOnASingleLine();
-    void newlinesAreReplacedWithTheText();
-    void newlinesAreReplacedWithTheLineCount();
-    void replacedNewlinesStay();
-    void newlinesComparedAfterTheirReplacement();
-    void newlinesAreReplacedAgainInALaterText();
+    void setTextReplacesNewlines();
+    void setMaxLineCountReplacesNewlines();
+    void replacedNewlinesStayReplaced();
+    void setTextComparesTheTextWithReplacedNewlines();
+    void newlinesOfALaterTextAreReplaced();
     void textLinesAreTheParagraphs();
     void displayTextHasNewlines();
 
-    void maxTextWidthReachesTheStaticTextAtOnce();
-    void equalMaxTextWidthLeavesTheStaticTextAlone();
-    void textWidthReachesTheStaticTextWithTheLayout();
-    void textWidthPrecedesMaxTextWidth();
+    void setMaxTextWidthChangesTheStaticTextAtOnce();
+    void equalMaxTextWidthDoesNotChangeTheStaticText();
+    void textWidthChangesTheStaticTextWithTheLayout();
+    void textWidthWinsOverMaxTextWidth();
     void widthsBelowOneAreNoWidth_data();
     void widthsBelowOneAreNoWidth();
 
     void widerBoxKeepsTheLayout();
     void boxAsWideAsTheTextKeepsTheLayout();
     void narrowerBoxNeedsALayout();
-    void widthOfAWrappedTextNeedsALayout();
-    void widthBesideMaxTextWidthNeedsALayout();
-    void noWidthKeepsTheLayout();
-    void noWidthKeepsAWrappedLayout();
+    void anyWidthOfAWrappedTextNeedsALayout();
+    void firstWidthWithAMaxTextWidthNeedsALayout();
+    void widthOfZeroKeepsTheLayout();
+    void widthOfZeroKeepsAWrappedLayout();
     void negativeWidthNeedsALayout();
-    void elidedTextNeedsALayout();
-    void widthOfATextNeverMeasuredNeedsALayout();
-    void widthOfADirtyTextIsStored();
-    void keptLayoutIsAlignedAnew();
-    void keptLayoutCanBeKeptAgain();
+    void anyWidthOfAnElidedTextNeedsALayout();
+    void anyWidthOfAnUnmeasuredTextNeedsALayout();
+    void widthOfADirtyTextIsOnlyStored();
+    void keptLayoutIsAlignedAgain();
+    void severalWidthsKeepTheLayout();
 
     void moveShiftsWithoutLayout();
     void moveToTheSamePlaceDoesNothing();
@@ -189,13 +189,13 @@ private Q_SLOTS:
     void alignsVertically_data();
     void alignsVertically();
     void leavesVerticalPositionOfUnalignedText();
-    void hasNoHeightToAlignInAtFirst();
-    void resetsVerticalPositionWithoutABox();
+    void doesNotAlignVerticallyWithoutAvailableHeight();
+    void resetsVerticalPositionWithoutAvailableHeight();
     void alignsHorizontally_data();
     void alignsHorizontally();
     void textThatFitsKeepsItsOwnWidth_data();
     void textThatFitsKeepsItsOwnWidth();
-    void alignsHorizontallyByTheLimitWhereTheTextIsWider();
+    void doesNotShiftATextThatIsWiderThanTheBox();
     void leavesHorizontalPositionOfUnalignedText();
     void doesNotAlignHorizontallyWithoutTextWidth();
 
@@ -203,18 +203,18 @@ private Q_SLOTS:
     void boundingSizeOfEmptyTextIgnoresMargins();
     void boundingSizeLaysOutUnlessConst();
     void boundingRectIsAtTheAlignedPosition();
-    void boundingRectOfANullAlignedPosition();
+    void boundingRectIgnoresANullAlignedPosition();
     void geometryIsTheBox_data();
     void geometryIsTheBox();
     void geometryWithoutTextWidthIsTheBoundingRect();
 
-    void copyTakesOver();
-    void copyTakesOverDirtiness();
-    void copyLeavesOut();
+    void copyHasTheValuesOfTheOriginal();
+    void copyOfADirtyRendererIsDirty();
+    void copyHasNeitherElidedStateNorMeasuredWidth();
     void copyIsIndependent();
 
     void drawPaintsTheStaticText();
-    void drawPaintsPixels();
+    void drawPaintsTheSamePixelsAsAStaticText();
     void drawPaintsAtTheAlignedPosition();
     void drawPaintsAtANullAlignedPosition();
     void drawAsksForAggressiveCaching();
@@ -224,7 +224,7 @@ private Q_SLOTS:
     void drawPaintsNothingWhenInvalid_data();
     void drawPaintsNothingWhenInvalid();
     void drawLeavesTheTextFontSet();
-    void drawLeavesPenAndBrushAlone();
+    void drawKeepsPenAndBrush();
     void drawStrikesOut_data();
     void drawStrikesOut();
     void drawStrikesOutPixels();
@@ -235,7 +235,7 @@ private Q_SLOTS:
     void extremeValuesAreSafe_data();
     void extremeValuesAreSafe();
     void extremePositionsAreSafe();
-    void rectanglesEndWhereIntsDo();
+    void rectanglesSaturate();
     void extremeLetterSpacingIsSafe();
 };
 
@@ -249,7 +249,7 @@ void tst_TextRenderer::init()
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
 }
 
-void tst_TextRenderer::startsLaidOutAndEmpty()
+void tst_TextRenderer::startsEmptyWithoutNeedForALayout()
 {
     const TextRenderer renderer;
 
@@ -294,7 +294,7 @@ void tst_TextRenderer::settersStoreTheirValue()
     QCOMPARE(renderer.textTopLeft(), QPoint(3, 4));
 }
 
-void tst_TextRenderer::setterMarksDirtyOnce_data()
+void tst_TextRenderer::setterMarksDirtyOnlyIfTheValueChanges_data()
 {
     QTest::addColumn<Change>("change");
 
@@ -311,7 +311,7 @@ void tst_TextRenderer::setterMarksDirtyOnce_data()
     QTest::newRow("position") << Change([](TextRenderer &r) { r.setTextTopLeft(QPoint(1, 0)); });
 }
 
-void tst_TextRenderer::setterMarksDirtyOnce()
+void tst_TextRenderer::setterMarksDirtyOnlyIfTheValueChanges()
 {
     QFETCH(Change, change);
 
@@ -329,7 +329,7 @@ void tst_TextRenderer::setterMarksDirtyOnce()
     QVERIFY(!renderer.isNeedRelayout());
 }
 
-void tst_TextRenderer::setterMakesTheLayoutFollow_data()
+void tst_TextRenderer::relayoutAppliesEachSetter_data()
 {
     QTest::addColumn<Change>("change");
 
@@ -354,7 +354,7 @@ void tst_TextRenderer::setterMakesTheLayoutFollow_data()
     });
 }
 
-void tst_TextRenderer::setterMakesTheLayoutFollow()
+void tst_TextRenderer::relayoutAppliesEachSetter()
 {
     QFETCH(Change, change);
 
@@ -431,7 +431,7 @@ void tst_TextRenderer::newlinesStayOnASingleLine()
     }
 }
 
-void tst_TextRenderer::newlinesAreReplacedWithTheText()
+void tst_TextRenderer::setTextReplacesNewlines()
 {
     for (const int maxLineCount : {2, 3, most}) {
         TextRenderer renderer;
@@ -441,7 +441,7 @@ void tst_TextRenderer::newlinesAreReplacedWithTheText()
     }
 }
 
-void tst_TextRenderer::newlinesAreReplacedWithTheLineCount()
+void tst_TextRenderer::setMaxLineCountReplacesNewlines()
 {
     TextRenderer renderer;
     renderer.setText(QStringLiteral("a\nb\nc"));
@@ -449,7 +449,7 @@ void tst_TextRenderer::newlinesAreReplacedWithTheLineCount()
     QCOMPARE(renderer.text(), QStringLiteral("a\u2028b\u2028c"));
 }
 
-void tst_TextRenderer::replacedNewlinesStay()
+void tst_TextRenderer::replacedNewlinesStayReplaced()
 {
     TextRenderer renderer;
     renderer.setText(QStringLiteral("a\nb"));
@@ -459,7 +459,7 @@ void tst_TextRenderer::replacedNewlinesStay()
     QCOMPARE(renderer.textLines(), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
 }
 
-void tst_TextRenderer::newlinesComparedAfterTheirReplacement()
+void tst_TextRenderer::setTextComparesTheTextWithReplacedNewlines()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("a\nb"), ampleWidth, 2);
@@ -479,7 +479,7 @@ void tst_TextRenderer::newlinesComparedAfterTheirReplacement()
     QCOMPARE(renderer.text(), QStringLiteral("a\nb"));
 }
 
-void tst_TextRenderer::newlinesAreReplacedAgainInALaterText()
+void tst_TextRenderer::newlinesOfALaterTextAreReplaced()
 {
     TextRenderer renderer;
     renderer.setMaxLineCount(2);
@@ -517,7 +517,7 @@ void tst_TextRenderer::displayTextHasNewlines()
     QCOMPARE(renderer.displayText(), QStringLiteral("a\n\nb"));
 }
 
-void tst_TextRenderer::maxTextWidthReachesTheStaticTextAtOnce()
+void tst_TextRenderer::setMaxTextWidthChangesTheStaticTextAtOnce()
 {
     const QString text = QStringLiteral("aaaa bbbb");
     const int width = fineWidth(QStringLiteral("aaaa"));
@@ -533,13 +533,13 @@ void tst_TextRenderer::maxTextWidthReachesTheStaticTextAtOnce()
     renderer.setMaxTextWidth(ampleWidth);
     QCOMPARE(constRenderer.boundingSize(), QSize(ampleWidth, qRound(lineHeight())));
 
-    // Qt lays a text of negative width out as wide as it is.
+    // With a negative width Qt does not wrap the text.
     renderer.setMaxTextWidth(-1);
     QCOMPARE(constRenderer.boundingSize().width(),
              static_cast<int>(std::ceil(staticText(text, -1).size().width())));
 }
 
-void tst_TextRenderer::equalMaxTextWidthLeavesTheStaticTextAlone()
+void tst_TextRenderer::equalMaxTextWidthDoesNotChangeTheStaticText()
 {
     const QString text = QStringLiteral("aaaa bbbb");
     TextRenderer renderer;
@@ -556,7 +556,7 @@ void tst_TextRenderer::equalMaxTextWidthLeavesTheStaticTextAlone()
     QCOMPARE(constRenderer.boundingSize().width(), fineWidth(text));
 }
 
-void tst_TextRenderer::textWidthReachesTheStaticTextWithTheLayout()
+void tst_TextRenderer::textWidthChangesTheStaticTextWithTheLayout()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("aaaa bbbb"), ampleWidth, 2);
@@ -570,7 +570,7 @@ void tst_TextRenderer::textWidthReachesTheStaticTextWithTheLayout()
     QCOMPARE(renderer.boundingSize(), QSize(width, qRound(2 * lineHeight())));
 }
 
-void tst_TextRenderer::textWidthPrecedesMaxTextWidth()
+void tst_TextRenderer::textWidthWinsOverMaxTextWidth()
 {
     const QString text = QStringLiteral("aaaa bbbb");
     const int narrow = fineWidth(QStringLiteral("aaaa"));
@@ -584,10 +584,10 @@ void tst_TextRenderer::textWidthPrecedesMaxTextWidth()
     renderer.setTextWidth(narrow);
     QCOMPARE(renderer.boundingSize(), QSize(narrow, qRound(2 * lineHeight())));
 
-    TextRenderer onlyMaximal;
-    onlyMaximal.setMaxTextWidth(narrow);
-    prepare(onlyMaximal, text, 0, 2);
-    QCOMPARE(onlyMaximal.boundingSize(), QSize(narrow, qRound(2 * lineHeight())));
+    TextRenderer withMaxTextWidthOnly;
+    withMaxTextWidthOnly.setMaxTextWidth(narrow);
+    prepare(withMaxTextWidthOnly, text, 0, 2);
+    QCOMPARE(withMaxTextWidthOnly.boundingSize(), QSize(narrow, qRound(2 * lineHeight())));
 }
 
 void tst_TextRenderer::widthsBelowOneAreNoWidth_data()
@@ -617,7 +617,7 @@ void tst_TextRenderer::widthsBelowOneAreNoWidth()
     prepare(limited, text, width);
     QCOMPARE(limited.isTextElided(), true);
 
-    // One pixel is a width.
+    // A width of 1 pixel limits the text.
     TextRenderer narrow;
     prepare(narrow, text, 1);
     QCOMPARE(narrow.isTextElided(), true);
@@ -666,13 +666,13 @@ void tst_TextRenderer::narrowerBoxNeedsALayout()
     QCOMPARE(renderer.textWidth(), fineWidth(text) - 1);
 }
 
-void tst_TextRenderer::widthOfAWrappedTextNeedsALayout()
+void tst_TextRenderer::anyWidthOfAWrappedTextNeedsALayout()
 {
     const QString text = QStringLiteral("aaaa bbbb");
     TextRenderer renderer;
     prepare(renderer, text, fineWidth(text) - 1, 3);
 
-    // The setter does not ask whether the width changes.
+    // Also the same width needs a layout.
     renderer.setTextWidth(fineWidth(text) - 1);
     QVERIFY(renderer.isNeedRelayout());
     renderer.relayout();
@@ -681,7 +681,7 @@ void tst_TextRenderer::widthOfAWrappedTextNeedsALayout()
     QVERIFY(renderer.isNeedRelayout());
 }
 
-void tst_TextRenderer::widthBesideMaxTextWidthNeedsALayout()
+void tst_TextRenderer::firstWidthWithAMaxTextWidthNeedsALayout()
 {
     TextRenderer renderer;
     renderer.setMaxTextWidth(ampleWidth);
@@ -692,7 +692,7 @@ void tst_TextRenderer::widthBesideMaxTextWidthNeedsALayout()
     QVERIFY(renderer.isNeedRelayout());
 }
 
-void tst_TextRenderer::noWidthKeepsTheLayout()
+void tst_TextRenderer::widthOfZeroKeepsTheLayout()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("aaaa bbbb"), ampleWidth, 3);
@@ -702,7 +702,7 @@ void tst_TextRenderer::noWidthKeepsTheLayout()
     QCOMPARE(renderer.geometry(), renderer.boundingRect());
 }
 
-void tst_TextRenderer::noWidthKeepsAWrappedLayout()
+void tst_TextRenderer::widthOfZeroKeepsAWrappedLayout()
 {
     const int width = fineWidth(QStringLiteral("aaaa"));
     TextRenderer renderer;
@@ -716,7 +716,6 @@ void tst_TextRenderer::noWidthKeepsAWrappedLayout()
     QCOMPARE(renderer.boundingSize(), wrapped);
     QCOMPARE(renderer.textWidth(), 0);
 
-    // And so again, and from there back to a width only by a layout.
     renderer.setTextWidth(0);
     QVERIFY(!renderer.isNeedRelayout());
     renderer.setTextWidth(ampleWidth);
@@ -734,7 +733,7 @@ void tst_TextRenderer::negativeWidthNeedsALayout()
     }
 }
 
-void tst_TextRenderer::elidedTextNeedsALayout()
+void tst_TextRenderer::anyWidthOfAnElidedTextNeedsALayout()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("aaaa bbbb"), fineWidth(QStringLiteral("aaaa")));
@@ -743,7 +742,7 @@ void tst_TextRenderer::elidedTextNeedsALayout()
     renderer.setTextWidth(0);
     QVERIFY(renderer.isNeedRelayout());
 
-    // A hard break can cut a text that the box is wide enough for.
+    // The line limit can elide a text whose lines all fit the box.
     TextRenderer wideEnough;
     prepare(wideEnough, QStringLiteral("a\nb\nc"), ampleWidth, 2);
     QVERIFY(wideEnough.isTextElided());
@@ -751,7 +750,7 @@ void tst_TextRenderer::elidedTextNeedsALayout()
     QVERIFY(wideEnough.isNeedRelayout());
 }
 
-void tst_TextRenderer::widthOfATextNeverMeasuredNeedsALayout()
+void tst_TextRenderer::anyWidthOfAnUnmeasuredTextNeedsALayout()
 {
     TextRenderer untouched;
     untouched.setTextWidth(0);
@@ -765,7 +764,7 @@ void tst_TextRenderer::widthOfATextNeverMeasuredNeedsALayout()
     QVERIFY(copy.isNeedRelayout());
 }
 
-void tst_TextRenderer::widthOfADirtyTextIsStored()
+void tst_TextRenderer::widthOfADirtyTextIsOnlyStored()
 {
     const QString text = QStringLiteral("aaaa bbbb");
     TextRenderer renderer;
@@ -781,7 +780,7 @@ void tst_TextRenderer::widthOfADirtyTextIsStored()
     QCOMPARE(renderer.boundingSize(), QSize(narrow, qRound(2 * lineHeight())));
 }
 
-void tst_TextRenderer::keptLayoutIsAlignedAnew()
+void tst_TextRenderer::keptLayoutIsAlignedAgain()
 {
     const QString text = QStringLiteral("aaaa bbbb");
     TextRenderer renderer;
@@ -793,13 +792,13 @@ void tst_TextRenderer::keptLayoutIsAlignedAnew()
     QVERIFY(!renderer.isNeedRelayout());
     QCOMPARE(renderer.alignedTextTopLeft().x(), ampleWidth + 13 - fineWidth(text));
 
-    // Without a width nothing is aligned: the text stays where it was.
+    // A width of 0 does not move the text.
     renderer.setTextWidth(0);
     QVERIFY(!renderer.isNeedRelayout());
     QCOMPARE(renderer.alignedTextTopLeft().x(), ampleWidth + 13 - fineWidth(text));
 }
 
-void tst_TextRenderer::keptLayoutCanBeKeptAgain()
+void tst_TextRenderer::severalWidthsKeepTheLayout()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("aaaa"), ampleWidth);
@@ -826,7 +825,7 @@ void tst_TextRenderer::moveShiftsWithoutLayout()
     QCOMPARE(renderer.textTopLeft(), QPoint(7, 28));
     QCOMPARE(renderer.alignedTextTopLeft(), aligned + QPoint(-3, 8));
 
-    // Nor does it make a dirty text clean.
+    // A dirty text stays dirty.
     renderer.setText(QStringLiteral("b"));
     renderer.move(QPoint(0, 0));
     QVERIFY(renderer.isNeedRelayout());
@@ -894,7 +893,8 @@ void tst_TextRenderer::alignsVertically_data()
     QTest::newRow("bottom, as high") << plain << bottom << height << 0;
     QTest::newRow("bottom, higher than the box") << plain << bottom << height - 10 << 0;
 
-    // Heights that are no whole number: rounded up, at the bottom before they are subtracted.
+    // Fractional heights. The bottom alignment rounds the height up and subtracts it from the available height.
+    // The centre alignment rounds half of the difference up.
     for (const int percent : {105, 112}) {
         const QString rich = withLineHeight(percent);
         const double broken =
@@ -952,7 +952,7 @@ void tst_TextRenderer::leavesVerticalPositionOfUnalignedText()
     QCOMPARE(renderer.alignedTextTopLeft().y(), 1);
 }
 
-void tst_TextRenderer::hasNoHeightToAlignInAtFirst()
+void tst_TextRenderer::doesNotAlignVerticallyWithoutAvailableHeight()
 {
     TextRenderer renderer;
     renderer.setTextAlignment(Qt::AlignVCenter);
@@ -960,7 +960,7 @@ void tst_TextRenderer::hasNoHeightToAlignInAtFirst()
     QCOMPARE(renderer.alignedTextTopLeft().y(), 0);
 }
 
-void tst_TextRenderer::resetsVerticalPositionWithoutABox()
+void tst_TextRenderer::resetsVerticalPositionWithoutAvailableHeight()
 {
     for (const int noBox : {0, -1}) {
         TextRenderer renderer;
@@ -1014,7 +1014,7 @@ void tst_TextRenderer::alignsHorizontally()
     }
 }
 
-// A layout may tell from a prefix that the whole text is wider than the box: it is not these.
+// A layout may conclude from a prefix that the whole text is wider than the box. These texts fit.
 void tst_TextRenderer::textThatFitsKeepsItsOwnWidth_data()
 {
     QTest::addColumn<QString>("text");
@@ -1047,9 +1047,9 @@ void tst_TextRenderer::textThatFitsKeepsItsOwnWidth()
     QCOMPARE(renderer.alignedTextTopLeft().x(), 0);
 }
 
-void tst_TextRenderer::alignsHorizontallyByTheLimitWhereTheTextIsWider()
+void tst_TextRenderer::doesNotShiftATextThatIsWiderThanTheBox()
 {
-    // The whole text's width counts, limited by the box: a wrapped text fills its box.
+    // The width that is aligned is that of the whole text on one line, but at most that of the box.
     const QString text = QStringLiteral("aaaa bbbb");
     for (const Qt::AlignmentFlag alignment : {Qt::AlignHCenter, Qt::AlignRight}) {
         for (const int narrow : {fineWidth(QStringLiteral("aaaa")) + 4, 1}) {
@@ -1100,7 +1100,7 @@ void tst_TextRenderer::boundingSizeAddsMarginsToRoundedUpSize()
     QCOMPARE(renderer.boundingSize(margins),
              QSize(fineWidth(text) + 31, qRound(lineHeight()) + 42));
 
-    // A static text without a width is as wide as its line, a rich one may be as high as it likes.
+    // A static text with a negative width has the fractional width of its line.
     renderer.setMaxTextWidth(-1);
     const QSizeF natural = staticText(text, -1).size();
     QVERIFY(natural.width() - std::floor(natural.width()) < 0.5);
@@ -1124,7 +1124,7 @@ void tst_TextRenderer::boundingSizeOfEmptyTextIgnoresMargins()
     const TextRenderer untouched;
     QCOMPARE(untouched.boundingSize(margins).width(), 0);
 
-    // The static text still has what was laid out before the text became empty.
+    // The static text still has the layout of the text before.
     for (const int percent : {105, 112}) {
         TextRenderer rich;
         rich.setTextFormat(Qt::RichText);
@@ -1173,7 +1173,7 @@ void tst_TextRenderer::boundingRectIsAtTheAlignedPosition()
              QRect(QPoint(10 + ampleWidth - size.width(), 20 + 100 - size.height()), size));
 }
 
-void tst_TextRenderer::boundingRectOfANullAlignedPosition()
+void tst_TextRenderer::boundingRectIgnoresANullAlignedPosition()
 {
     const int height = qRound(lineHeight());
     TextRenderer renderer;
@@ -1194,11 +1194,11 @@ void tst_TextRenderer::boundingRectOfANullAlignedPosition()
 
 void tst_TextRenderer::geometryIsTheBox_data()
 {
-    QTest::addColumn<double>("leastPart");
-    QTest::addColumn<double>("mostPart");
+    QTest::addColumn<double>("leastFraction");
+    QTest::addColumn<double>("greatestFraction");
     QTest::addColumn<int>("roundedUp");
 
-    // What the height has behind its point, and what it gains by being rounded.
+    // The range of the height's fraction, and the pixel that rounding adds.
     QTest::newRow("whole") << 0.0 << 0.0 << 0;
     QTest::newRow("below a half") << 0.1 << 0.49 << 0;
     QTest::newRow("a half") << 0.5 << 0.5 << 1;
@@ -1207,18 +1207,18 @@ void tst_TextRenderer::geometryIsTheBox_data()
 
 void tst_TextRenderer::geometryIsTheBox()
 {
-    QFETCH(double, leastPart);
-    QFETCH(double, mostPart);
+    QFETCH(double, leastFraction);
+    QFETCH(double, greatestFraction);
     QFETCH(int, roundedUp);
 
-    // Line heights in per cent of small fonts give heights of every kind.
+    // Searches a height whose fraction is in the range.
     for (int pixelSize = 8; pixelSize < 12; ++pixelSize) {
         for (int percent = 101; percent < 200; ++percent) {
             const QFont font = pixelFont(pixelSize);
             const QString text = withLineHeight(percent);
             const double height = staticText(text, 100, font, Qt::RichText).size().height();
             const double fraction = height - std::floor(height);
-            if (fraction < leastPart || fraction > mostPart)
+            if (fraction < leastFraction || fraction > greatestFraction)
                 continue;
 
             TextRenderer renderer;
@@ -1236,7 +1236,7 @@ void tst_TextRenderer::geometryIsTheBox()
             return;
         }
     }
-    QFAIL("No line height is of this kind.");
+    QFAIL("No line height has such a fraction.");
 }
 
 void tst_TextRenderer::geometryWithoutTextWidthIsTheBoundingRect()
@@ -1251,7 +1251,7 @@ void tst_TextRenderer::geometryWithoutTextWidthIsTheBoundingRect()
         QVERIFY(renderer.geometry().y() > 7);
     }
 
-    // One pixel is a width.
+    // A width of 1 pixel makes a box.
     TextRenderer narrow;
     narrow.setTextTopLeft(QPoint(5, 7));
     prepare(narrow, QStringLiteral("aaaa"));
@@ -1259,7 +1259,7 @@ void tst_TextRenderer::geometryWithoutTextWidthIsTheBoundingRect()
     QCOMPARE(narrow.geometry(), QRect(5, 7, 1, qRound(lineHeight())));
 }
 
-void tst_TextRenderer::copyTakesOver()
+void tst_TextRenderer::copyHasTheValuesOfTheOriginal()
 {
     TextRenderer renderer;
     renderer.setTextAlignment(Qt::AlignRight | Qt::AlignBottom);
@@ -1289,13 +1289,13 @@ void tst_TextRenderer::copyTakesOver()
     QCOMPARE(copy.isNeedRelayout(), false);
     QCOMPARE(copy.isValid(), true);
 
-    // The available height shows in the next layout only.
+    // Only the next layout shows that the copy has the available height.
     copy.setTextTopLeft(QPoint(6, 8));
     copy.relayout();
     QCOMPARE(copy.alignedTextTopLeft(), renderer.alignedTextTopLeft() + QPoint(1, 1));
 }
 
-void tst_TextRenderer::copyTakesOverDirtiness()
+void tst_TextRenderer::copyOfADirtyRendererIsDirty()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("a"));
@@ -1309,7 +1309,7 @@ void tst_TextRenderer::copyTakesOverDirtiness()
     QCOMPARE(renderer.displayText(), QStringLiteral("a"));
 }
 
-void tst_TextRenderer::copyLeavesOut()
+void tst_TextRenderer::copyHasNeitherElidedStateNorMeasuredWidth()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("aaaa bbbb"), fineWidth(QStringLiteral("aaaa")));
@@ -1325,7 +1325,7 @@ void tst_TextRenderer::copyLeavesOut()
     copy.relayout();
     QCOMPARE(copy.isTextElided(), true);
 
-    // The measured width is not copied either: no layout is kept by it.
+    // The copy does not have the measured width, by which the original keeps its layout.
     TextRenderer fitting;
     prepare(fitting, QStringLiteral("aaaa"));
     TextRenderer fittingCopy(fitting);
@@ -1395,7 +1395,7 @@ void tst_TextRenderer::drawPaintsTheStaticText()
     }
 }
 
-void tst_TextRenderer::drawPaintsPixels()
+void tst_TextRenderer::drawPaintsTheSamePixelsAsAStaticText()
 {
     TextRenderer renderer;
     renderer.setTextTopLeft(QPoint(10, 20));
@@ -1420,7 +1420,7 @@ void tst_TextRenderer::drawPaintsPixels()
     }
     QCOMPARE(drawn, byHand);
 
-    // Nothing outside its rectangle.
+    // Nothing is painted outside boundingRect().
     {
         QPainter painter(&drawn);
         painter.setCompositionMode(QPainter::CompositionMode_Clear);
@@ -1447,7 +1447,7 @@ void tst_TextRenderer::drawPaintsAtTheAlignedPosition()
     }
     QVERIFY(!isBlank(drawn));
 
-    // The line of a right-aligned static text ends at its right edge.
+    // The line ends at the right edge of the box.
     const QList<PaintCall> calls = recorder.calls();
     QCOMPARE(calls.size(), 1);
     const QPointF origin = renderer.alignedTextTopLeft();
@@ -1484,7 +1484,7 @@ void tst_TextRenderer::drawPaintsAtANullAlignedPosition()
         renderer.draw(painter);
     }
 
-    // boundingRect() is at textTopLeft() then, and begins 7 pixels further down.
+    // The text is painted at the null position, although boundingRect() begins 7 pixels below it.
     const QPointF baseline = recorder.calls(PaintCall::Kind::Text).constFirst().position;
     QCOMPARE(baseline, QPointF(0, QFontMetricsF(font).ascent()));
     const QLineF strike = recorder.calls(PaintCall::Kind::Lines).constFirst().lines.constFirst();
@@ -1504,7 +1504,7 @@ void tst_TextRenderer::drawAsksForAggressiveCaching()
             QPainter painter(&device);
             each->draw(painter);
         }
-        QCOMPARE(engine.asked, (QList{true, true})); // for each line
+        QCOMPARE(engine.asked, (QList{true, true})); // one value for each line
     }
 }
 
@@ -1605,14 +1605,14 @@ void tst_TextRenderer::drawLeavesTheTextFontSet()
     renderer.draw(painter);
     QCOMPARE(painter.font().pixelSize(), 20);
 
-    // An invalid renderer touches nothing.
+    // An invalid renderer does not set the painter's font.
     renderer.setText(QString());
     painter.setFont(pixelFont(50));
     renderer.draw(painter);
     QCOMPARE(painter.font().pixelSize(), 50);
 }
 
-void tst_TextRenderer::drawLeavesPenAndBrushAlone()
+void tst_TextRenderer::drawKeepsPenAndBrush()
 {
     const QPen pen(Qt::red, 3, Qt::DashLine);
     for (const bool strikeOut : {false, true}) {
@@ -1623,7 +1623,7 @@ void tst_TextRenderer::drawLeavesPenAndBrushAlone()
         renderer.setText(QStringLiteral("a"));
         renderer.relayout();
 
-        // The point size of a font in pixels is -1, which QPen refuses as a width.
+        // draw() gives the pen the font's point size as width. It is -1 for a font in pixels: QPen refuses it.
         if (strikeOut) {
             QTest::ignoreMessage(QtWarningMsg,
                                  "QPen::setWidth: Setting a pen width that is out of range");
@@ -1685,7 +1685,7 @@ void tst_TextRenderer::drawStrikesOut()
     QCOMPARE(lines.constFirst().pen.color(), QColor(Qt::red));
     QCOMPARE(lines.constFirst().transform, QTransform());
 
-    // A static text without a width is as wide as its line: that is rounded up.
+    // A static text with a negative width has the fractional width of its line: the line is rounded up.
     renderer.setMaxTextWidth(-1);
     const double width = staticText(text, -1, font).size().width();
     QVERIFY(width != std::floor(width));
@@ -1790,7 +1790,7 @@ void tst_TextRenderer::drawTextRendererLeavesItsStateSet()
         QCOMPARE(painter.transform(), after);
         QCOMPARE(painter.brush(), QBrush(Qt::NoBrush));
         QCOMPARE(painter.font().pixelSize(), 20);
-        // For an engine as plain as the recorder's, Qt sets a pen of its own to draw a static text.
+        // With the recorder's engine, Qt sets a pen of its own to draw a static text.
         if (device == &image)
             QCOMPARE(painter.pen(), pen);
         else
@@ -1801,7 +1801,7 @@ void tst_TextRenderer::drawTextRendererLeavesItsStateSet()
     QCOMPARE(recorder.calls().constFirst().brush, QBrush(Qt::NoBrush));
     QCOMPARE(recorder.calls().constFirst().pen.color(), QColor(Qt::red));
 
-    // An invalid renderer paints nothing and still leaves pen, brush and place behind.
+    // An invalid renderer paints nothing, but pen and brush are set.
     const TextRenderer invalid;
     recorder.clear();
     {
@@ -1917,7 +1917,7 @@ void tst_TextRenderer::extremePositionsAreSafe()
     }
 }
 
-void tst_TextRenderer::rectanglesEndWhereIntsDo()
+void tst_TextRenderer::rectanglesSaturate()
 {
     TextRenderer renderer;
     prepare(renderer, QStringLiteral("слово"), ampleWidth);
@@ -1939,7 +1939,7 @@ void tst_TextRenderer::rectanglesEndWhereIntsDo()
     QCOMPARE(renderer.boundingSize(QMargins(least, least, least, least)), QSize(least, least));
 }
 
-// A text can be so tight that it ends far left of its beginning, and its width is below zero.
+// With strong negative letter spacing the width of a text is negative.
 void tst_TextRenderer::extremeLetterSpacingIsSafe()
 {
     QFont font = spacedFont(QFont::AbsoluteSpacing, -1e6);
@@ -1961,7 +1961,7 @@ void tst_TextRenderer::extremeLetterSpacingIsSafe()
     renderer.relayout();
     QCOMPARE(renderer.alignedTextTopLeft(), QPoint(most, 0));
 
-    // A box of no width moves nothing, though the text needs less.
+    // A width of 0 does not move the text.
     renderer.setTextWidth(0);
     QVERIFY(!renderer.isNeedRelayout());
     QCOMPARE(renderer.alignedTextTopLeft(), QPoint(most, 0));

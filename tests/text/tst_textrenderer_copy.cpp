@@ -12,12 +12,12 @@
 using namespace ovelin;
 using namespace ovelin::tests;
 
-// What is left of a copy for which memory runs out half way.
+// Memory runs out in the middle of a copy.
 
 namespace {
 
-// Of this thread: QtTest has one that watches.
-thread_local std::optional<int> allocationsLeft; // any number, where not set
+// QtTest has a thread of its own, whose allocations are not counted.
+thread_local std::optional<int> allocationsLeft; // not set: any number
 thread_local int liveAllocations = 0;
 
 } // namespace
@@ -50,10 +50,10 @@ class tst_TextRendererCopy : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingIsLeftOfAFailedCopy();
+    void failedCopyLeaksNothing();
 };
 
-void tst_TextRendererCopy::nothingIsLeftOfAFailedCopy()
+void tst_TextRendererCopy::failedCopyLeaksNothing()
 {
     TextRenderer original;
     original.setTextFont(pixelFont());
@@ -81,7 +81,7 @@ void tst_TextRendererCopy::nothingIsLeftOfAFailedCopy()
         QCOMPARE(original.boundingSize(), size);
     }
 
-    // At least the renderer itself, its private record, and the static text of that.
+    // A copy allocates at least the renderer, its private data and the static text.
     QCOMPARE_GE(failures, 3);
     QCOMPARE(copy->displayText(), shown);
     QCOMPARE(copy->boundingSize(), size);

@@ -121,9 +121,9 @@ private Q_SLOTS:
     void startsStoppedAtSixtyFramesPerSecond();
 
     void drawsCircleThenArc();
-    void drawsNothingOfANullRectButTheCircle();
+    void drawsOnlyTheCircleInANullRect();
     void drawsWithTheDefaultPens();
-    void leavesForegroundPenAndNothingElseOnThePainter();
+    void drawChangesOnlyThePenOfThePainter();
     void drawingDoesNotAdvance();
     void drawsInTheCallersCoordinates();
 
@@ -132,10 +132,10 @@ private Q_SLOTS:
     void setPenWidthSetsBothPens();
     void setPenWidthInsetsTheLastRenderRect();
     void setPenWidthInsetsTheNullRect();
-    void refusedPenWidthStillMovesTheArcRect_data();
-    void refusedPenWidthStillMovesTheArcRect();
-    void extremeRectsDoNoHarm_data();
-    void extremeRectsDoNoHarm();
+    void refusedPenWidthChangesTheArcRect_data();
+    void refusedPenWidthChangesTheArcRect();
+    void extremeRectsSaturate_data();
+    void extremeRectsSaturate();
     void setBackgroundColorSetsTrackOnly();
     void setForegcoundColorSetsArcOnly();
     void settersEmitNothing();
@@ -150,16 +150,16 @@ private Q_SLOTS:
     void everyFrameFollowsTheRules_data();
     void everyFrameFollowsTheRules();
     void growsFor46TicksAndShrinksFor46();
-    void turnsRoundExactlyAtTheLimits_data();
-    void turnsRoundExactlyAtTheLimits();
+    void changesThePhaseExactlyAtTheLimits_data();
+    void changesThePhaseExactlyAtTheLimits();
     void clampsTheSpan();
-    void foldsTheTailIntoTheRotation();
+    void shrinkingMovesTheStartOfTheArc();
     void easingClampsOutsideTheRange();
     void negativeRotationStaysNegative();
-    void extremeStepsWrapAsBits_data();
-    void extremeStepsWrapAsBits();
+    void extremeStepsWrapAround_data();
+    void extremeStepsWrapAround();
 
-    void paintsTrackAndArcAtTheirPlaces();
+    void paintsTrackAndArcAtTheirAngles();
     void paintsTheGapOfTheLongestArc();
 
     void tickStepsFollowTheInterval_data();
@@ -176,7 +176,7 @@ private Q_SLOTS:
     void resumesFromTheStoredState();
     void startingAgainRestartsTheTimer();
     void canBeStoppedFromItsSignal();
-    void timerBelongsToNobodyElse();
+    void timerHasNoParent();
     void ticksInTheThreadOfTheThrobber();
     void canBeDestroyedWhileRunning();
     void canBeDestroyedByASlot_data();
@@ -256,7 +256,7 @@ void tst_ThrobberRenderer::drawsCircleThenArc()
 }
 
 // QPainter does not pass an empty path to the paint engine.
-void tst_ThrobberRenderer::drawsNothingOfANullRectButTheCircle()
+void tst_ThrobberRenderer::drawsOnlyTheCircleInANullRect()
 {
     ThrobberRenderer throbber(nullptr);
 
@@ -285,7 +285,7 @@ void tst_ThrobberRenderer::drawsWithTheDefaultPens()
     QCOMPARE(calls.at(1).pen, defaultArcPen());
 }
 
-void tst_ThrobberRenderer::leavesForegroundPenAndNothingElseOnThePainter()
+void tst_ThrobberRenderer::drawChangesOnlyThePenOfThePainter()
 {
     const auto throbber = makeThrobber();
     PaintRecorder recorder;
@@ -331,7 +331,7 @@ void tst_ThrobberRenderer::leavesForegroundPenAndNothingElseOnThePainter()
     QCOMPARE(painter.clipBoundingRect(), clipped);
     painter.end();
 
-    // The painter was not saved and restored either.
+    // draw() does not save and restore the painter: the recorded calls have its state.
     QCOMPARE(recorder.calls().size(), 4);
     QCOMPARE(recorder.calls().at(0).brush, brush);
     for (const PaintCall &call : recorder.calls()) {
@@ -453,7 +453,7 @@ void tst_ThrobberRenderer::setPenWidthInsetsTheNullRect()
     QCOMPARE(drawn(throbber).last().path, expected.last().path);
 }
 
-void tst_ThrobberRenderer::refusedPenWidthStillMovesTheArcRect_data()
+void tst_ThrobberRenderer::refusedPenWidthChangesTheArcRect_data()
 {
     QTest::addColumn<int>("penWidth");
     QTest::addColumn<QRect>("arcRect"); // of QRect(0, 0, 100, 100)
@@ -468,7 +468,7 @@ void tst_ThrobberRenderer::refusedPenWidthStillMovesTheArcRect_data()
     QTest::newRow("greatest") << maxInt << outset(-1'073'741'823);
 }
 
-void tst_ThrobberRenderer::refusedPenWidthStillMovesTheArcRect()
+void tst_ThrobberRenderer::refusedPenWidthChangesTheArcRect()
 {
     QFETCH(const int, penWidth);
     QFETCH(const QRect, arcRect);
@@ -494,7 +494,7 @@ void tst_ThrobberRenderer::refusedPenWidthStillMovesTheArcRect()
     QCOMPARE(drawn(throbber).first().rects, QList<QRectF>{QRectF(5, 5, 90, 90)});
 }
 
-void tst_ThrobberRenderer::extremeRectsDoNoHarm_data()
+void tst_ThrobberRenderer::extremeRectsSaturate_data()
 {
     QTest::addColumn<QRect>("renderRect");
     QTest::addColumn<int>("penWidth");
@@ -511,7 +511,7 @@ void tst_ThrobberRenderer::extremeRectsDoNoHarm_data()
 }
 
 // The edges saturate at the ends of int, and the rectangle of the arc is exact.
-void tst_ThrobberRenderer::extremeRectsDoNoHarm()
+void tst_ThrobberRenderer::extremeRectsSaturate()
 {
     QFETCH(const QRect, renderRect);
     QFETCH(const int, penWidth);
@@ -752,7 +752,7 @@ void tst_ThrobberRenderer::growsFor46TicksAndShrinksFor46()
     }
 }
 
-void tst_ThrobberRenderer::turnsRoundExactlyAtTheLimits_data()
+void tst_ThrobberRenderer::changesThePhaseExactlyAtTheLimits_data()
 {
     QTest::addColumn<QList<int>>("spans"); // steps in degrees
     QTest::addColumn<int>("length");
@@ -770,7 +770,7 @@ void tst_ThrobberRenderer::turnsRoundExactlyAtTheLimits_data()
         << QList<int>{275, 300} << 80 << 80 + 4800;
 }
 
-void tst_ThrobberRenderer::turnsRoundExactlyAtTheLimits()
+void tst_ThrobberRenderer::changesThePhaseExactlyAtTheLimits()
 {
     QFETCH(const QList<int>, spans);
     QFETCH(const int, length);
@@ -799,7 +799,7 @@ void tst_ThrobberRenderer::clampsTheSpan()
     QCOMPARE(drawnAngles(*throbber).length, -2264); // 80 + 137 * 16, eased
 }
 
-void tst_ThrobberRenderer::foldsTheTailIntoTheRotation()
+void tst_ThrobberRenderer::shrinkingMovesTheStartOfTheArc()
 {
     const auto throbber = makeThrobber();
     throbber->addAngles(0, 275);
@@ -864,7 +864,7 @@ void tst_ThrobberRenderer::negativeRotationStaysNegative()
     QCOMPARE(drawnAngles(*throbber), expected.angles());
 }
 
-void tst_ThrobberRenderer::extremeStepsWrapAsBits_data()
+void tst_ThrobberRenderer::extremeStepsWrapAround_data()
 {
     QTest::addColumn<int>("rotation");
     QTest::addColumn<int>("span");
@@ -883,7 +883,7 @@ void tst_ThrobberRenderer::extremeStepsWrapAsBits_data()
     QTest::newRow("span that wraps to negative") << 0 << (1 << 27) << -80 << -80;
 }
 
-void tst_ThrobberRenderer::extremeStepsWrapAsBits()
+void tst_ThrobberRenderer::extremeStepsWrapAround()
 {
     QFETCH(const int, rotation);
     QFETCH(const int, span);
@@ -928,14 +928,14 @@ QColor colorOnRing(const QImage &canvas, double degrees, double radius = ringRad
 
 } // namespace
 
-void tst_ThrobberRenderer::paintsTrackAndArcAtTheirPlaces()
+void tst_ThrobberRenderer::paintsTrackAndArcAtTheirAngles()
 {
     ThrobberRenderer throbber(nullptr);
     throbber.setRenderRect(QRect(QPoint(0, 0), canvasSize));
     throbber.setBackgroundColor(Qt::blue);
     throbber.setForegcoundColor(Qt::red);
 
-    // At first the arc reaches from 5 to 10 degrees. Its round caps reach some 6 degrees further.
+    // The first arc reaches from 5 to 10 degrees. Its round caps are some 6 degrees long.
     const QImage resting = painted(throbber);
     for (int degrees = 3; degrees <= 12; ++degrees)
         QCOMPARE(colorOnRing(resting, degrees), QColor(Qt::red));
@@ -947,7 +947,7 @@ void tst_ThrobberRenderer::paintsTrackAndArcAtTheirPlaces()
     QCOMPARE(resting.pixelColor(2, 2).alpha(), 0);
     QCOMPARE(resting.pixelColor(97, 97).alpha(), 0);
 
-    // After a quarter of a turn, half way to the longest arc: from 95 degrees to 95 + 142.
+    // Now the arc reaches from 95 to 95 + 142 degrees: a quarter of a turn further, half of the way to the longest.
     throbber.addAngles(90, 137);
     const QImage turned = painted(throbber);
     for (int degrees = 95; degrees <= 95 + 140; degrees += 5)
@@ -1224,7 +1224,7 @@ void tst_ThrobberRenderer::canBeStoppedFromItsSignal()
     QVERIFY(!throbber.isRunning());
 }
 
-void tst_ThrobberRenderer::timerBelongsToNobodyElse()
+void tst_ThrobberRenderer::timerHasNoParent()
 {
     TimerWatcher watcher;
     QObject parent;

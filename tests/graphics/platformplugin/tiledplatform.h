@@ -15,7 +15,7 @@ class QPlatformNativeInterface;
 
 namespace ovelin::tests {
 
-// The settings of the tests' own platform, and a record of the calls to it. The object belongs to
+// The settings of the tests' platform plug-in, and a record of its calls. The object belongs to
 // the plug-in. A test gets it from tiledPlatform(), and may change the settings at any time.
 struct TiledPlatform
 {

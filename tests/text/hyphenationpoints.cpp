@@ -1,4 +1,4 @@
-#include "hyphenplaces.h"
+#include "hyphenationpoints.h"
 
 #include <array>
 #include <utility>
@@ -36,13 +36,13 @@ QChar classOf(QChar letter)
 QString appliedOnce(const Rule &rule, const QString &classes)
 {
     QString result;
-    for (qsizetype place = 0; place < classes.size();) {
-        if (QStringView(classes).sliced(place).startsWith(rule.before)) {
+    for (qsizetype position = 0; position < classes.size();) {
+        if (QStringView(classes).sliced(position).startsWith(rule.before)) {
             result += rule.after;
-            place += rule.before.size();
+            position += rule.before.size();
         } else {
-            result += classes.at(place);
-            ++place;
+            result += classes.at(position);
+            ++position;
         }
     }
     return result;
@@ -50,7 +50,7 @@ QString appliedOnce(const Rule &rule, const QString &classes)
 
 } // namespace
 
-QList<int> placesOf(const QString &word)
+QList<int> hyphenationPoints(const QString &word)
 {
     QString classes;
     const QString lowerCase = word.toLower();
@@ -59,26 +59,26 @@ QList<int> placesOf(const QString &word)
     for (const Rule &rule : rules)
         classes = appliedOnce(rule, appliedOnce(rule, classes));
 
-    QList<int> places;
+    QList<int> points;
     int letters = 0;
     for (const QChar c : std::as_const(classes)) {
         if (c == u'-')
-            places.append(letters);
+            points.append(letters);
         else
             ++letters;
     }
-    return places;
+    return points;
 }
 
-int lastFittingPlace(const QList<int> &places, const std::function<bool(qsizetype place)> &fits)
+int lastPointThatFits(const QList<int> &points, const std::function<bool(qsizetype point)> &fits)
 {
-    if (places.isEmpty())
+    if (points.isEmpty())
         return -1;
     int point = 0;
-    for (const int place : places) {
-        if (!fits(place))
+    for (const int candidate : points) {
+        if (!fits(candidate))
             break;
-        point = place;
+        point = candidate;
     }
     return point;
 }
