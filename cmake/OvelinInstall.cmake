@@ -1,10 +1,10 @@
-# What "cmake --install" puts where, in three components:
+# Installs three components:
 #
 #   runtime         the shared library
-#   development     the headers, the static library, and what CMake and pkg-config find them by
-#   documentation   the change log, and the reference where it was built
+#   development     the headers, the static library, and the files for CMake and pkg-config
+#   documentation   the change log, and the reference if it was built
 #
-# Everything finds the rest from the place where it lies itself: the tree may be moved.
+# The installed files refer to each other by relative paths, so that they may be moved together.
 
 include(CMakePackageConfigHelpers)
 
@@ -42,8 +42,8 @@ install(
 
 # path_from_pkgconfig(<result> <folder>)
 #
-# The way from the folder of ovelin.pc to an installed folder, whether that was given as part of the
-# prefix or not.
+# Sets <result> to the path of an installed folder relative to ovelin.pc. <folder> is absolute, or relative to
+# the prefix.
 function(path_from_pkgconfig result folder)
     set(from ${pkgconfig_folder})
     cmake_path(ABSOLUTE_PATH from BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} NORMALIZE)

@@ -1,9 +1,8 @@
 # ovelin_add_test(<name> [SOURCES file...] [LIBRARIES library...])
 #
-# Adds the test program tst_<name>, made of tst_<name>.cpp and the SOURCES, linked with ovelin and
-# the LIBRARIES, and runs it without a display. Named as a target, it runs under
-# CMAKE_CROSSCOMPILING_EMULATOR in a cross build. Hidden parts of the library cannot be linked: a
-# test of one names its .cpp among the SOURCES.
+# Adds the test program tst_<name>, made of tst_<name>.cpp and the SOURCES, linked with ovelin and the
+# LIBRARIES. The test runs without a display, and in a cross build under CMAKE_CROSSCOMPILING_EMULATOR. The
+# library does not export its private functions: a test of one has its .cpp among the SOURCES.
 function(ovelin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
 
@@ -22,7 +21,7 @@ endfunction()
 
 # ovelin_add_property_test(<name> [SOURCES file...] [LIBRARIES library...])
 #
-# The same for a test of properties, where there is RapidCheck.
+# Does the same for a property test, if RapidCheck was found.
 function(ovelin_add_property_test name)
     if(rapidcheck_FOUND)
         ovelin_add_test(${name} ${ARGN} LIBRARIES rapidcheck)

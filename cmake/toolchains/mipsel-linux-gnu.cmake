@@ -1,9 +1,9 @@
-# The box: MIPS32 release 2, little endian, hard float, glibc, by Debian's cross compiler. Its programs
-# run under qemu's user emulation.
+# The device: MIPS32 release 2, little endian, hard float, glibc, by Debian's cross compiler. QEMU's user
+# emulation runs the programs.
 #
-#   OVELIN_BOX_QT   the folder in which Qt for the box is installed (cache entry or environment)
+#   OVELIN_BOX_QT   the folder in which Qt for the device is installed (cache entry or environment)
 #
-# Vendors' compilers and Qt builds come with files of their own: see docs/box.md.
+# The SDK of a vendor has a toolchain file of its own: see docs/box.md.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR mipsel)
@@ -11,7 +11,7 @@ set(CMAKE_SYSTEM_PROCESSOR mipsel)
 set(box_triplet mipsel-linux-gnu)
 set(CMAKE_C_COMPILER ${box_triplet}-gcc)
 set(CMAKE_CXX_COMPILER ${box_triplet}-g++)
-# Without fontconfig Qt takes its fonts from one folder.
+# Qt for the device has no fontconfig: it takes fonts from one folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR
     qemu-mipsel -L /usr/${box_triplet} -E QT_QPA_FONTDIR=/usr/share/fonts/truetype/dejavu
 )
@@ -22,7 +22,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The build of Qt itself uses this file too, and has no Qt for the box yet.
+# The build of Qt itself also uses this file, without OVELIN_BOX_QT.
 if(NOT OVELIN_BOX_QT)
     set(OVELIN_BOX_QT $ENV{OVELIN_BOX_QT})
 endif()
@@ -30,6 +30,6 @@ if(OVELIN_BOX_QT)
     list(PREPEND CMAKE_FIND_ROOT_PATH ${OVELIN_BOX_QT})
     list(APPEND CMAKE_PREFIX_PATH ${OVELIN_BOX_QT})
 endif()
-# moc and rcc run on the machine that builds: its own Qt, of the same version, has them.
-set(QT_HOST_PATH /usr CACHE PATH "Qt of the machine that builds")
+# moc and rcc run on the building machine: they come from its own Qt, which has the same version.
+set(QT_HOST_PATH /usr CACHE PATH "Qt of the building machine")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES OVELIN_BOX_QT)
