@@ -26,7 +26,7 @@ QLinearGradient makeGradient(int length)
     return gradient;
 }
 
-// Repeats itself as the texture does.
+// A gradient that repeats as the texture does.
 QBrush gradientBrush(int length)
 {
     QLinearGradient gradient = makeGradient(length);
@@ -49,7 +49,7 @@ Comparison compareFill(const QSize &size)
              {"a colour", fill(size, Qt::darkBlue)}}};
 }
 
-// What fills an area with a gradient that covers it once, from edge to edge.
+// The ways to fill an area with a gradient that covers the area once.
 struct Backdrop
 {
     Qt::Orientation direction;
@@ -65,7 +65,7 @@ struct Backdrop
         return gradient;
     }
 
-    // As long as the gradient, and so thick across it.
+    // The texture is as long as the gradient; `thickness` is its other side, in pixels.
     QBrush texture(int thickness) const
     {
         const QSize texture = direction == Qt::Vertical ? QSize(thickness, size.height())
@@ -86,7 +86,7 @@ struct Backdrop
             [brush](QPainter &painter, const QRect &area) { painter.fillRect(area, brush); });
     }
 
-    // In the format of the target, as the pixmaps of a window system are.
+    // The kept pixmap has the format of the target, as pixmaps of a window system have.
     std::function<void()> copyKept() const
     {
         QImage kept(size, format);

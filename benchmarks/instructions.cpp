@@ -1,7 +1,7 @@
 // ovelin_instructions RUNS
 //
-// Does each of a fixed list of works so often, under callgrind, which then writes how many
-// instructions they took under the work's name. instructions.txt tells what each work is.
+// Runs each work of a list RUNS times. Callgrind writes the instructions of each work with its name.
+// instructions.txt describes the works.
 
 #include "support/canvas.h"
 #include "support/renderers.h"
@@ -33,7 +33,7 @@ Work relayout()
     return relayoutOf(makeRenderer(textCase));
 }
 
-// Some of the grid's cells.
+// Some cells of the grid.
 constexpr TextCase tickerRussian{
     .script = Script::Russian, .wordCount = 200, .maxLineCount = 1, .width = justWideEnough};
 constexpr TextCase cutTickerArabic{
@@ -149,7 +149,7 @@ constexpr NamedWork works[] = {
     {"brush-fill", brushFill},
 };
 
-// They fill caches and bind functions.
+// The first runs fill caches and bind functions, so they are not counted.
 constexpr int runsBefore = 3;
 
 void run(const Work &work, int runs)

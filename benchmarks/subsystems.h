@@ -3,7 +3,7 @@
 
 namespace ovelin::benchmarks {
 
-// Each registers what it compares.
+// Each function registers the comparisons of a subsystem.
 void registerText();
 void registerResources();
 void registerThrobber();

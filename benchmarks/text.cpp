@@ -44,7 +44,7 @@ Contender document(const QString &text)
     return {"QTextDocument", [document, text] { document->layOut(text); }};
 }
 
-// A long text is to cost what is shown of it.
+// A long text should cost as much as a text of this many words in the same lines.
 constexpr int fewWords = 60;
 
 Contender relayoutOfFewWords(TextCase textCase)
@@ -68,12 +68,12 @@ void registerRelayout(const TextCase &textCase)
     compare("relayout: " + caseName(textCase), [=] { return compareRelayout(textCase); });
 }
 
-// Where a text lies that is not at the origin.
-constexpr QPoint place(100, 50);
+constexpr QPoint awayFromOrigin(100, 50);
 
 std::shared_ptr<Canvas> makeCanvas()
 {
-    return std::make_shared<Canvas>(QSize(place.x() + boxWidth, place.y() + boxHeight));
+    return std::make_shared<Canvas>(
+        QSize(awayFromOrigin.x() + boxWidth, awayFromOrigin.y() + boxHeight));
 }
 
 Contender drawnByPainter(const TextRenderer &renderer)
@@ -99,25 +99,25 @@ Comparison compareDraw()
              drawnByPainter(*renderer)}};
 }
 
-// Each drawing moves the painter by the text's place; that is undone first.
+// Each call of drawTextRenderer() translates the painter; the translation is undone.
 Comparison compareDrawTextRenderer()
 {
     const auto renderer = makeRenderer(usualCase);
-    renderer->move(place);
+    renderer->move(awayFromOrigin);
     const auto bare = std::make_shared<StaticTextOf>(*renderer);
     bare->prepare();
     const QPen pen(Qt::white);
     return {[=, canvas = makeCanvas()] {
-                canvas->painter.translate(place);
+                canvas->painter.translate(awayFromOrigin);
                 drawTextRenderer(canvas->painter, *renderer, pen);
             },
             {{"the same painter calls", [=, font = renderer->textFont(), canvas = makeCanvas()] {
-                  canvas->painter.translate(place);
+                  canvas->painter.translate(awayFromOrigin);
                   canvas->painter.setPen(pen);
                   canvas->painter.setBrush(Qt::NoBrush);
-                  canvas->painter.translate(-place);
+                  canvas->painter.translate(-awayFromOrigin);
                   canvas->painter.setFont(font);
-                  canvas->painter.drawStaticText(place, bare->staticText());
+                  canvas->painter.drawStaticText(awayFromOrigin, bare->staticText());
               }}}};
 }
 
@@ -159,7 +159,7 @@ void registerSetters()
     countIn("equal values", usualCase, setEqualValues);
     countIn("setTextWidth that keeps the layout", shortCase, changeSpareWidth);
     countIn("move", usualCase, moveAway);
-    // It shows that calls are counted at all.
+    // A count above 0 shows that calls are counted.
     countShaping("relayout: " + caseName(usualCase) + ", calls",
                  [] { return relayoutOf(makeRenderer(usualCase)); });
 }

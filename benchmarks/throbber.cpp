@@ -24,7 +24,7 @@ constexpr int rotation = 120;
 constexpr int shortestSpan = 5;
 constexpr int longestSpan = 280;
 
-// The throbber with its longest arc. Angles of 0 then leave the picture as it is.
+// A throbber with its longest arc. Steps of 0 degrees then do not change the picture.
 std::shared_ptr<ThrobberRenderer> makeThrobber()
 {
     auto throbber = std::make_shared<ThrobberRenderer>();
@@ -33,7 +33,7 @@ std::shared_ptr<ThrobberRenderer> makeThrobber()
     return throbber;
 }
 
-// The painter's calls for that picture.
+// The same picture by calls of QPainter.
 class CircleAndArc
 {
 public:

@@ -54,7 +54,7 @@ PangoText::PangoText(const QFont &font, int width, int maxLineCount)
 void PangoText::layOut(const QByteArray &utf8)
 {
     pango_layout_set_text(m_layout.get(), utf8.constData(), int(utf8.size()));
-    // Asking for the size lays everything out.
+    // The function lays the text out before it returns the size.
     pango_layout_get_pixel_size(m_layout.get(), nullptr, nullptr);
 }
 

@@ -11,7 +11,7 @@ namespace ovelin::benchmarks {
 
 namespace {
 
-// As the renderer chooses it: a text that was not cut is as wide as it needs to be.
+// The same width as the renderer chooses: at most the text's own width, unless the text was elided.
 int staticTextWidth(const TextRenderer &renderer)
 {
     if (renderer.isTextElided())
@@ -95,7 +95,7 @@ Document::Document(const QFont &font, int width)
 void Document::layOut(const QString &text)
 {
     m_document.setPlainText(text);
-    // Asking for the size lays everything out.
+    // The function lays the text out before it returns the size.
     static_cast<void>(m_document.documentLayout()->documentSize());
 }
 

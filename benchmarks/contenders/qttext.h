@@ -11,7 +11,7 @@
 
 namespace ovelin::benchmarks {
 
-// The floor: Qt prepares the text that a renderer shows, and the renderer's way to it is left out.
+// The floor: Qt prepares the text that a renderer shows, without the work of breaking its lines.
 class StaticTextOf
 {
 public:
@@ -27,8 +27,8 @@ private:
     QStaticText m_staticText;
 };
 
-// A text in a box as an application without a renderer has it: a QTextLayout that creates lines,
-// and another one for the elided last line.
+// Breaks a text as applications without a renderer do: a QTextLayout creates the lines, and another one the
+// elided last line.
 class LineLoop
 {
 public:
@@ -46,7 +46,7 @@ private:
     QTextLayout m_lastLine;
 };
 
-// Qt's text of many paragraphs, which knows no line limit.
+// QTextDocument, which has no line limit.
 class Document
 {
 public:

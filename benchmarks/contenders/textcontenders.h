@@ -13,8 +13,8 @@ inline constexpr auto floorName = "QStaticText alone (floor)";
 inline constexpr auto lineLoopName = "QTextLayout loop";
 inline constexpr auto pangoName = "Pango";
 
-// Returns the floor of a renderer, and the others that show its text in its box, with its font and
-// its line limit. Pango is missing where the program was built without it.
+// Returns the works that a renderer is compared with: the floor, and other layouts of its text in its box, with
+// its font and line limit. Pango is missing if the program was built without it.
 std::vector<Contender> textContenders(const TextRenderer &renderer);
 
 } // namespace ovelin::benchmarks

@@ -14,17 +14,17 @@ namespace {
 
 using Seconds = std::chrono::duration<double>;
 
-// Reading the clock is a call of the system: each contender runs for so long between two readings
-// that it does not count.
+// The least time between two readings of the clock. Reading is a system call, whose time would count in shorter
+// measurements.
 constexpr Seconds shortestMeasurement{0.0005};
 
-// What each repetition takes at least, and the only one where there are no others.
+// The least time of each repetition, and of the only run of a comparison that is not repeated.
 constexpr Seconds repetitionTime{0.1};
 constexpr Seconds singleRunTime{0.3};
 constexpr int fewestRounds = 3;
 
-// Time that this program had a processor: what others take of it is left out, and what Qt does in
-// threads of its own, such as large fills, counts as on a box with one processor.
+// The processor time of this program and all its threads. Other programs do not count. Large fills, for which
+// Qt uses threads, count as on a device with one processor.
 Seconds processorTime()
 {
     timespec time;
@@ -44,7 +44,7 @@ public:
             m_count *= 2;
     }
 
-    // Returns what the runs of one round took together.
+    // Returns the time of all runs of one round.
     Seconds runRound()
     {
         const Seconds total = measure(m_count);
@@ -54,7 +54,7 @@ public:
 
     double medianSeconds() const { return median(m_secondsPerRun); }
 
-    // How many times as long this takes as the other.
+    // The time of this measurement divided by that of the other.
     double ratioTo(const Measurement &other) const
     {
         std::vector<double> ratios;
@@ -108,7 +108,7 @@ void run(const Comparison &comparison, benchmark::State &state, Seconds time)
         for (int round = 0; round < fewestRounds || total < time; ++round) {
             for (Measurement *measurement : order)
                 total += measurement->runRound();
-            // Whoever comes first is not always the same.
+            // The first one in a round may have colder caches.
             std::ranges::reverse(order);
         }
         state.SetIterationTime(total.count());

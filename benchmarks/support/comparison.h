@@ -7,7 +7,7 @@
 
 namespace ovelin::benchmarks {
 
-// What a work of the library is compared with.
+// A work that a work of the library is compared with.
 struct Contender
 {
     std::string name;
@@ -18,23 +18,22 @@ struct Comparison
 {
     std::function<void()> work;
     std::vector<Contender> contenders = {};
-    std::function<void()> undoWork = {}; // untimed, for a work that cannot be done twice
+    std::function<void()> undoWork = {}; // not timed; for a work that cannot be done twice
 };
 
-// Registers a comparison with Google Benchmark. It is made when its turn comes, and anew for each
-// of its repetitions. In each of its rounds the work and all contenders run right after one
-// another, so that whatever slows the machine down slows all of them: the ratios within a round are
-// what is compared.
+// Registers a comparison with Google Benchmark. `makeComparison` is called at the begin of each repetition. In
+// each round the work and all contenders run right after one another, so that other load on the machine slows
+// all of them. The results are the ratios within a round.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);
 
-// The same for one of many comparisons: it is not repeated, and it takes few rounds if these are long.
+// Registers a comparison that is not repeated. It makes few rounds if a round takes long.
 void compareOnce(const std::string &name, std::function<Comparison()> makeComparison);
 
-// Registers an action of which is told how often it has a text shaped.
+// Registers an action whose calls of the text shaper are counted.
 void countShaping(const std::string &name, std::function<std::function<void()>()> makeAction);
 
-// The counters of a benchmark: the seconds that the work takes, and how often it has a text shaped.
-// All others have the names of contenders and tell how many times as long as theirs the work takes.
+// The names of a benchmark's counters: the seconds of the work, and its calls of the text shaper. Each other
+// counter has the name of a contender; it is the time of the work divided by that of the contender.
 inline constexpr auto workCounter = "work";
 inline constexpr auto shaperCallsCounter = "calls of the text shaper";
 

@@ -24,7 +24,7 @@ int findWidth(const TextCase &textCase, const TextRenderer &renderer)
 {
     if (textCase.width != justWideEnough)
         return textCase.width;
-    // A line that is exactly as wide as the box would not fit.
+    // A line that is as wide as the box does not fit.
     return TextRenderer::fineTextWidth(renderer.text(), QFontMetricsF(renderer.textFont())) + 1;
 }
 
@@ -46,7 +46,7 @@ std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase)
     return renderer;
 }
 
-// Another position makes the layout of any text in any box out of date.
+// A changed position makes every layout out of date.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
 {
     return [renderer] {

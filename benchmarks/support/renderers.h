@@ -25,17 +25,17 @@ struct TextCase
     bool hyphenationEnabled = true;
     bool centred = false;
     int width = boxWidth;
-    bool endless = false; // one word, of the letters of the words
+    bool endless = false; // true: the letters of all words as one word
     double letterSpacing = 0;
 };
 
 // Returns a renderer that has laid out its text in the box.
 std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase);
 
-// Returns an action that lays out the same text once more.
+// Returns an action that lays the text out again.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer);
 
-// Returns an action that looks for a hyphen in each word of a text, with room for half of the word.
+// Returns an action that searches the hyphenation point of each word of a text; half of the word fits.
 std::function<void()> hyphenationOf(const QString &text);
 
 } // namespace ovelin::benchmarks

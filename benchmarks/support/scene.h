@@ -20,7 +20,7 @@ private:
     QObject m_object;
 };
 
-// A tracker with images of several owners; the last one in its list is what is worked on.
+// A tracker with images of several owners. The works use the last image in the list.
 class Scene
 {
 public:
@@ -32,7 +32,7 @@ public:
     void unregisterAnother();
     void setLastStatus();
 
-    // What a tracker without an index has to do at least.
+    // The least work of a tracker without an index: walk along the list to the image, or to another one.
     void walkToLast() const;
     void walkToAnother() const;
     void walkOverOwned() const;

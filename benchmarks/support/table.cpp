@@ -83,7 +83,7 @@ bool Table::ReportContext(const Context &context)
 
 void Table::ReportRuns(const std::vector<Run> &runs)
 {
-    // The result of a benchmark that is not repeated is its only run.
+    // A benchmark that is not repeated has only one run, and no median.
     const auto result = std::ranges::find_if(runs, [](const Run &run) {
         return run.repetitions == 1 || run.aggregate_name == "median";
     });

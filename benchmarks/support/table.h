@@ -11,7 +11,8 @@
 
 namespace ovelin::benchmarks {
 
-// Prints a Markdown table of the comparisons, a line as soon as it is known, and those of the grid.
+// Prints the comparisons as lines of a Markdown table, each as soon as it is finished; then the tables of the
+// grid.
 class Table : public benchmark::BenchmarkReporter
 {
 public:

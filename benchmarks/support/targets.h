@@ -6,20 +6,19 @@
 
 namespace ovelin::benchmarks {
 
-// The work of the targets for what sums up the grid.
+// The name of the work in targets for numbers of the whole grid.
 inline constexpr auto gridName = "grid";
 
-// How many times as long as another contender a work may take, or the most that a number of the grid's
-// may be.
+// The highest ratio of a work to a contender that is accepted, or the highest number of the grid.
 struct Target
 {
     std::string_view work;
     std::string_view against;
     double ratio;
-    std::optional<double> beyond = {}; // what would be better still
+    std::optional<double> beyond = {}; // a lower ratio that is desired
 };
 
-// The target of a line of the table, or null when it has none.
+// Returns the target of a line of the table, or null.
 const Target *findTarget(std::string_view work, std::string_view against);
 
 } // namespace ovelin::benchmarks

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int fontPixelSize = 24;
 
-// Sixty words each, at least.
+// Each text has at least 60 words.
 const QString russian =
     u"Документальный фильм рассказывает об экипаже атомного ледокола, который каждую зиму "
     "прокладывает караванам безопасную дорогу через замёрзшие проливы и полярную ночь. "
@@ -36,7 +36,7 @@ const QString arabic =
     "الأولى، بينما يسجل عامل اللاسلكي منذ ثلاثين عاما أصوات محطات اختفت عن الخريطة منذ زمن بعيد. "
     "أمضى فريق التصوير أربعة أشهر على متنها وعاد بصور مدهشة لأناس صار الجليد لهم بيتا وعملا "
     "ومصيرا."_s;
-// Chinese is written without spaces: these only part the words.
+// Chinese is written without spaces. These spaces only separate the words here.
 const QString chinese =
     u"这部 纪录片 讲述 一艘 核动力 破冰船 的 船员， 他们 每年 冬天 穿过 冰封 的 海峡 和 漫长 的 "
     "极夜， 为 船队 开辟 安全 的 航道。 船长 回忆 起 自己 的 第一次 远航， 年轻 的 机械师 初次 "
@@ -49,7 +49,7 @@ QStringList words(const QString &text)
     return text.split(u' ');
 }
 
-// Every other word is of the other script.
+// Russian and English words in turns.
 QStringList mixedWords()
 {
     QStringList mixed = words(russian);

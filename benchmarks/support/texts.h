@@ -10,10 +10,10 @@ enum class Script { Russian, Latin, Mixed, Hebrew, Arabic, Chinese };
 
 const char *name(Script script);
 
-// A programme's description of so many words; long ones begin anew after 60.
+// Returns a programme's description of `wordCount` words. A long one repeats its first 60 words.
 QString description(Script script, int wordCount);
 
-// The letters of such a description, with nothing between them.
+// Returns the letters of such a description as one word.
 QString endlessWord(Script script, int wordCount);
 
 QFont pixelFont(double letterSpacing = 0);

@@ -57,7 +57,7 @@ def files_missing_in_help(folder):
 
 def undocumented_functions(folder, nm, library):
     index = xml.parse(folder / "ovelin.index")
-    # A free function that is told of on the page of a class or a header has only its own name there.
+    # A free function on the page of a class or header has no class name before its own.
     documented = {element.get("fullname") or "ovelin::" + element.get("name")
                   for element in index.iter("function")}
     symbols = subprocess.run([nm, "--dynamic", "--defined-only", "--demangle", library],

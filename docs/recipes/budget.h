@@ -11,7 +11,7 @@
 namespace recipes {
 
 //! [item]
-// Call it in the item after each registration: ownerState is the item's own member.
+// An item calls this after each registration, with its member ownerState.
 inline void describe(ovelin::ResourceOwnerState &ownerState, const QRect &geometry)
 {
     constexpr int bytesPerPixel = 4;
@@ -24,7 +24,7 @@ inline void describe(ovelin::ResourceOwnerState &ownerState, const QRect &geomet
 using State = ovelin::ResourceOwnerState;
 using StatePointer = QSharedPointer<State>;
 
-// Serves what is nearest to the focus first, until the budget is spent.
+// Allows the owners nearest to the focus, until the budget is used up.
 inline void decide(ovelin::SceneResourceTracker &tracker, int budgetBytes, const QPoint &focus)
 {
     QList<StatePointer> states;
@@ -53,7 +53,7 @@ inline void decide(ovelin::SceneResourceTracker &tracker, int budgetBytes, const
         else
             tracker.releaseResources(state);
     };
-    // Memory is given back before it is given out.
+    // Owners release memory before others are allowed.
     for (const StatePointer &state : std::as_const(denied))
         tell(state, State::CreationDenied);
     for (const StatePointer &state : std::as_const(allowed))

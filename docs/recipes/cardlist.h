@@ -23,7 +23,7 @@ public:
     {
         m_background.setColorAt(0, QColor("#2a5078"));
         m_background.setColorAt(1, QColor("#1a3350"));
-        m_title.setTextFont(font); // with a size in pixels
+        m_title.setTextFont(font); // has a size in pixels
         m_title.setTextFormat(Qt::PlainText);
         m_title.setTextTopLeft({padding, padding});
         m_title.setTextWidth(cardSize.width() - 2 * padding);
@@ -59,7 +59,7 @@ public:
     // The offset is the number of pixels by which the list is scrolled to the left.
     void scrollTo(int offset) { m_offset = std::max(0, offset); }
 
-    // Paints the cards that are seen in the area.
+    // Paints the visible cards of the area.
     void paint(QPainter &painter, const QRect &area) const
     {
         const int step = cardSize.width() + padding;

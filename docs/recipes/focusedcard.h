@@ -13,7 +13,7 @@ class FocusedCard
 public:
     static constexpr double largestZoom = 1.2;
 
-    // Paints the card into a pixmap; call it again when the card changes, not for every frame.
+    // Paints the card into a pixmap. Call this again when the card changes, not for every frame.
     explicit FocusedCard(const Card &card)
         : m_picture((QSizeF(cardSize) * largestZoom).toSize())
     {
@@ -23,7 +23,7 @@ public:
         card.paint(painter);
     }
 
-    // Copies the pixmap; progress runs from 0, without focus, to 1, where no pixel is scaled.
+    // Copies the pixmap. progress goes from 0, without focus, to 1, in full size without scaling.
     void paint(QPainter &painter, const QPointF &centre, double progress) const
     {
         QRectF target(QPointF(), QSizeF(cardSize) * (1 + (largestZoom - 1) * progress));

@@ -8,7 +8,7 @@
 namespace recipes {
 
 //! [language]
-// Shows a text of a language that is named as "ru" or "en".
+// Shows a text in a language such as "ru" or "en".
 inline void setText(ovelin::TextRenderer &renderer, const QString &text, const QString &language)
 {
     const QLocale locale(language);

@@ -45,7 +45,7 @@ public:
 
     void releaseResources() override
     {
-        ++m_load; // what is still being read is no longer wanted
+        ++m_load; // a picture that is still being read will be dropped
         m_isLoading = false;
         m_image = {};
     }

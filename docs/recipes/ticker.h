@@ -18,16 +18,16 @@ public:
         m_text.setTextFont(font);
         m_text.setTextFormat(Qt::PlainText);
         m_text.setTextTopLeft({area.right() + 1, area.y()});
-        m_text.setText(text.simplified()); // no newlines; no width: one long line
+        m_text.setText(text.simplified()); // without newlines and without width: one long line
         m_text.relayout();
     }
 
-    // Call it from a timer, and repaint the area.
+    // Call this from a timer, and repaint the area.
     void advance(int pixels)
     {
         QPoint place = m_text.textTopLeft() - QPoint(pixels, 0);
         if (place.x() + m_text.boundingRect().width() <= m_area.x())
-            place.setX(m_area.right() + 1); // all of it was seen: from the right again
+            place.setX(m_area.right() + 1); // the whole text was seen: begin at the right again
         m_text.move(place);                 // needs no new layout
     }
 

@@ -155,7 +155,7 @@ void tst_Recipes::ticker()
     QVERIFY(!isBlank(seen(), {250, 20, 50, 30}));
     QVERIFY(isBlank(seen(), {0, 0, 250, 120}));
 
-    // From right to left, and from the right again.
+    // The text moves to the left, and begins at the right again.
     int steps = 1;
     do {
         ticker.advance(50);
@@ -259,7 +259,7 @@ void tst_Recipes::logTable()
 void tst_Recipes::memoryBudget()
 {
     InstalledTracker tracker;
-    // 40,000 bytes each.
+    // Each picture takes 40,000 bytes.
     std::array<Item, 3> items{Item({0, 0, 100, 100}), Item({200, 0, 100, 100}),
                               Item({400, 0, 100, 100})};
     const auto holders = [&items] {

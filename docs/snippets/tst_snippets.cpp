@@ -41,7 +41,7 @@ private:
 //! [decide]
 using StatePointer = QSharedPointer<ovelin::ResourceOwnerState>;
 
-// True if the tracker still lists the state: an owner that was told before may have removed it.
+// True if the tracker still lists the state: an owner that was told before may have removed the state.
 bool isListed(const ovelin::SceneResourceTracker &tracker, const StatePointer &state)
 {
     const auto known = tracker.owners().find(state->owner);
@@ -54,7 +54,7 @@ void decide(ovelin::SceneResourceTracker &tracker)
     using State = ovelin::ResourceOwnerState;
     constexpr int limit = 2; // resources
 
-    // A copy: an owner that is told may leave the tracker, which changes owners().
+    // A copy, because an owner that is told may unregister itself, which changes owners().
     QList<StatePointer> requests;
     int allowed = 0;
     for (const auto &[owner, state] : tracker.owners()) {
@@ -135,7 +135,7 @@ void tst_Snippets::resources()
     ovelin::SceneResourceTracker tracker;
     ovelin::setSceneResourceTracker(&tracker);
 
-    // Any number of changes lead to one decision, which the event loop makes.
+    // The event loop makes one decision for any number of changes.
     QTimer decision;
     decision.setSingleShot(true);
     decision.setInterval(0);
@@ -197,7 +197,7 @@ namespace {
 
 using Posters = std::vector<std::unique_ptr<Poster>>;
 
-// Reacts to a permission by changing who is registered, as the tracker permits.
+// Unregisters or registers owners when it is allowed.
 class RestlessPoster : public Poster
 {
 public:
@@ -265,7 +265,7 @@ void tst_Snippets::decisionsAllowOwnersToLeave()
     ovelin::setSceneResourceTracker(nullptr);
 }
 
-// What the guide says of the moments before an item has its record.
+// Shows that an item has no record before its registration returns, as the guide says.
 void tst_Snippets::firstRegistration()
 {
     ovelin::SceneResourceTracker tracker;
@@ -345,8 +345,8 @@ void tst_Snippets::text()
     description.setTextAlignment(Qt::AlignHCenter | Qt::AlignBottom);
     description.setText(sampleText());
 
-    description.relayout();    // when something has changed
-    description.draw(painter); // as often as it is to be seen
+    description.relayout();    // after a change
+    description.draw(painter); // for each frame
     //! [text]
 
     painter.end();
@@ -379,7 +379,7 @@ void tst_Snippets::textFromElsewhere()
     QVERIFY(painted(title) != asMarkup);
 }
 
-// What the guide says of newlines.
+// Shows that a text with newlines may exceed the line limit, as the guide says.
 void tst_Snippets::newlinesAndTheLineLimit()
 {
     const QString text = "long evening three\nlong two long";
@@ -530,12 +530,12 @@ void tst_Snippets::tiledPixmap()
     };
 
     //! [tiled]
-    // Once, behind the QGuiApplication:
+    // Once, after the QGuiApplication was constructed:
     ovelin::PlatformNativeInterface::init();
     ovelin::PlatformNativeInterface platform;
     ovelin::setPlatformNativeInterface(&platform);
 
-    // Where a background is needed:
+    // To make a background:
     QPixmap background;
     if (platform.isTiledPixmapAvailable()) {
         background = platform.createTiledPixmap(size, paintBackground);

@@ -13,7 +13,7 @@
 
 #include <cstdio>
 
-// An item on the screen: it files its picture and creates it when it is allowed to.
+// An item on the screen. The item registers its picture, and creates the picture when it is allowed to.
 class Poster : public QObject, public ovelin::AbstractResourceOwner
 {
 public:
@@ -34,20 +34,20 @@ private:
 
 int main(int argc, char *argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed to paint into a file
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // needs no display
     const QGuiApplication application(argc, argv);
 
-    // Resources: the application decides which items may hold theirs.
+    // Resources: the application decides which items may hold pictures.
     ovelin::SceneResourceTracker tracker;
     ovelin::setSceneResourceTracker(&tracker);
     Poster poster;
-    const auto owners = tracker.owners(); // a copy: an owner that is told may leave the tracker
+    const auto owners = tracker.owners(); // a copy: an owner that is told may unregister itself
     for (const auto &[owner, state] : owners) {
         tracker.setStatus(state, ovelin::ResourceOwnerState::CreationAllowed);
         tracker.allowResources(state);
     }
 
-    // Graphics: a gradient across the card is rendered once, into a texture 8 pixels high.
+    // Graphics: a gradient across the card is rendered once into a texture 8 pixels high.
     QImage card(480, 220, QImage::Format_RGB32);
     QPainter painter(&card);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -57,7 +57,7 @@ int main(int argc, char *argv[])
     painter.fillRect(card.rect(), ovelin::createTexturedBrush({card.width(), 8}, gradient));
     painter.drawImage(20, 20, poster.image());
 
-    // Text: laid out once, painted as often as you like.
+    // Text: laid out once, painted as often as needed.
     QFont font("DejaVu Sans");
     font.setPixelSize(22);
     ovelin::TextRenderer description;
@@ -71,7 +71,7 @@ int main(int argc, char *argv[])
     painter.setPen(Qt::white);
     description.draw(painter);
 
-    // Throbber: on a screen a timer turns it, and updated() says when to repaint.
+    // Throbber: a timer may turn it; the signal updated() tells when to repaint.
     ovelin::ThrobberRenderer throbber;
     throbber.setPenWidth(6);
     throbber.setRenderRect({410, 150, 50, 50});

@@ -26,7 +26,7 @@ using namespace Qt::StringLiterals;
 // then the pictures near the focus have been made, and throbbers turn in the places of others.
 constexpr int stillBeats = 10;
 
-// In a sequence the focus makes one step of this walk after this many frames.
+// In a sequence of frames the focus makes the next step of the walk after every eighth frame.
 constexpr int framesPerStep = 8;
 constexpr std::array walk{Direction::Right, Direction::Down, Direction::Right, Direction::Down,
                           Direction::Left,  Direction::Down, Direction::Down,  Direction::Right};

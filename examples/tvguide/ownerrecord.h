@@ -12,7 +12,7 @@ inline qint32 &neededBytes(ovelin::ResourceOwnerState &state)
     return state.applicationValue1;
 }
 
-// The greater, the sooner it is served.
+// Owners with a greater priority are allowed first.
 inline qint32 &importance(ovelin::ResourceOwnerState &state)
 {
     return state.applicationValue2;

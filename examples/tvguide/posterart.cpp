@@ -73,7 +73,7 @@ void paintGlobe(Scenery &s)
     s.painter.setPen(Qt::NoPen);
     s.painter.setBrush(s.shade(210));
     for (int i = 0; i < 5; ++i) {
-        // Not among the arguments: compilers compute those in different orders.
+        // Computed before the call: compilers evaluate arguments in different orders.
         const double cy = 0.2 + 0.15 * s.variation.next(6);
         const double cx = 0.5 + 0.1 * s.variation.next(5);
         s.disc(cx, cy, 0.025);

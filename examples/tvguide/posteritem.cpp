@@ -100,7 +100,7 @@ void fadeToTheLeft(QPainter &painter, const QRect &rect)
     fade.setColorAt(0, Qt::transparent);
     fade.setColorAt(0.7, QColor(0, 0, 0, 190));
     fade.setColorAt(1, QColor(0, 0, 0, 220));
-    // Across, copying a texture is cheaper than computing the colours row by row.
+    // A texture is cheaper for a gradient that runs across: Qt would compute the colours of every row.
     const QSize strip(rect.width(), ovelin::chooseGradientLength(rect.height()));
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.fillRect(rect, ovelin::createTexturedBrush(strip, fade));

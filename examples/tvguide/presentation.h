@@ -10,7 +10,7 @@
 
 namespace tvguide {
 
-// The scene with its painter, its policy and its throbber. Each beat of the throbber makes some of
+// The scene with its painter, its policy and its throbber. Each beat (tick) of the throbber makes some of
 // the pictures that are wanted.
 class Presentation : public QObject
 {

@@ -14,8 +14,8 @@ namespace {
 using ovelin::ResourceOwnerState;
 using ovelin::SceneResourceTracker;
 
-// Owners that change with every decision must not hold up the picture; they are considered again
-// from the event loop.
+// The limit of decisions in a row: owners may change their resources with every decision. The event loop makes
+// the next decision.
 constexpr int maxRounds = 4;
 
 bool mayHold(ResourceOwnerState::Status status)
@@ -75,8 +75,7 @@ void ResourcePolicy::decide()
         m_timer.start();
 }
 
-// In the order in which they are served. The tracker's own order goes by addresses; this one has to
-// be the same in every run.
+// Sorts the owners by priority. The tracker sorts them by address, which differs from run to run.
 std::vector<ResourcePolicy::Candidate> ResourcePolicy::candidates() const
 {
     std::vector<Candidate> candidates;
@@ -121,14 +120,14 @@ std::vector<ResourcePolicy::Verdict> ResourcePolicy::verdicts() const
     return verdicts;
 }
 
-// Whoever was told before may have made this owner leave, which perhaps exists no more.
+// An owner that was told before may have unregistered or destroyed this owner.
 bool ResourcePolicy::isRegistered(const QSharedPointer<ResourceOwnerState> &state) const
 {
     const auto known = m_tracker.owners().find(state->owner);
     return known != m_tracker.owners().end() && known->second == state;
 }
 
-// Gives back before it gives out, so that the budget holds at every moment.
+// Lets owners release memory before it allows others, so that the sum never exceeds the budget.
 void ResourcePolicy::carryOut(const std::vector<Verdict> &verdicts)
 {
     for (const bool allow : {false, true}) {

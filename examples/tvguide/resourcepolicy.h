@@ -16,20 +16,19 @@ class SceneResourceTracker;
 
 namespace tvguide {
 
-// Decides who may hold pictures. What is on the screen is served within a budget, the important and
-// what is near the focus first, and denied what does not fit; what has left the screen gives up
-// what it holds. Owners that need next to nothing are left alone.
+// Decides which items may hold pictures. It allows items on the screen within a budget, important items and
+// items near the focus first, and denies the others. Items that have left the screen release their pictures. Items
+// that need very little memory are always allowed.
 //
-// A change in the tracker only marks the decisions as stale: they are made when the application
-// calls decide() before it paints, or when control returns to the event loop. So a hundred
-// registrations cost one decision, and what an owner registers or drops when it is told leads to
-// another round, not to a recursion.
+// A change in the tracker only marks the decisions as stale. They are made when the application calls decide()
+// before it paints, or from the event loop. So a hundred registrations lead to one decision. If an owner registers
+// or unregisters when it is told, another round follows, without recursion.
 class ResourcePolicy : public QObject
 {
     Q_OBJECT
 
 public:
-    // Owners below this size are not worth a decision: they always get what they need.
+    // In bytes; smaller owners are always allowed.
     static constexpr qint32 negligibleBytes = 8 * 1024;
 
     struct Summary
@@ -40,7 +39,7 @@ public:
         int denied = 0;
         int cleared = 0;
         int ignored = 0;
-        // What those need that may hold pictures.
+        // The bytes of all owners that may hold pictures.
         qint64 heldBytes = 0;
     };
 
