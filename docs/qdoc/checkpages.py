@@ -1,7 +1,7 @@
-"""Fails unless the pages that QDoc made are whole: checkpages.py FOLDER NM LIBRARY
+"""Checks the pages that QDoc made: checkpages.py FOLDER NM LIBRARY
 
-Every link and every picture leads somewhere, links to other sites aside; the help project names every file;
-and every function that the shared library exports is documented, of which QDoc itself says nothing.
+Fails if a link or picture inside the folder is broken, if the help project lacks a file, or if a function that the
+shared library exports is not documented, which QDoc does not report.
 """
 
 import re
@@ -12,7 +12,7 @@ from html.parser import HTMLParser
 from pathlib import Path
 from urllib.parse import unquote, urlsplit
 
-# What moc and the compiler write: users see the implicit destructor of a message.
+# Functions written by moc or by the compiler, such as the implicit destructor of a message.
 GENERATED = {"metaObject", "qt_metacall", "qt_metacast", "~Message"}
 
 

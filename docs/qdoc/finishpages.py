@@ -1,7 +1,7 @@
 """Finishes the pages that QDoc made: finishpages.py FOLDER SCRIPT
 
-Writes the SCRIPT of the search field, with the list of what can be found, to style/search.js. Takes out the header that
-QDoc makes up for the namespace, where there is none.
+Writes the SCRIPT of the search field and the list of entries that it searches to style/search.js. Removes the header
+that QDoc gives to the namespace, which has none.
 """
 
 import json
@@ -14,7 +14,7 @@ KINDS = {"page", "group", "module", "header", "namespace", "class", "struct", "e
 
 
 def entries(parent, page="", scope=""):
-    """Yields what can be found: its title and its address."""
+    """Yields the entries of the search field: title and address."""
     for element in parent:
         if element.tag == "contents":
             yield f"{scope}: {element.get('title')}", f"{page}#{element.get('name')}"

@@ -1,8 +1,7 @@
 """Turns Markdown files of this repository into pages for QDoc: markdown.py FOLDER FILE...
 
-Knows what those files use: headings, paragraphs, lists, tables, fenced code, and in the text code, bold,
-emphasis and links. A file that begins without a heading is an error, and so is, to QDoc, a link to a file that is
-no page.
+Converts headings, paragraphs, lists, tables and fenced code; inside the text code, bold, emphasis and links. A file
+that does not begin with a heading is an error. QDoc reports a link to a file that is no page.
 """
 
 import re

@@ -33,7 +33,7 @@ const std::array compressions{
 // one.
 QByteArray declaredEncoding(QIODevice &device)
 {
-    // In bytes. Declarations have some 60.
+    // In bytes. A declaration has some 60.
     constexpr qint64 longestDeclaration = 256;
     static const QRegularExpression pattern(
         uR"(^(?:\xef\xbb\xbf)?<\?xml[^>]*\sencoding\s*=\s*["']([\w.:-]+)["'])"_s);

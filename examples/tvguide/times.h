@@ -27,8 +27,7 @@ struct WrittenTime
 // then +hhmm, the name of a time zone, or nothing.
 std::optional<WrittenTime> readXmltvTime(QStringView text);
 
-// Returns the name of the time zone in a time of XMLTV that is right but for this name; else an
-// empty text.
+// Returns the unknown name of a time zone in a time of XMLTV that has no other fault; otherwise an empty text.
 QStringView unknownTimeZone(QStringView xmltvTime);
 
 // Reads a time of ISO 8601: YYYY-MM-DD[Thh:mm[:ss]], then +hh:mm, the name of a time zone, or

@@ -24,13 +24,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// In characters. A screen shows some 1000 at most; the limit bounds what a text costs to lay out.
+// In characters. A screen shows some 1000 at most. The limit bounds the cost of laying a text out.
 constexpr qsizetype maxTextLength = 4000;
 
-// More than the panel has room for; the limit bounds what it costs to compare ratings.
+// More than the panel can show. The limit bounds the cost of comparing ratings.
 constexpr qsizetype maxRatings = 16;
 
-// In characters. A message is meant to fit a line or two of a terminal.
+// In characters. A message then fits one or two lines of a terminal.
 constexpr qsizetype maxQuotedLength = 40;
 constexpr qsizetype maxErrorLength = 160;
 

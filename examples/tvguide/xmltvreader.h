@@ -26,8 +26,8 @@ struct XmltvResult
 // entry, which is left out and counted, and for a fault of the file itself. The entries before a
 // fault of the file are kept.
 //
-// Of a text in several languages the guide gets the one that LanguageChoice chooses. The clock of
-// the guide has the UTC offset of the first programme.
+// LanguageChoice chooses among texts in several languages. The clock of the guide has the UTC offset of the first
+// programme.
 XmltvResult readXmltv(const QString &fileName, const QString &language,
                       const ProblemSink &reportProblem);
 

@@ -819,7 +819,7 @@ void tst_Reentrancy::keepsAnOwnerRegisteredAnewWhileItLeaves()
 
     scene.tracker.unregisterResource(scene.b.get(), 4);
 
-    // The owner left, and was registered anew with another state.
+    // The owner left the tracker and was registered again with another state.
     QCOMPARE(idsOf(scene.tracker, scene.b.get()), QList<int>{80});
     QCOMPARE(scene.tracker.owners().at(scene.b.get())->resourceCount, 1);
     QCOMPARE(scene.ledger.count(Message::Unregistered, 4), 1);
@@ -827,7 +827,7 @@ void tst_Reentrancy::keepsAnOwnerRegisteredAnewWhileItLeaves()
     QCOMPARE(scene.imbalance(), QString());
 }
 
-// While the last entry of an owner is removed, slots register the owner anew, remove all its
+// While the last entry of an owner is removed, slots register the owner again, remove all its
 // entries, and register it again.
 void tst_Reentrancy::countsOnlyEntriesWithTheNewState()
 {

@@ -47,18 +47,18 @@ class tst_Guide : public QObject
 
 private Q_SLOTS:
     void sortsProgrammes();
-    void anOpenEndLastsToTheNextStart();
-    void anOpenEndAtTheEndLastsHalfAnHour();
+    void aProgrammeWithoutStopLastsToTheNextStart();
+    void theLastProgrammeWithoutStopLastsHalfAnHour();
     void overlappingProgrammesAreCut();
-    void ofProgrammesThatStartTogetherTheLastIsKept();
-    void ofProgrammesInASlotTheFirstNamesTheOthers();
+    void keepsTheLastOfProgrammesWithTheSameStart();
+    void theFirstProgrammeOfASlotNamesTheOthers();
     void aSlotEndsAtTheLatestStop();
     void aCorrectionInASlotReplacesItsOwnProgramme();
     void channelsWithoutProgrammesAreLeftOut();
     void findsProgrammesByTime();
-    void knowsWhatItCovers();
+    void coversTheTimeOfItsProgrammes();
     void suggestsAnEvening();
-    void suggestsTheBeginningWhereThereIsNoEvening();
+    void suggestsTheBeginOfAGuideWithoutEvening();
 };
 
 void tst_Guide::sortsProgrammes()
@@ -69,14 +69,14 @@ void tst_Guide::sortsProgrammes()
     QCOMPARE(guide.channels()[0].programmes[1].title, QStringLiteral("b"));
 }
 
-void tst_Guide::anOpenEndLastsToTheNextStart()
+void tst_Guide::aProgrammeWithoutStopLastsToTheNextStart()
 {
     const Guide guide = guideOf({programme(QStringLiteral("a"), at(19)),
                                  programme(QStringLiteral("b"), at(22, 15), at(23))});
     QCOMPARE(guide.channels()[0].programmes[0].stop, at(22, 15));
 }
 
-void tst_Guide::anOpenEndAtTheEndLastsHalfAnHour()
+void tst_Guide::theLastProgrammeWithoutStopLastsHalfAnHour()
 {
     const Guide guide = guideOf({programme(QStringLiteral("a"), at(19))});
     QCOMPARE(guide.channels()[0].programmes[0].stop, at(19, 30));
@@ -94,7 +94,7 @@ void tst_Guide::overlappingProgrammesAreCut()
     QCOMPARE(programmes[2].stop, at(23));
 }
 
-void tst_Guide::ofProgrammesThatStartTogetherTheLastIsKept()
+void tst_Guide::keepsTheLastOfProgrammesWithTheSameStart()
 {
     const Guide guide = guideOf({programme(QStringLiteral("old"), at(19), at(20)),
                                  programme(QStringLiteral("corrected"), at(19), at(20))});
@@ -102,7 +102,7 @@ void tst_Guide::ofProgrammesThatStartTogetherTheLastIsKept()
     QCOMPARE(guide.channels()[0].programmes[0].title, QStringLiteral("corrected"));
 }
 
-void tst_Guide::ofProgrammesInASlotTheFirstNamesTheOthers()
+void tst_Guide::theFirstProgrammeOfASlotNamesTheOthers()
 {
     const Guide guide = guideOf({inSlot(2, QStringLiteral("sport"), at(20)),
                                  inSlot(0, QStringLiteral("news"), at(20)),
@@ -164,7 +164,7 @@ void tst_Guide::findsProgrammesByTime()
     QVERIFY(!channel.hasProgrammeAt(at(22)));
 }
 
-void tst_Guide::knowsWhatItCovers()
+void tst_Guide::coversTheTimeOfItsProgrammes()
 {
     const Guide guide = guideOf({programme(QStringLiteral("a"), at(19), at(20))});
     QVERIFY(guide.covers(at(19)));
@@ -184,7 +184,7 @@ void tst_Guide::suggestsAnEvening()
     QCOMPARE(nextDay.suggestedTime(), at(17, 10) + days(1));
 }
 
-void tst_Guide::suggestsTheBeginningWhereThereIsNoEvening()
+void tst_Guide::suggestsTheBeginOfAGuideWithoutEvening()
 {
     const Guide morning = guideOf({programme(QStringLiteral("a"), at(8), at(9))});
     QCOMPARE(morning.suggestedTime(), at(8));

@@ -48,7 +48,7 @@ Guide guideOf(const std::vector<int> &minutesPerChannel)
     return Guide(std::move(channels), seconds(0));
 }
 
-// One programme of which the guide tells everything.
+// A guide of one programme with all details.
 Guide guideWithDetails()
 {
     Programme shown = programme(u"The house"_s, at(19), at(21));
@@ -80,14 +80,14 @@ private Q_SLOTS:
     void beginsAtTheRunningProgramme();
     void movesAlongAChannel();
     void staysAtTheEdges();
-    void keepsItsTimeFromChannelToChannel();
+    void focusKeepsItsTimeOnAnotherChannel();
     void scrollsToTheFocus();
-    void showsWhatIsInTheGrid();
-    void isBoundedByWhatIsVisible();
-    void showsTheFocusHoweverNarrow();
-    void copesWithTheEndOfTime();
-    void forgetsWhatIsFarAway();
-    void clearsWhatHasScrolledAway();
+    void showsTheProgrammesInTheGrid();
+    void theNumberOfItemsIsBoundedByTheScreen();
+    void showsTheFocusOnANarrowCard();
+    void handlesTheLatestTimes();
+    void removesCardsFarFromTheGrid();
+    void clearsPicturesThatHaveLeftTheScreen();
     void createsThePicturesNearTheFocusFirst();
     void followsTheClock();
     void thePanelShowsTheDetails_data();
@@ -149,7 +149,7 @@ void tst_GuideScene::staysAtTheEdges()
     }
 }
 
-void tst_GuideScene::keepsItsTimeFromChannelToChannel()
+void tst_GuideScene::focusKeepsItsTimeOnAnotherChannel()
 {
     const Guide guide = guideOf({60, 360, 30});
     ResourcePolicy policy(*m_tracker, budget);
@@ -178,7 +178,7 @@ void tst_GuideScene::scrollsToTheFocus()
     }
 }
 
-void tst_GuideScene::showsWhatIsInTheGrid()
+void tst_GuideScene::showsTheProgrammesInTheGrid()
 {
     const Guide guide = guideOf({60, 30});
     ResourcePolicy policy(*m_tracker, budget);
@@ -196,7 +196,7 @@ void tst_GuideScene::showsWhatIsInTheGrid()
     QCOMPARE(visible, 5);
 }
 
-void tst_GuideScene::isBoundedByWhatIsVisible()
+void tst_GuideScene::theNumberOfItemsIsBoundedByTheScreen()
 {
     std::vector<Channel> channels(300);
     for (Channel &channel : channels) {
@@ -214,7 +214,7 @@ void tst_GuideScene::isBoundedByWhatIsVisible()
     QVERIFY(scene.cards().size() < 500);
 }
 
-void tst_GuideScene::showsTheFocusHoweverNarrow()
+void tst_GuideScene::showsTheFocusOnANarrowCard()
 {
     Channel channel;
     channel.id = u"x"_s;
@@ -228,7 +228,7 @@ void tst_GuideScene::showsTheFocusHoweverNarrow()
     QVERIFY(scene.cards().at(scene.focus()).rect.width() >= 8);
 }
 
-void tst_GuideScene::copesWithTheEndOfTime()
+void tst_GuideScene::handlesTheLatestTimes()
 {
     const Instant begin = sys_days(year(1) / 1 / 1);
     const Instant end = sys_days(year(9999) / 12 / 31) + hours(23);
@@ -248,7 +248,7 @@ void tst_GuideScene::copesWithTheEndOfTime()
     QVERIFY(scene.isInGrid(scene.cards().at(scene.focus()).rect));
 }
 
-void tst_GuideScene::forgetsWhatIsFarAway()
+void tst_GuideScene::removesCardsFarFromTheGrid()
 {
     const Guide guide = guideOf(std::vector<int>(200, 30));
     ResourcePolicy policy(*m_tracker, budget);
@@ -259,7 +259,7 @@ void tst_GuideScene::forgetsWhatIsFarAway()
     QVERIFY(m_tracker->owners().size() < 120);
 }
 
-void tst_GuideScene::clearsWhatHasScrolledAway()
+void tst_GuideScene::clearsPicturesThatHaveLeftTheScreen()
 {
     const Guide guide = guideOf(std::vector<int>(20, 30));
     ResourcePolicy policy(*m_tracker, budget);

@@ -20,7 +20,7 @@ private Q_SLOTS:
     void cleanup();
 
     void arrowsMoveTheFocus();
-    void picturesArriveByThemselves();
+    void picturesAppearWithoutInput();
     void theSceneTakesTheSizeOfTheWindow();
     void theLogIsShownOnEitherKeyboard();
     void escapeCloses();
@@ -81,7 +81,7 @@ void tst_GuideWindow::arrowsMoveTheFocus()
     QCOMPARE(scene().focus(), (ProgrammeIndex{0, 0}));
 }
 
-void tst_GuideWindow::picturesArriveByThemselves()
+void tst_GuideWindow::picturesAppearWithoutInput()
 {
     QVERIFY(QTest::qWaitFor([this] { return !scene().hasWantedPictures(); }));
     QVERIFY(!scene().panel().poster->picture().isNull());

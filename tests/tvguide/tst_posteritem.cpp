@@ -45,18 +45,18 @@ private Q_SLOTS:
 
     void registersASourceAndABuffer();
     void registersALocalPictureByItsUrl();
-    void tellsThePolicyWhatItNeeds();
+    void writesItsBytesForThePolicy();
     void holdsNothingBeforeItIsAllowed();
     void createsAndReleases();
     void leavesTheTrackerWhenDestroyed();
     void aMoveChangesNothingElse();
     void aNewSizeMakesANewBuffer();
-    void aPictureThatBreaksIsPaintedInstead();
-    void refusesWhatIsNoPicture_data();
-    void refusesWhatIsNoPicture();
+    void aBrokenPictureIsReplacedByAPaintedOne();
+    void refusesFilesWithoutPicture_data();
+    void refusesFilesWithoutPicture();
     void paintsTheSameForTheSameTitle();
     void fadesCardsTowardsTheText();
-    void livesWithoutATracker();
+    void worksWithoutATracker();
 
 private:
     QString savedPicture(const QSize &size)
@@ -121,7 +121,7 @@ void tst_PosterItem::registersALocalPictureByItsUrl()
     QCOMPARE(m_tracker->resources().back().url, url);
 }
 
-void tst_PosterItem::tellsThePolicyWhatItNeeds()
+void tst_PosterItem::writesItsBytesForThePolicy()
 {
     PosterItem painted(PosterItem::Shape::Card, {u"x"_s, {}, {}}, u"painted"_s);
     painted.place(place);
@@ -211,7 +211,7 @@ void tst_PosterItem::aNewSizeMakesANewBuffer()
     QCOMPARE(item.picture().size(), QSize(80, 45));
 }
 
-void tst_PosterItem::aPictureThatBreaksIsPaintedInstead()
+void tst_PosterItem::aBrokenPictureIsReplacedByAPaintedOne()
 {
     const QString fileName = savedPicture({320, 180});
     PosterItem item(PosterItem::Shape::Panel, {u"x"_s, {}, QUrl::fromLocalFile(fileName)},
@@ -227,7 +227,7 @@ void tst_PosterItem::aPictureThatBreaksIsPaintedInstead()
     QCOMPARE(neededBytes(*stateOf(item)), 160 * 90 * 4);
 }
 
-void tst_PosterItem::refusesWhatIsNoPicture_data()
+void tst_PosterItem::refusesFilesWithoutPicture_data()
 {
     QTest::addColumn<QUrl>("url");
 
@@ -245,7 +245,7 @@ void tst_PosterItem::refusesWhatIsNoPicture_data()
     QTest::newRow("invalid") << QUrl(u"http://[bad"_s);
 }
 
-void tst_PosterItem::refusesWhatIsNoPicture()
+void tst_PosterItem::refusesFilesWithoutPicture()
 {
     QFETCH(const QUrl, url);
     PosterItem item(PosterItem::Shape::Card, {u"x"_s, {}, url}, u"card"_s);
@@ -282,7 +282,7 @@ void tst_PosterItem::fadesCardsTowardsTheText()
     QCOMPARE(picture.pixelColor(place.width() - 1, 0).alpha(), 0);
 }
 
-void tst_PosterItem::livesWithoutATracker()
+void tst_PosterItem::worksWithoutATracker()
 {
     ovelin::setSceneResourceTracker(nullptr);
     PosterItem item(PosterItem::Shape::Card, {u"x"_s, {}, {}}, u"card"_s);

@@ -19,7 +19,7 @@ constexpr QRect screen(0, 0, 1000, 500);
 constexpr QPoint focus(100, 100);
 constexpr qint32 kibibyte = 1024;
 
-// Holds what it is told to hold, and does something else besides if the test wants it.
+// Does what it is told, and then calls the function of the test.
 class Item : public QObject, public ovelin::AbstractResourceOwner
 {
     Q_OBJECT
@@ -75,18 +75,18 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void servesWhatIsNearTheFocusFirst();
-    void servesTheImportantFirst();
-    void aSmallOneMayFitWhereALargeOneDoesNot();
-    void clearsWhatLeavesTheScreen();
-    void servesWhatComesBack();
-    void leavesTinyOwnersAloneAndCountsThem();
-    void whatOneGivesUpAnotherGets();
-    void givesBackBeforeItGivesOut();
-    void tellsNobodyTwice();
+    void allowsItemsNearTheFocusFirst();
+    void allowsImportantItemsFirst();
+    void aSmallItemMayFitWhenALargeOneDoesNot();
+    void clearsItemsThatLeaveTheScreen();
+    void allowsItemsThatComeBack();
+    void alwaysAllowsTinyOwnersAndCountsThem();
+    void releasedBytesAreGivenToAnotherItem();
+    void releasesBeforeItAllows();
+    void tellsNoOwnerTwice();
     void decidesOnceForManyRegistrations();
     void decidesFromTheEventLoop();
-    void anOwnerThatRegistersWhenToldIsNotToldForEver();
+    void returnsAlthoughAnOwnerRegistersWhenTold();
     void anOwnerMayAskForADecisionWhenTold();
     void anOwnerMayDestroyAnother();
     void anOwnerMayDestroyAnotherThatHasLeft();
@@ -118,7 +118,7 @@ void tst_ResourcePolicy::cleanup()
     m_tracker.reset();
 }
 
-void tst_ResourcePolicy::servesWhatIsNearTheFocusFirst()
+void tst_ResourcePolicy::allowsItemsNearTheFocusFirst()
 {
     const Item far(at(900), 60 * kibibyte);
     const Item near(at(120), 60 * kibibyte);
@@ -135,7 +135,7 @@ void tst_ResourcePolicy::servesWhatIsNearTheFocusFirst()
     QVERIFY(far.holds);
 }
 
-void tst_ResourcePolicy::servesTheImportantFirst()
+void tst_ResourcePolicy::allowsImportantItemsFirst()
 {
     const Item near(at(120), 60 * kibibyte);
     const Item important(at(900), 60 * kibibyte, 1);
@@ -144,7 +144,7 @@ void tst_ResourcePolicy::servesTheImportantFirst()
     QCOMPARE(near.status(), ResourceOwnerState::CreationDenied);
 }
 
-void tst_ResourcePolicy::aSmallOneMayFitWhereALargeOneDoesNot()
+void tst_ResourcePolicy::aSmallItemMayFitWhenALargeOneDoesNot()
 {
     const Item first(at(100), 60 * kibibyte);
     const Item large(at(200), 60 * kibibyte);
@@ -154,7 +154,7 @@ void tst_ResourcePolicy::aSmallOneMayFitWhereALargeOneDoesNot()
     QCOMPARE(small.status(), ResourceOwnerState::CreationAllowed);
 }
 
-void tst_ResourcePolicy::clearsWhatLeavesTheScreen()
+void tst_ResourcePolicy::clearsItemsThatLeaveTheScreen()
 {
     Item item(at(100), 60 * kibibyte);
     look();
@@ -166,7 +166,7 @@ void tst_ResourcePolicy::clearsWhatLeavesTheScreen()
     QCOMPARE(item.released, 1);
 }
 
-void tst_ResourcePolicy::servesWhatComesBack()
+void tst_ResourcePolicy::allowsItemsThatComeBack()
 {
     Item item(at(-10), 60 * kibibyte);
     look();
@@ -177,7 +177,7 @@ void tst_ResourcePolicy::servesWhatComesBack()
     QVERIFY(item.holds);
 }
 
-void tst_ResourcePolicy::leavesTinyOwnersAloneAndCountsThem()
+void tst_ResourcePolicy::alwaysAllowsTinyOwnersAndCountsThem()
 {
     const Item tiny(at(5000), 5 * kibibyte);
     const Item exact(at(100), 95 * kibibyte);
@@ -192,7 +192,7 @@ void tst_ResourcePolicy::leavesTinyOwnersAloneAndCountsThem()
     QCOMPARE(exact.status(), ResourceOwnerState::CreationDenied);
 }
 
-void tst_ResourcePolicy::whatOneGivesUpAnotherGets()
+void tst_ResourcePolicy::releasedBytesAreGivenToAnotherItem()
 {
     auto near = std::make_unique<Item>(at(100), 60 * kibibyte);
     const Item far(at(900), 60 * kibibyte);
@@ -205,7 +205,7 @@ void tst_ResourcePolicy::whatOneGivesUpAnotherGets()
     QVERIFY(far.holds);
 }
 
-void tst_ResourcePolicy::givesBackBeforeItGivesOut()
+void tst_ResourcePolicy::releasesBeforeItAllows()
 {
     Item left(at(100), 60 * kibibyte);
     Item right(at(900), 60 * kibibyte);
@@ -219,7 +219,7 @@ void tst_ResourcePolicy::givesBackBeforeItGivesOut()
     QVERIFY(!bothHeld);
 }
 
-void tst_ResourcePolicy::tellsNobodyTwice()
+void tst_ResourcePolicy::tellsNoOwnerTwice()
 {
     const Item item(at(100), 60 * kibibyte);
     look();
@@ -249,11 +249,11 @@ void tst_ResourcePolicy::decidesFromTheEventLoop()
     QCOMPARE(item.status(), ResourceOwnerState::CreationAllowed);
 }
 
-void tst_ResourcePolicy::anOwnerThatRegistersWhenToldIsNotToldForEver()
+void tst_ResourcePolicy::returnsAlthoughAnOwnerRegistersWhenTold()
 {
     Item item(at(100), 60 * kibibyte);
     int changes = 0;
-    // With every decision it turns into something about which the opposite has to be decided.
+    // After every decision the item changes so that the opposite decision is right.
     item.whenTold = [&] {
         ++changes;
         item.registerResource(1, QString::number(changes), ResourceInfo::PaintedItem);
@@ -263,7 +263,7 @@ void tst_ResourcePolicy::anOwnerThatRegistersWhenToldIsNotToldForEver()
     QVERIFY(changes > 0);
     QVERIFY(changes < 10);
 
-    // It does not get quiet, and the event loop still turns.
+    // The changes go on, and the event loop still runs.
     const int before = changes;
     QVERIFY(QTest::qWaitFor([&] { return changes > before; }));
     item.whenTold = nullptr;

@@ -29,7 +29,7 @@ private Q_SLOTS:
     void readsIsoTimes();
     void refusesImpossibleIsoTimes_data();
     void refusesImpossibleIsoTimes();
-    void assumesAnOffsetOnlyWhereNoneWasWritten();
+    void assumesAnOffsetOnlyForTimesWithoutOffset();
     void showsTheClockOfTheGuide();
 };
 
@@ -232,7 +232,7 @@ void tst_Times::refusesImpossibleIsoTimes()
     QVERIFY(!readIsoTime(text));
 }
 
-void tst_Times::assumesAnOffsetOnlyWhereNoneWasWritten()
+void tst_Times::assumesAnOffsetOnlyForTimesWithoutOffset()
 {
     QCOMPARE(readIsoTime(u"2025-03-14T20:10:05")->instant(hours(3)), evening);
     QCOMPARE(readIsoTime(u"2025-03-14T17:10:05Z")->instant(hours(3)), evening);

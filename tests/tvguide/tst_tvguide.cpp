@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// In milliseconds: enough for an emulator on a busy machine.
+// In milliseconds. A busy machine with an emulator takes a part of this.
 constexpr int timeout = 120'000;
 
 struct Run
@@ -74,25 +74,25 @@ class tst_TvGuide : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void helps();
-    void tellsItsVersion();
+    void printsItsHelp();
+    void printsItsVersion();
     void refusesBadArguments_data();
     void refusesBadArguments();
     void refusesAWindowWithoutADisplay();
     void refusesUnwritableOutput_data();
     void refusesUnwritableOutput();
-    void refusesGuidesWithNothingUsable_data();
-    void refusesGuidesWithNothingUsable();
+    void refusesGuidesWithoutProgrammes_data();
+    void refusesGuidesWithoutProgrammes();
     void skipsFaultyEntries();
 
     void drawsTheEmbeddedGuide();
-    void needsNoPlatformToBeNamed();
+    void worksWithoutANamedPlatform();
     void drawsTheSameEverywhere();
-    void understandsTheTimeInEitherForm();
+    void readsTheTimeWithAndWithoutOffset();
     void drawsASequence();
-    void speaksTheLanguageAskedFor();
+    void usesTheLanguageOfTheOption();
     void printsTheLog();
-    void describesWhatItShows();
+    void describesTheScreen();
     void staysWithinTheBudget();
 
 private:
@@ -118,7 +118,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-void tst_TvGuide::helps()
+void tst_TvGuide::printsItsHelp()
 {
     const Run help = run({u"--help"_s});
     QCOMPARE(help.exitCode, 0);
@@ -128,7 +128,7 @@ void tst_TvGuide::helps()
         QVERIFY2(help.output.contains(QLatin1StringView(option)), option);
 }
 
-void tst_TvGuide::tellsItsVersion()
+void tst_TvGuide::printsItsVersion()
 {
     const Run version = run({u"--version"_s});
     QCOMPARE(version.exitCode, 0);
@@ -222,7 +222,7 @@ void tst_TvGuide::refusesUnwritableOutput()
     QVERIFY2(refused.errors.contains(arguments.last()), qPrintable(refused.errors));
 }
 
-void tst_TvGuide::refusesGuidesWithNothingUsable_data()
+void tst_TvGuide::refusesGuidesWithoutProgrammes_data()
 {
     QTest::addColumn<QByteArray>("guide");
     QTest::addColumn<QString>("place");
@@ -238,7 +238,7 @@ void tst_TvGuide::refusesGuidesWithNothingUsable_data()
     QTest::newRow("no programmes") << QByteArray("<tv><channel id='a'/></tv>") << QString();
 }
 
-void tst_TvGuide::refusesGuidesWithNothingUsable()
+void tst_TvGuide::refusesGuidesWithoutProgrammes()
 {
     QFETCH(const QByteArray, guide);
     QFETCH(const QString, place);
@@ -315,7 +315,7 @@ void tst_TvGuide::drawsTheEmbeddedGuide()
     QVERIFY(has([](const QColor &c) { return c == QColor(0xf4, 0xf5, 0xfb); }));
 }
 
-void tst_TvGuide::needsNoPlatformToBeNamed()
+void tst_TvGuide::worksWithoutANamedPlatform()
 {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.remove(u"QT_QPA_PLATFORM"_s);
@@ -337,7 +337,7 @@ void tst_TvGuide::drawsTheSameEverywhere()
     QCOMPARE(content(path(u"here.png"_s)), content(path(u"there.png"_s)));
 }
 
-void tst_TvGuide::understandsTheTimeInEitherForm()
+void tst_TvGuide::readsTheTimeWithAndWithoutOffset()
 {
     QByteArray first;
     for (const char *time : {"2025-03-14T20:40+03:00", "2025-03-14T20:40", "2025-03-14T17:40:00Z",
@@ -368,7 +368,7 @@ void tst_TvGuide::drawsASequence()
     QVERIFY(different.size() >= 9);
 }
 
-void tst_TvGuide::speaksTheLanguageAskedFor()
+void tst_TvGuide::usesTheLanguageOfTheOption()
 {
     const QString fileName = savedGuide(
         "<tv><programme start='20250314190000' channel='a'><title lang='en'>House</title>"
@@ -405,7 +405,7 @@ void tst_TvGuide::printsTheLog()
     QVERIFY(output.count(u"tvguide::PosterItem"_s) > 50);
 }
 
-void tst_TvGuide::describesWhatItShows()
+void tst_TvGuide::describesTheScreen()
 {
     const QStringList once{u"--describe"_s, path(u"once.json"_s)};
     const QStringList twice{u"--describe"_s, path(u"twice.json"_s), u"--render"_s,

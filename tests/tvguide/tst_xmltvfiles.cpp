@@ -73,7 +73,7 @@ void tst_XmltvFiles::readsTheFile_data()
     };
     const QString one = u"channel 1 one"_s;
 
-    // Time zones. The clock of a guide goes by the zone of its first programme.
+    // Time zones. The clock of a guide has the zone of its first programme.
     row("zone-bst.xml", {one, u"2001-08-29T00:05:00+01:00 2001-08-29T01:30:00+01:00 Night film"_s});
     row("zone-msk.xml", {one, u"2025-03-14T19:00:00+03:00 2025-03-14T20:00:00+03:00 Вечер"_s});
     row("zone-edt.xml", {one, u"2024-07-04T20:00:00-04:00 2024-07-04T21:00:00-04:00 Fireworks"_s});
@@ -178,7 +178,7 @@ void tst_XmltvFiles::readsTheFile_data()
         {one, house, u"episode: Season 2, episode 5"_s, u"episode text: S2E5"_s});
     row("episode-in-other-systems.xml", {one, house});
 
-    // What else the panel shows, and what it does not.
+    // Other elements.
     row("new.xml", {one, house, u"new: yes"_s});
     row("premiere.xml", {one, house, u"premiere: yes"_s});
     row("premiere-text.xml",

@@ -70,11 +70,11 @@ private Q_SLOTS:
     void readsChannelsAndProgrammes();
     void keepsTheOrderOfChannels();
     void numbersChannels();
-    void anUndescribedChannelIsNamedByItsId();
+    void aChannelWithoutDescriptionIsNamedByItsId();
     void aChannelMayBeDescribedLast();
     void choosesTheLanguage_data();
     void choosesTheLanguage();
-    void goesByTheOffsetOfTheFirstProgramme();
+    void usesTheOffsetOfTheFirstProgramme();
     void findsIcons_data();
     void findsIcons();
     void skipsUnknownElements();
@@ -82,16 +82,16 @@ private Q_SLOTS:
     void readsCharacterReferencesAndSections();
     void skipsFaultyEntries_data();
     void skipsFaultyEntries();
-    void quotesSafely();
+    void quotesTextOfTheFileSafely();
     void quotesTheFaultOfAFileSafely();
-    void keepsWhatStoodBeforeAFault_data();
-    void keepsWhatStoodBeforeAFault();
+    void keepsEntriesBeforeAFault_data();
+    void keepsEntriesBeforeAFault();
     void refusesOtherDocuments_data();
     void refusesOtherDocuments();
-    void tellsWhatCannotBeDecoded_data();
-    void tellsWhatCannotBeDecoded();
-    void keepsWhatStoodBeforeAWrongByte();
-    void tellsAboutUnreadableFiles();
+    void reportsFilesThatCannotBeDecoded_data();
+    void reportsFilesThatCannotBeDecoded();
+    void keepsEntriesBeforeAWrongByte();
+    void reportsUnreadableFiles();
     void readsFiles();
     void survivesEntityExpansion();
     void survivesDeepNesting();
@@ -189,7 +189,7 @@ void tst_XmltvReader::numbersChannels()
     QCOMPARE(reading.channels()[1].name, u"Второй"_s);
 }
 
-void tst_XmltvReader::anUndescribedChannelIsNamedByItsId()
+void tst_XmltvReader::aChannelWithoutDescriptionIsNamedByItsId()
 {
     const Reading unknown = readContent(uR"(<programme start="2025" channel="who.example"/>)"_s);
     QCOMPARE(unknown.problems, QStringList());
@@ -242,7 +242,7 @@ void tst_XmltvReader::choosesTheLanguage()
     QCOMPARE(readContent(programme(titles), language).programme().title, title);
 }
 
-void tst_XmltvReader::goesByTheOffsetOfTheFirstProgramme()
+void tst_XmltvReader::usesTheOffsetOfTheFirstProgramme()
 {
     const Reading reading = readContent(uR"(<programme start="20250314 +0530" channel="a"/>)"
                                         uR"(<programme start="20250315 -0200" channel="a"/>)"_s);
@@ -334,7 +334,7 @@ void tst_XmltvReader::skipsFaultyEntries()
     QCOMPARE(reading.programme().title, u"good"_s);
 }
 
-void tst_XmltvReader::quotesSafely()
+void tst_XmltvReader::quotesTextOfTheFileSafely()
 {
     const Reading reading = readContent(
         uR"(<programme start="&#10;&#x9b;31m%1" channel="a"/>)"_s.arg(QString(10'000, u'9')));
@@ -358,7 +358,7 @@ void tst_XmltvReader::quotesTheFaultOfAFileSafely()
     }
 }
 
-void tst_XmltvReader::keepsWhatStoodBeforeAFault_data()
+void tst_XmltvReader::keepsEntriesBeforeAFault_data()
 {
     QTest::addColumn<QString>("fault");
 
@@ -370,7 +370,7 @@ void tst_XmltvReader::keepsWhatStoodBeforeAFault_data()
         << u"<programme start='2026' channel='a'><title>a</desc></programme>"_s;
 }
 
-void tst_XmltvReader::keepsWhatStoodBeforeAFault()
+void tst_XmltvReader::keepsEntriesBeforeAFault()
 {
     QFETCH(const QString, fault);
     const Reading reading =
@@ -402,7 +402,7 @@ void tst_XmltvReader::refusesOtherDocuments()
     QVERIFY(reading.result.guide.isEmpty());
 }
 
-void tst_XmltvReader::tellsWhatCannotBeDecoded_data()
+void tst_XmltvReader::reportsFilesThatCannotBeDecoded_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("problem");
@@ -438,7 +438,7 @@ void tst_XmltvReader::tellsWhatCannotBeDecoded_data()
         << u"2:10: the file is broken here: Opening and ending tag mismatch."_s;
 }
 
-void tst_XmltvReader::tellsWhatCannotBeDecoded()
+void tst_XmltvReader::reportsFilesThatCannotBeDecoded()
 {
     QFETCH(const QByteArray, bytes);
     QFETCH(const QString, problem);
@@ -447,7 +447,7 @@ void tst_XmltvReader::tellsWhatCannotBeDecoded()
     QVERIFY(reading.result.guide.isEmpty());
 }
 
-void tst_XmltvReader::keepsWhatStoodBeforeAWrongByte()
+void tst_XmltvReader::keepsEntriesBeforeAWrongByte()
 {
     // The parser decodes fewer bytes at once.
     const QByteArray blank(100'000, '\n');
@@ -460,7 +460,7 @@ void tst_XmltvReader::keepsWhatStoodBeforeAWrongByte()
     QCOMPARE(reading.programme().title, u"good"_s);
 }
 
-void tst_XmltvReader::tellsAboutUnreadableFiles()
+void tst_XmltvReader::reportsUnreadableFiles()
 {
     const QTemporaryDir folder;
     for (const QString &name : {folder.filePath(u"missing.xml"_s), folder.path()}) {

@@ -7,7 +7,7 @@
 
 picture=$repository/build/tvguide.png
 
-# True if the arguments say what the example shall put out.
+# True if an argument chooses the output of the example.
 chooses_output()
 {
     local argument

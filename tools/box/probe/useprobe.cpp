@@ -90,8 +90,8 @@ std::ptrdiff_t textBytesOfQt(const TextRenderer &renderer)
     });
 }
 
-// Fails unless the text has so many lines. The height tells: displayText() has no newline where a line ends
-// at a space.
+// Fails unless the text has this number of lines. displayText() has no newline where a line ends at a space, so
+// the number is computed from the height.
 void checkLineCount(const TextRenderer &renderer, int lines)
 {
     const double height = renderer.boundingSize().height();
