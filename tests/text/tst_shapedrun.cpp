@@ -59,8 +59,8 @@ private Q_SLOTS:
     void readsPrefixesOfSeveralPiecesExactly_data();
     void readsPrefixesOfSeveralPiecesExactly();
     void readsRangesOfOnePieceOnly();
-    void toleratesLessWhereNothingIsKerned_data();
-    void toleratesLessWhereNothingIsKerned();
+    void toleratesWhatTheTableSays_data();
+    void toleratesWhatTheTableSays();
 
     void covers_data();
     void covers();
@@ -196,24 +196,33 @@ void tst_ShapedRun::readsRangesOfOnePieceOnly()
     QVERIFY(!longer.covers(1, 2));
 }
 
-void tst_ShapedRun::toleratesLessWhereNothingIsKerned_data()
+void tst_ShapedRun::toleratesWhatTheTableSays_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<qsizetype>("from");
     QTest::addColumn<qsizetype>("to");
     QTest::addColumn<double>("toleranceInEms");
 
-    QTest::newRow("not kerned") << u"xабвx"_s << qsizetype(1) << qsizetype(4) << 0.05 + 0.05;
-    QTest::newRow("kerned at the begin")
-        << u"xVAбx"_s << qsizetype(1) << qsizetype(4) << 0.5 + 0.05;
-    QTest::newRow("kerned before it") << u"VAбвx"_s << qsizetype(1) << qsizetype(4) << 0.05 + 0.05;
-    QTest::newRow("kerned at the end") << u"xабAVx"_s << qsizetype(1) << qsizetype(4) << 0.05 + 0.5;
-    QTest::newRow("the begin of the run") << u"абвx"_s << qsizetype(0) << qsizetype(3) << 0.05;
-    QTest::newRow("the whole run") << u"абв"_s << qsizetype(0) << qsizetype(3) << 0.0;
-    QTest::newRow("joined at both ends") << u"سلام"_s << qsizetype(1) << qsizetype(2) << 4.0 + 4.0;
+    const auto row = [](const char *name, const QString &text, qsizetype from, qsizetype to,
+                        double toleranceInEms) {
+        QTest::newRow(name) << text << from << to << toleranceInEms;
+    };
+    row("not kerned", u"xабвx"_s, 1, 4, 0.05 + 0.05);
+    row("kerned at the begin", u"xVAбx"_s, 1, 4, 0.5 + 0.05);
+    row("kerned before it", u"VAбвx"_s, 1, 4, 0.05 + 0.05);
+    row("kerned at the end", u"xабAVx"_s, 1, 4, 0.05 + 0.5);
+    row("the begin of the run", u"абвx"_s, 0, 3, 0.05);
+    row("the whole run", u"абв"_s, 0, 3, 0);
+    row("joined at both ends", u"سلام"_s, 1, 2, 4 + 4);
+    row("a tab", u"xа\tбx"_s, 1, 4, 0.05 + 4 + 0.05); // 80 pixels
+    row("the direction changes twice", u"xаשбx"_s, 1, 4, 0.05 + 1 + 1 + 0.05);
+    row("a mirrored sign", u"xа∈бx"_s, 1, 4, 0.05 + 2 + 0.05);
+    row("a regional indicator", u"xа\U0001F1F7бx"_s, 1, 5, 0.05 + 2 + 0.05);
+    row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
+    row("signs before the script of the run", u"a—…kx"_s, 1, 4, 0.05 + 0.05);
 }
 
-void tst_ShapedRun::toleratesLessWhereNothingIsKerned()
+void tst_ShapedRun::toleratesWhatTheTableSays()
 {
     QFETCH(QString, text);
     QFETCH(qsizetype, from);
