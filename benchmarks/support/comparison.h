@@ -7,7 +7,7 @@
 
 namespace ovelin::benchmarks {
 
-// A work that a work of the library is compared with.
+// Another way to get the result of a work of the library, to compare the times.
 struct Contender
 {
     std::string name;

@@ -9,7 +9,7 @@ namespace ovelin::benchmarks {
 // The name of the work in targets for numbers of the whole grid.
 inline constexpr auto gridName = "grid";
 
-// The highest ratio of a work to a contender that is accepted, or the highest number of the grid.
+// The highest accepted ratio of a work to a contender, or the highest accepted number of the grid.
 struct Target
 {
     std::string_view work;

@@ -32,8 +32,7 @@ Programme programme(const QString &title, Instant start, Instant stop)
     return programme;
 }
 
-// One channel for each number of minutes, the length of the channel's programmes from 18:00 to
-// 24:00.
+// A guide from 18:00 to 24:00. Each number gives a channel whose programmes last this many minutes.
 Guide guideOf(const std::vector<int> &minutesPerChannel)
 {
     std::vector<Channel> channels;

@@ -37,7 +37,7 @@ show_files "$@"
 arguments=()
 chooses_output "$@" || arguments+=(--render "$picture")
 for argument; do
-    # The example has no such argument: it opens a window when no file is asked for.
+    # The example does not know --window: it opens a window if no argument asks for a file.
     [[ $argument == --window ]] || arguments+=("$argument")
 done
 inside "$tree/examples/tvguide/tvguide" "${arguments[@]}"
