@@ -230,11 +230,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
         if (!shape(from, std::min(to - from, nextRunSize(from, to))))
             return std::nullopt;
     }
-    // The space behind the text is in no run.
     const qsizetype end = std::min(to, m_run.end());
-    const bool hasUnreadSpace = end == m_text.withoutSpace().size();
-    if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
-        return std::nullopt;
     qsizetype overflow = from;
     while (overflow < end && m_run.read(from, overflow + 1).advance <= m_lineWidth)
         ++overflow;
@@ -243,6 +239,10 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
         --first;
     const qsizetype last = std::min(end, overflow + charactersFromOverflow);
     if (overflow == end || !m_run.isSideBySide(first, last) || !m_run.isExact(from, last))
+        return std::nullopt;
+    // The space behind the text is in no run.
+    const bool hasUnreadSpace = end == m_text.withoutSpace().size();
+    if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
         return std::nullopt;
 
     const double before = first > from ? m_run.read(from, first).advance : 0;
