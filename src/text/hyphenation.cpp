@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // The classes have letters for names: g for vowels, s for consonants, x for the short i and the two
-// signs. These letters themselves are therefore taken for the classes.
+// signs. The Latin letters g, s and x in a word therefore count as letters of these classes.
 struct LetterClass
 {
     char16_t letter;
@@ -34,7 +34,7 @@ struct Rule
 
 // In the order in which they apply: a hyphen that an earlier rule set keeps the later ones from
 // matching across it.
-// clang-format off: one a line
+// clang-format off: the rules stay aligned
 constexpr Rule hyphenationRules[] = {
     {"xgg"_L1, "x-gg"_L1},     {"xgs"_L1, "x-gs"_L1},       {"xsg"_L1, "x-sg"_L1},
     {"xss"_L1, "x-ss"_L1},     {"ggg"_L1, "g-gg"_L1},       {"ggs"_L1, "g-gs"_L1},
@@ -43,17 +43,18 @@ constexpr Rule hyphenationRules[] = {
 };
 // clang-format on
 
-// Each rule is applied twice, and each time a point depends on the characters of one rule more.
+// Each rule is applied twice. Each time a point can depend on characters that are as far away as a rule is
+// long.
 constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
                                       return rule.before.size();
                                   }).before.size();
 constexpr qsizetype hyphenationReach =
     qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1);
 
-// Of a longer word, so many characters are looked at first: hardly any line has more.
+// The points among the first characters of a long word are looked for first: few lines have more characters.
 constexpr qsizetype usualPrefix = 64;
 
-// What a word gains in hyphens before its class string has to grow.
+// The room that a class string has for inserted hyphens.
 constexpr qsizetype usualHyphenCount = 4;
 
 QHash<QChar, QChar> makeLetterClasses()
@@ -79,15 +80,15 @@ void insertHyphens(QString &classes)
     for (const auto &[before, after] : hyphenationRules) {
         if (!classes.contains(before))
             continue;
-        // A match ends where the next may begin; the second run finds those that overlap one of the
-        // first, and more runs would give breaks that nobody expects.
+        // One replacement leaves out matches that overlap. The second one finds them. A third one would
+        // give points that nobody expects.
         classes.replace(before, after, Qt::CaseSensitive);
         classes.replace(before, after, Qt::CaseSensitive);
     }
 }
 
-// True if a class string of the word may have a hyphen: other scripts have no letter of a class, and their
-// words can be long.
+// False if the word has no hyphenation point, because it has no hyphen and no letter of a class. Words of other
+// scripts can be long.
 bool mayHavePoints(QStringView word)
 {
     return std::ranges::any_of(word, [](QChar c) {
@@ -107,7 +108,7 @@ int lastPointThatFits(QStringView word,
 
     qsizetype next = 0;
     qsizetype accepted = 0;
-    // Each hyphen before the candidate is taken for an inserted one, also one of the word's own.
+    // A hyphen of the word itself counts like an inserted one: the points behind it lie one character early.
     while (candidate != -1 && fitsWithHyphen(candidate - accepted)) {
         next = candidate + 1;
         ++accepted;

@@ -20,13 +20,13 @@ extern const QHash<QChar, QChar> hyphenationLetterClasses;
 // Matches where a word ends: at a space, at a line separator, or at a hyphen that no digit follows.
 extern const QRegularExpression wordBreakPattern;
 
-// Returns the position of the first match at or after a position in a well-formed text with a space behind
-// it. That space ends the last word.
+// Returns the position of the first match at or after a position. The end of the text, which must be
+// well-formed, counts as a space.
 qsizetype wordEnd(QStringView text, qsizetype from);
 
-// Returns how many of the first characters of a word stay on the line if the word is broken with a hyphen:
-// the most that fit. Returns 0 if the word has hyphenation points and none fits, and -1 if it has none.
-// The word ends with its separator.
+// Returns the greatest number of characters of the word that fit on the line with a hyphen. Returns 0 if no
+// hyphenation point fits, and -1 if the word has none. The word includes its separator; the last word of a
+// text has none.
 int hyphenationPoint(QStringView word,
                      qxp::function_ref<bool(qsizetype kept) const> fitsWithHyphen);
 

@@ -13,20 +13,20 @@ namespace {
 // it is for; one that is too small breaks lines in the wrong place, one that is too large costs
 // measurements.
 
-// The end of a range parts two characters that stand side by side. Fonts kern such a pair by up to half an
-// em.
+// An end of a range parts two characters that stand side by side, which are then not kerned. Fonts kern a
+// pair by up to half an em.
 constexpr double kernedEndInEms = 0.5;
-// The same if the character at this end has the advance that the font gives it alone. It has no pair kerning
-// then, and rules for characters that are farther apart are small.
+// The same if the character of the range at this end has the advance that the font gives it alone. It has no
+// pair kerning then, and rules for characters that are farther apart change little.
 constexpr double freeEndInEms = 0.05;
-// The end parts characters that join, stack or are one glyph, as Arabic letters, marks and ligatures.
+// An end parts characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
-// Capitalization by QFont::Capitalize depends on whether a word begins at the end.
+// QFont::Capitalize depends on where a word begins. All capitalizations get this tolerance.
 constexpr double capitalizedEndInEms = 1;
-// Where the direction changes, no pair is kerned. The neutral characters there can belong to either side.
+// Where the direction changes, neutral characters can take either direction, and no pair is kerned.
 constexpr double directionChangeInEms = 1;
-// A sign from the first one on can be turned around by a letter outside the range. Brackets before it are
-// as wide as their counterparts.
+// A letter outside the range can mirror a sign from U+2200 on, and the mirrored sign can have another width.
+// Brackets before U+2200 are as wide as their counterparts.
 constexpr double mirroredSignInEms = 2;
 constexpr char16_t firstMirroredSign = u'\u2200';
 // Two regional indicators are one flag. The pairs depend on where the range begins.
@@ -51,7 +51,7 @@ double absoluteLetterSpacing(const QFont &font)
     return font.letterSpacingType() == QFont::AbsoluteSpacing ? font.letterSpacing() : 0;
 }
 
-// Characters of these scripts stand side by side, but for marks, which are in one cluster with a letter.
+// Characters of these scripts stand side by side, except marks, which are in one cluster with a letter.
 bool standsSideBySide(QChar::Script script)
 {
     switch (script) {
@@ -75,7 +75,7 @@ bool standsSideBySide(QChar::Script script)
     }
 }
 
-// These turn the direction of everything behind them.
+// True if the character begins or ends an embedding, an override or an isolate.
 bool isDirectionControl(QChar c)
 {
     return (c >= u'\u202a' && c <= u'\u202e') || (c >= u'\u2066' && c <= u'\u2069');
@@ -88,8 +88,8 @@ char32_t characterAt(QStringView text, qsizetype index)
     return isPair ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
 }
 
-// True if the character keeps its script in each text. Qt gives all others the script of the letter before
-// them or, before the first letter of a text, that of this letter.
+// True if the character has a script of its own. Qt gives other characters the script of the previous letter
+// or, before the first letter of a text, the script of that letter.
 bool isLetter(char32_t c)
 {
     return QChar::script(c) > QChar::Script_Common && !QChar::isMark(c);
@@ -129,7 +129,7 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const ReadFont &font)
     , m_firstLetter(begin)
     , m_font(&font)
 {
-    // What a control has turned has another direction without it.
+    // A range that begins behind a direction control lacks it, so that its direction can be another one.
     const auto control = std::ranges::find_if(m_text, isDirectionControl);
     m_lastBegin = text.size() > longestPiece ? begin : begin + (control - m_text.cbegin());
 
@@ -280,7 +280,7 @@ double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
     return at(from).script == ownScript ? 0 : double(signs) * m_font->foreignSign;
 }
 
-// Returns the position of the first letter in the range; its end, or a position behind it, if it has none.
+// Returns the position of the first letter in the range, or a position that is not before `to` if it has none.
 qsizetype ShapedRun::firstLetter(qsizetype from, qsizetype to) const
 {
     qsizetype position = std::max(from, m_firstLetter);

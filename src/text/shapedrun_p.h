@@ -13,19 +13,19 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
-// An advance that was read from a shaped run, in pixels. The same characters, shaped by themselves, are
-// wider or narrower by the tolerance at most.
+// An advance that was read from a shaped run, in pixels. The advance of the same characters, shaped by
+// themselves, differs from it by at most the tolerance.
 struct Reading
 {
     double advance;
     double tolerance;
 };
 
-// Qt shapes a text in pieces of this many characters, and characters of two pieces do not join. Where a
-// longer run has the end of a piece, a range has none: it can be read from the begin of the run only.
+// Qt shapes a text in pieces of this many characters, and characters of two pieces do not join. The pieces of
+// a longer run depend on where it begins. Only ranges that begin with such a run can be read.
 constexpr qsizetype longestPiece = 4096;
 
-// Returns how many times as wide as it was drawn a font is set.
+// Returns the horizontal scale of the font by its stretch and its letter spacing in per cent, at least 1.
 double horizontalScale(const QFont &font);
 
 // A font, and how far readings in it may be off, in pixels; the table in shapedrun.cpp gives the reasons.
@@ -48,9 +48,9 @@ struct ReadFont
 
 // One shaping of a part of a text. The advance of each range of that part is read from it.
 //
-// The run keeps two sums for each position: of the advances before it, and of the tolerances of the
-// characters before it that may differ from range to range. The ends of a range add their own tolerances,
-// because they have other neighbours within the run. The ends of the run add none.
+// The run keeps two sums for each position: of the advances before it, and of the tolerances for what before
+// it can have another advance in another range. Each end of a range adds a tolerance, because the range has
+// other neighbours within the run. The ends of the run add none.
 class ShapedRun
 {
 public:
@@ -69,19 +69,19 @@ public:
 
     Reading read(qsizetype from, qsizetype to) const;
 
-    // The same with less tolerance at an end whose character is not kerned. It takes more time.
+    // The same with less tolerance at an end whose character is not kerned. This costs a look at the font.
     Reading readClosely(qsizetype from, qsizetype to) const;
 
-    // Returns the least advance of a longer text that begins with the characters from `from` to the end of
-    // the run, if no character behind these has a negative advance.
+    // Returns an advance that no text falls below that begins with the characters from `from` to the end of
+    // the run. No character of the text behind these may have a negative advance.
     double leastAdvanceOfLonger(qsizetype from) const;
 
-    // True if a range that begins there has no other advances than those read: nothing kerns or joins its
-    // first character.
+    // True if the first character of a range that begins there has the advance that is read: nothing before
+    // it kerns it or joins it.
     bool beginsFreely(qsizetype position) const;
 
-    // True if the prefixes of the range have the advances that are read in each longer text that begins at
-    // `from`, provided that it begins freely.
+    // True if each prefix of the range has exactly the advance that is read, also in a longer text. The range
+    // must begin freely.
     bool isExact(qsizetype from, qsizetype to) const;
 
     // True if each character of the range stands beside its neighbours.
@@ -108,7 +108,7 @@ private:
 
     QString m_text;
     qsizetype m_begin = 0;
-    qsizetype m_lastBegin = -1;  // the last position at which a range may begin
+    qsizetype m_lastBegin = -1;  // the last position at which a range that can be read begins
     qsizetype m_firstLetter = 0; // the end of the run if it has none
     std::vector<Position> m_positions;
     const ReadFont *m_font = nullptr;

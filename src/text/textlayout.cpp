@@ -13,14 +13,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A forced split moves at least so many characters of the word to the next line, its separator counted.
+// A forced split moves at least this many characters of the word to the next line, its separator counted.
+// A word of no more characters is never split by force.
 constexpr qsizetype fewestMoved = 5;
-// A word that would fit on a line of its own is split only if it has at least so many characters, its
+// A word that would fit on a line of its own is split only if it has at least this many characters, its
 // separator counted.
 constexpr qsizetype shortestSplitWord = 9;
 
-// A hyphen moves to at most so many lines, or to as many as the text has characters, before the text is
-// elided: each move inserts a separator.
+// Under a line limit a hyphen moves at most this often, or once for each character of the text if that is
+// more. Then the text is elided. Each move inserts a line separator.
 constexpr qsizetype mostHyphenMoves = 1024;
 
 // A separator at which a line may end, and the line and the word that end with it.
@@ -37,7 +38,7 @@ struct Candidate
     qsizetype wordSize() const { return end() - wordStart; }
 };
 
-// The source with the line breaks that were inserted, up to the last one of them.
+// The source with the hyphens and line separators that were inserted.
 class BrokenLines
 {
 public:
@@ -55,8 +56,9 @@ public:
     qsizetype inserted() const { return m_inserted; }
 
     QString withoutSpace() const;
-    // The text up to a position of the source, and an ellipsis. Spaces and punctuation before the ellipsis
-    // are removed. If the last insertion is behind the position, the end of what was inserted is cut off.
+    // The text up to a position of the source, and an ellipsis unless the position is behind the source.
+    // Spaces and punctuation before the ellipsis are removed. If the last insertion is behind the position,
+    // the end of what was inserted is cut off.
     QString elidedAt(qsizetype position) const;
 
 private:
@@ -103,7 +105,7 @@ QString BrokenLines::elidedAt(qsizetype position) const
 class WrapGuard
 {
 public:
-    // All that a wrap depends on, except the number of lines.
+    // All that a wrap depends on, except the number of lines. Each move of a hyphen inserts something.
     struct State
     {
         qsizetype inserted;
@@ -124,7 +126,7 @@ private:
         int lineCount;
     };
 
-    // Since the pass came to the farthest word: a circle comes there again, and not to a farther one.
+    // The wraps since the farthest word wrapped first: a circle returns to its farthest word.
     std::vector<Wrap> m_wraps;
     qsizetype m_farthestWord = -1;
 };
@@ -154,7 +156,7 @@ public:
                 TextMeasure::Method method);
 
     BrokenText run();
-    bool isReadWrong() { return m_measure.isReadWrong(); }
+    bool findsWrongReading() { return m_measure.findsWrongReading(); }
 
 private:
     bool isLimited() const { return m_limits.maxLineCount > 0; }
@@ -165,7 +167,7 @@ private:
     void acceptWord();
     bool splitWord();
     void wrapWord();
-    void breakAfterSeparator();
+    void breakAfter(qsizetype position);
     void moveHyphenToNextLine();
     void elide();
 
@@ -191,14 +193,14 @@ private:
 
     Candidate m_candidate = {
         .lineStart = 0, .wordStart = 0, .separator = -1, .endsParagraph = false};
-    qsizetype m_break = 0; // a new line may begin behind this position
     bool m_elided = false;
-    std::optional<qsizetype> m_cut; // where the ellipsis stands; nothing if the line cannot hold it
+    std::optional<qsizetype>
+        m_cut; // of the ellipsis; nothing if it does not fit: no text is shown then
 
     WrapGuard m_wraps;
     qsizetype m_movedHyphen = -1;
     qsizetype m_hyphenMoves = 0;
-    qsizetype m_wordWithoutPoint = -1; // the end of a word of which no rest can be hyphenated
+    qsizetype m_wordWithoutPoint = -1; // the end of a word without hyphenation points
 };
 
 LineBreaker::LineBreaker(const SourceText &source, const QFont &font, const LineLimits &limits,
@@ -229,7 +231,7 @@ QString LineBreaker::shownText() const
     return m_cut ? m_lines.elidedAt(*m_cut) : QString();
 }
 
-// A word that was split or wrapped keeps its separator.
+// The end of a word that was split or wrapped is known.
 bool LineBreaker::nextCandidate()
 {
     if (m_wordStart >= m_source.size())
@@ -238,7 +240,6 @@ bool LineBreaker::nextCandidate()
         m_wordStart >= m_candidate.wordStart && m_wordStart <= m_candidate.separator;
     const qsizetype separator =
         isKnown ? m_candidate.separator : wordEnd(m_source.withoutSpace(), m_wordStart);
-    m_break = separator;
     m_candidate = {.lineStart = m_lineStart,
                    .wordStart = m_wordStart,
                    .separator = separator,
@@ -252,7 +253,8 @@ bool LineBreaker::fits()
                             [this](double advance) { return advance < m_limits.width; });
 }
 
-// A word that stands alone on its line is split even without hyphenation.
+// Words are split under a line limit only, and not on the last line. Without hyphenation, only a word that
+// begins its line is split; it gets a hyphen all the same.
 bool LineBreaker::maySplit() const
 {
     return m_lineCount + 1 < m_limits.maxLineCount
@@ -262,8 +264,8 @@ bool LineBreaker::maySplit() const
 void LineBreaker::acceptWord()
 {
     m_previousWordStart = m_wordStart;
-    m_wordStart = m_break + 1;
-    breakAfterSeparator();
+    m_wordStart = m_candidate.end();
+    breakAfter(m_candidate.separator);
 }
 
 bool LineBreaker::splitWord()
@@ -291,7 +293,7 @@ void LineBreaker::wrapWord()
         return;
     }
     if (cycle) {
-        // The pass goes round until the line limit is near: only the last round is left to do.
+        // The pass goes round until the line limit is near. All whole rounds before it are left out.
         const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
         m_lineCount += linesLeft / *cycle * *cycle;
     }
@@ -307,20 +309,19 @@ void LineBreaker::wrapWord()
         // Qt, given the same width, breaks the line at the space before the word.
         startLine(m_wordStart);
     }
-    m_break = m_lineStart;
-    breakAfterSeparator();
+    breakAfter(m_lineStart);
 }
 
-// Ends the line if the separator of the word is a line break of the text.
-void LineBreaker::breakAfterSeparator()
+// Begins a new line behind the position if the word of the candidate ends its paragraph.
+void LineBreaker::breakAfter(qsizetype position)
 {
     if (m_candidate.endsParagraph && countLine())
-        m_lineStart = m_break + 1;
+        m_lineStart = position + 1;
 }
 
 // Breaks the line before the hyphen: the hyphen begins the next line. If the word behind the hyphen does not
 // fit there either, the hyphen moves again, line after line; all these moves are made at once. After the last
-// allowed move nothing is changed, so that WrapGuard notices the circle.
+// allowed move nothing is changed: the next wrap repeats the state, and WrapGuard notices the circle.
 void LineBreaker::moveHyphenToNextLine()
 {
     const qsizetype hyphenPosition = m_wordStart - 1;
@@ -366,11 +367,12 @@ int LineBreaker::hyphenationPoint()
     const auto fits = [this, hyphenWidth](double advance) {
         return fineWidth(advance) + hyphenWidth < m_limits.width;
     };
+    // Points can lie behind the word: some letters are two characters in lower case.
     const auto prefixFits = [&](qsizetype kept) {
         return kept <= m_candidate.wordSize()
                && m_measure.decide(m_lineStart, m_wordStart + kept, fits);
     };
-    // The space behind the text is not needed here: no rule knows it.
+    // The last word comes without the space behind the text.
     const auto word = QStringView(m_source.withoutSpace()).mid(m_wordStart, m_candidate.wordSize());
     const int point = ovelin::hyphenationPoint(word, prefixFits);
     if (point == -1)
@@ -396,7 +398,7 @@ qsizetype LineBreaker::forcedSplitPoint()
     return kept;
 }
 
-// True if the source has the hyphen: a line break may have been inserted behind it.
+// True if a hyphen of the source stands before the word, and no line break was inserted between them.
 bool LineBreaker::isWordAfterHyphen() const
 {
     return m_wordStart >= 1 && m_source.at(m_wordStart - 1) == hyphen
@@ -437,7 +439,7 @@ BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimi
     const SourceText source(text);
     LineBreaker breaker(source, font, limits, TextMeasure::Method::Read);
     const BrokenText broken = breaker.run();
-    if (!breaker.isReadWrong())
+    if (!breaker.findsWrongReading())
         return broken;
     return LineBreaker(source, font, limits, TextMeasure::Method::MeasureAll).run();
 }

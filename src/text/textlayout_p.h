@@ -37,8 +37,8 @@ struct BrokenText
 {
     QString text;
     bool elided;
-    // The fine width of the whole text, or, if that exceeds the limit, any that exceeds it; nothing if
-    // the layout did not come to know it.
+    // The fine width of the whole text. If that is greater than the limit, this can be any other width that
+    // is greater than the limit. Nothing if the layout did not come to know it.
     std::optional<int> fineWidth;
 };
 

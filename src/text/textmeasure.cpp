@@ -20,19 +20,20 @@ constexpr char16_t endOfMeasuredText = u'\u009c';
 // Letters of most scripts are a little over half as wide as high.
 constexpr double usualCharacterInEms = 0.55;
 
-// Without a line limit, a run has this many lines. A run begins with the line in which the previous one
-// ended, so that this line is shaped twice; shorter runs would have more such lines.
+// A run has at most this many lines at first. A run begins with the line in which the previous one ended,
+// so that this line is shaped twice. Shorter runs would have more such lines.
 constexpr int usualLines = 16;
 
 // If a line needs a longer run, the new one is this many times as long, or longer. All runs of one line
 // together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
-// Fonts are checked with at most so many characters: only the ends of a range can be read wrong.
+// A comparison that is made to check the font has at most this many characters. More would show no more,
+// because a font that is read wrong shows at the ends of a range.
 constexpr qsizetype longestCheck = 16;
 
-// The cut of an elided line is looked for in these characters: so many before the one that overflows, and
-// so many from it on. An ellipsis is as wide as one to four of them.
+// The cut of an elided line is looked for in this many characters before the one that overflows, and in this
+// many from it on. An ellipsis is as wide as one to four of them.
 constexpr qsizetype charactersBeforeOverflow = 5;
 constexpr qsizetype charactersFromOverflow = 2;
 
@@ -41,7 +42,7 @@ bool charactersTakeRoom(const QFont &font)
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-// Returns the number of characters that are not wider than Qt can measure.
+// Returns how many characters Qt can measure without overflow.
 qsizetype longestRun(const QFont &font)
 {
     const double widestAverage = widestAverageInEms * font.pixelSize() * horizontalScale(font)
@@ -49,15 +50,15 @@ qsizetype longestRun(const QFont &font)
     return static_cast<qsizetype>(greatestAdvance / std::max(1.0, widestAverage));
 }
 
-// Returns how many characters the lines probably show, and a quarter of a line more: letters can be narrow,
-// and behind the last line stands the word that overflows.
+// Returns how many characters a run has at first: about those of the lines, and a quarter of a line more,
+// because letters can be narrow and a word overflows. A run of several lines has at most one piece.
 qsizetype usualRun(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
     const auto line = static_cast<qsizetype>(std::clamp(characters, 0.0, double(textSize)));
     const qsizetype more = line / 4 + 1;
     const int lines = maxLineCount >= 1 ? std::min(maxLineCount, usualLines) : usualLines;
-    return std::clamp(longestPiece, line + more, lines * line + more);
+    return std::max(line + more, std::min(longestPiece, lines * line + more));
 }
 
 // Returns the number of characters before the first one that is the given one.
@@ -67,8 +68,8 @@ qsizetype sizeUpTo(QChar end, QStringView characters)
     return position < 0 ? characters.size() : position;
 }
 
-// True if QFontMetricsF::elidedText() does more than to cut the text at its end: it keeps control characters
-// of the part that it cuts away, and U+009C separates shorter forms of a text, which it may show instead.
+// True if the character makes QFontMetricsF::elidedText() do more than cut the end: it keeps control characters
+// of the part that it cuts away, and U+009C separates shorter forms of a text.
 bool isSpecialInElision(QChar c)
 {
     return (c >= u'\u200b' && c <= u'\u200f') || (c >= u'\u202a' && c <= u'\u202e')
@@ -128,13 +129,13 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
     return fits(measureAndCompare(from, to));
 }
 
-// Makes a run that begins there. Returns false if none reads more than the present one.
+// Shapes a run that begins at `from`. Returns false if the present run reads all that can be shaped.
 bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
     const QStringView rest = QStringView(m_text.withoutSpace()).sliced(from);
     QStringView characters = rest.first(std::min({size, m_longestRun, rest.size()}));
     characters.truncate(sizeUpTo(endOfMeasuredText, characters));
-    // Of a longer run only its first line is read, which ends with the paragraph.
+    // A run that is longer than a piece reads its first line only. That line ends with the paragraph.
     if (characters.size() > longestPiece)
         characters.truncate(std::max(longestPiece, sizeUpTo(lineSeparator, characters)));
     if (!characters.isEmpty() && m_text.isInsidePair(from + characters.size()))
@@ -147,7 +148,7 @@ bool TextMeasure::shape(qsizetype from, qsizetype size)
     return readsMore;
 }
 
-// A text in which characters may take room away has to be known up to the end of the range.
+// With negative spacing a prefix tells nothing of the range: the run has to reach its end.
 qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
 {
     const bool isSameLine = m_run.begin() == from;
@@ -159,8 +160,8 @@ qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
 void TextMeasure::noteWholeAdvance()
 {
     const qsizetype size = m_text.withoutSpace().size();
-    const bool isKnown = m_run.begin() > 0 || size > m_longestRun;
-    if (isKnown)
+    const bool canTell = m_run.begin() == 0 && size <= m_longestRun;
+    if (!canTell)
         return;
     if (m_run.end() == size) {
         m_wholeAdvance = m_run.read(0, size).advance;
@@ -183,13 +184,13 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
     if (m_text.at(to) == u' ' && to < m_run.end())
-        m_isChecked = true;
+        m_isComparedAtSpace = true;
     return advance;
 }
 
-// Reads and measures a range before a space. Fonts that kern more than the tolerances allow mostly kern
-// letters with spaces, so the run includes this space.
-bool TextMeasure::isReadWrong()
+// A font that kerns more than the tolerances allow kerns letters with spaces, as a rule. So the range ends
+// before a space that the run contains.
+bool TextMeasure::findsWrongReading()
 {
     const QStringView text = m_text.withoutSpace();
     qsizetype space = text.indexOf(u' ', m_run.begin() + 1);
@@ -198,7 +199,7 @@ bool TextMeasure::isReadWrong()
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
     const qsizetype from = std::max(begin, space - longestCheck);
     const bool canBeChecked = space > from && space - from < m_longestRun;
-    if (!m_isChecked && canBeChecked) {
+    if (!m_isComparedAtSpace && canBeChecked) {
         if (!m_run.covers(from, space + 1))
             m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
         measureAndCompare(from, space);
@@ -216,8 +217,8 @@ TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
             .overflows = !shown.isEmpty() && m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
-// Elides only the last characters that fit, which Qt does as in the whole line if the readings of the
-// line's prefixes are exact. Returns nothing if that is not known.
+// Lets Qt elide only the characters around the cut. The result is that of the whole line if the readings of the
+// line's prefixes are exact. Returns nothing if they may not be.
 std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype from, qsizetype to)
 {
     const QStringView line = QStringView(m_text.withoutSpace()).mid(from, to - from);
@@ -226,7 +227,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     if (!isPlain || m_longestRun == 0)
         return std::nullopt;
     if (!m_run.covers(from, from + 1) || !m_run.beginsFreely(from)) {
-        m_run = ShapedRun();
+        m_run = ShapedRun(); // otherwise shape() would keep it
         if (!shape(from, std::min(to - from, nextRunSize(from, to))))
             return std::nullopt;
     }

@@ -9,7 +9,8 @@
 
 namespace ovelin {
 
-// The source text of a layout: well-formed UTF-16, and one space behind it, which ends the last word.
+// The source text of a layout, in well-formed UTF-16. Behind its end it has one space that the text does not
+// show: this space ends the last word, and size() counts it.
 class SourceText
 {
 public:
@@ -33,11 +34,11 @@ private:
 // Decides whether ranges of a text fit on a line.
 //
 // The rule: a part of the text is shaped once, and the advance of the range is read from that run. If the
-// answer is the same for all advances within the tolerance of the reading, it is decided. If not, the range
-// is measured by itself.
+// range fits, or does not fit, with all advances within the tolerance of the reading, this is the answer.
+// Otherwise the range is measured by itself.
 //
-// Each measurement is compared with the reading. If they differ by more than the tolerance, the font is read
-// wrong, and the caller lays the text out anew by measuring alone.
+// If a range that was read is measured, the measurement is compared with the reading. If they differ by more
+// than the tolerance, readings in this font are wrong: the caller lays the text out anew by measuring alone.
 class TextMeasure
 {
 public:
@@ -56,17 +57,17 @@ public:
     // What QFontMetricsF::elidedText() shows of a line.
     struct ElidedLine
     {
-        qsizetype size; // in characters, the ellipsis included; 0 if not even the ellipsis fits
-        bool overflows; // true if the ellipsis makes it wider than the line
+        qsizetype size; // in characters, with the ellipsis; 0 if not even the ellipsis fits
+        bool overflows; // true if the text shown is wider than the line
     };
     ElidedLine elide(qsizetype from, qsizetype to);
 
-    // Compares a reading with a measurement, unless that has been done. True if one has ever differed by
-    // more than the tolerance.
-    bool isReadWrong();
+    // Compares a reading with a measurement if none was compared at a space. Returns true if any comparison
+    // showed a difference beyond the tolerance.
+    bool findsWrongReading();
 
-    // Returns the advance of the whole text. If the text is wider than the line, this can be a smaller value,
-    // which is greater than the line's width, too. Returns nothing if no run told it.
+    // Returns the advance of the whole text. If the text is wider than the line, the result can be a smaller
+    // advance that is still wider than the line. Returns nothing if no run gave either.
     std::optional<double> wholeAdvance() const { return m_wholeAdvance; }
 
 private:
@@ -80,13 +81,14 @@ private:
     const SourceText &m_text;
     const ReadFont m_font;
     const double m_lineWidth;
-    const bool m_charactersTakeRoom; // no character has a negative advance
-    const qsizetype m_longestRun;    // in characters; 0 if nothing is read
-    const qsizetype m_usualRun;      // in characters
+    const bool
+        m_charactersTakeRoom;     // neither letters nor words are set closer than the font has them
+    const qsizetype m_longestRun; // in characters; 0 if nothing is read
+    const qsizetype m_usualRun;   // in characters
 
     ShapedRun m_run;
     std::optional<double> m_wholeAdvance;
-    bool m_isChecked = false;
+    bool m_isComparedAtSpace = false;
     bool m_isReadWrong = false;
 };
 

@@ -188,7 +188,7 @@ void tst_TextMeasure::decidesAsMeasured()
                     }
                 }
             }
-            QVERIFY(!measure.isReadWrong());
+            QVERIFY(!measure.findsWrongReading());
         }
     }
 }
@@ -343,7 +343,7 @@ void tst_TextMeasure::noticesThatReadingsAreWrong()
         TextMeasure measure(source, font, lineWidth, manyLines, method);
         if (begin >= 0)
             measure.decide(begin, begin + 1, fitsInto(advance(text.sliced(begin, 1), font)));
-        QCOMPARE(measure.isReadWrong(), wrong);
+        QCOMPARE(measure.findsWrongReading(), wrong);
     }
 }
 
@@ -354,13 +354,13 @@ void tst_TextMeasure::checksOnce()
     const SourceText source(u"новости дня"_s);
     TextMeasure measure(source, pixelFont(), lineWidth, manyLines, Method::Read);
     measure.decide(0, 11, fitsInto(1000));
-    QCOMPARE(countShaperCalls([&] { measure.isReadWrong(); }), 1);
-    QCOMPARE(countShaperCalls([&] { measure.isReadWrong(); }), 0);
+    QCOMPARE(countShaperCalls([&] { measure.findsWrongReading(); }), 1);
+    QCOMPARE(countShaperCalls([&] { measure.findsWrongReading(); }), 0);
 
     // A measurement next to the limit has been compared.
     TextMeasure compared(source, pixelFont(), lineWidth, manyLines, Method::Read);
     compared.decide(0, 7, fitsInto(advance(u"новости"_s)));
-    QCOMPARE(countShaperCalls([&] { compared.isReadWrong(); }), 0);
+    QCOMPARE(countShaperCalls([&] { compared.findsWrongReading(); }), 0);
 }
 
 void tst_TextMeasure::elidesAsQtDoes_data()
