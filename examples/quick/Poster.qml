@@ -1,0 +1,27 @@
+import QtQuick
+import Gallery
+
+// A poster. A throbber turns in its place while the application does not allow it.
+Rectangle {
+    id: card
+
+    property alias source: picture.source
+
+    implicitWidth: 200
+    implicitHeight: 112
+    color: "#1a3350"
+
+    PosterItem {
+        id: picture
+
+        anchors.fill: parent
+    }
+
+    ThrobberItem {
+        anchors.centerIn: parent
+        width: 48
+        height: 48
+        color: "#ffb454"
+        visible: !picture.hasPicture
+    }
+}

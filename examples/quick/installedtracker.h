@@ -1,0 +1,18 @@
+#ifndef GALLERY_INSTALLEDTRACKER_H
+#define GALLERY_INSTALLEDTRACKER_H
+
+#include <ovelin/sceneresourcetracker.h>
+
+//! [tracker]
+// A tracker that is installed as long as it exists. It exists before the items and longer than they.
+class InstalledTracker : public ovelin::SceneResourceTracker
+{
+    Q_OBJECT
+
+public:
+    InstalledTracker() { ovelin::setSceneResourceTracker(this); }
+    ~InstalledTracker() override { ovelin::setSceneResourceTracker(nullptr); }
+};
+//! [tracker]
+
+#endif

@@ -1,0 +1,54 @@
+#include "throbberitem.h"
+
+#include <QPainter>
+#include <QQuickWindow>
+
+#include <algorithm>
+
+ThrobberItem::ThrobberItem(QQuickItem *parent)
+    : QQuickPaintedItem(parent)
+{
+    setAntialiasing(true);
+    connect(&m_throbber, &ovelin::ThrobberRenderer::updated, this, [this] { update(); });
+    connect(this, &ThrobberItem::runningChanged, this, &ThrobberItem::turnWhileSeen);
+    connect(this, &ThrobberItem::colorChanged, this, [this] {
+        m_throbber.setForegcoundColor(m_color);
+        update();
+    });
+}
+
+//! [throbber]
+void ThrobberItem::turnWhileSeen()
+{
+    const bool isSeen = isVisible() && window() && window()->isVisible();
+    if (m_throbber.isRunning() != (m_isWanted && isSeen))
+        m_throbber.setRunning(m_isWanted && isSeen);
+}
+
+void ThrobberItem::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    if (change == ItemSceneChange && data.window) {
+        connect(data.window, &QWindow::visibleChanged, this, &ThrobberItem::turnWhileSeen,
+                Qt::UniqueConnection);
+    }
+    if (change == ItemSceneChange || change == ItemVisibleHasChanged)
+        turnWhileSeen();
+    QQuickPaintedItem::itemChange(change, data);
+}
+
+// In the units of the item: lines, unlike glyphs, may be scaled by the painter.
+void ThrobberItem::paint(QPainter *painter)
+{
+    m_throbber.draw(*painter);
+}
+//! [throbber]
+
+void ThrobberItem::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    constexpr int sidePerPen = 12;
+    const QRect rect(QPoint(), newGeometry.size().toSize());
+    m_throbber.setRenderRect(rect);
+    // An odd width would extend half a pixel beyond the item.
+    m_throbber.setPenWidth(std::min(rect.width(), rect.height()) / sidePerPen / 2 * 2);
+    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+}
