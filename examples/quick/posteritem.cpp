@@ -46,7 +46,7 @@ void PosterItem::setPicture(const QImage &picture)
 }
 
 //! [node]
-// The render thread calls this. A node that is deleted takes the texture with it.
+// The render thread may call this. A node that is deleted takes the texture with it.
 QSGNode *PosterItem::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
     auto *imageNode = static_cast<QSGImageNode *>(node);

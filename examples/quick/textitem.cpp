@@ -60,7 +60,7 @@ void TextItem::updatePolish()
 //! [polish]
 
 //! [paint]
-// The render thread calls this. The GUI thread waits meanwhile.
+// The render thread may call this. The GUI thread waits meanwhile.
 void TextItem::paint(QPainter *painter)
 {
     painter->resetTransform(); // from the item's units to device pixels
@@ -69,7 +69,6 @@ void TextItem::paint(QPainter *painter)
 }
 //! [paint]
 
-//! [change]
 void TextItem::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
     if (newGeometry.width() != oldGeometry.width())
@@ -77,6 +76,7 @@ void TextItem::geometryChange(const QRectF &newGeometry, const QRectF &oldGeomet
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
 }
 
+//! [change]
 void TextItem::itemChange(ItemChange change, const ItemChangeData &data)
 {
     if (change == ItemSceneChange || change == ItemDevicePixelRatioHasChanged)

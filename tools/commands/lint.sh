@@ -5,12 +5,13 @@
 # format    clang-format                        clazy     clazy
 # scripts   shellcheck                          headers   each public header compiles alone
 # cppcheck  cppcheck                            abi       as ./dev abi
+# qml       qmllint
 #
 # Suppressions stand, each with its reason, in .clang-tidy, in tools/lint, in tools/.shellcheckrc or beside
 # the line. clang-tidy and clazy skip a file that was clean, until the file, a header or the settings
 # change.
 
-readonly lint_checks=(text format scripts cppcheck headers tidy clazy abi)
+readonly lint_checks=(text format scripts cppcheck qml headers tidy clazy abi)
 readonly lint_marks=$cache/linted
 readonly our_headers='/(include/ovelin|src|examples|tests|benchmarks|tools)/'
 
@@ -59,6 +60,11 @@ check_cppcheck()
         --inline-suppr --suppressions-list=tools/lint/cppcheck.txt >&2
 }
 
+check_qml()
+{
+    build_tree lint all_qmllint
+}
+
 check_headers()
 {
     build_tree lint all_verify_interface_header_sets
@@ -76,7 +82,7 @@ check_tidy()
 check_clazy()
 {
     local faults=0
-    list_compiled 'src/*.cpp' 'examples/tvguide/*.cpp' 'benchmarks/*.cpp' | clazy tools/lint/clazy.txt || faults=1
+    list_compiled 'src/*.cpp' 'examples/tvguide/*.cpp' 'examples/quick/*.cpp' 'benchmarks/*.cpp' | clazy tools/lint/clazy.txt || faults=1
     list_compiled 'tests/*.cpp' 'tools/*.cpp' | clazy tools/lint/clazy{,-tests}.txt || faults=1
     return "$faults"
 }
