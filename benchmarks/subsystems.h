@@ -9,6 +9,7 @@ void registerResources();
 void registerThrobber();
 void registerGraphics();
 void registerTextGrid();
+void registerScreenful();
 
 } // namespace ovelin::benchmarks
 

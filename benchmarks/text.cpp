@@ -38,12 +38,6 @@ std::string caseName(const TextCase &textCase)
 
 constexpr TextCase usualCase{.script = Script::Russian, .wordCount = 20, .maxLineCount = 4};
 
-Contender document(const QString &text)
-{
-    auto document = std::make_shared<Document>(pixelFont(), boxWidth);
-    return {"QTextDocument", [document, text] { document->layOut(text); }};
-}
-
 // A long text should cost as much as a text of this many words in the same lines.
 constexpr int fewWords = 60;
 
@@ -57,7 +51,6 @@ Comparison compareRelayout(const TextCase &textCase)
 {
     const auto renderer = makeRenderer(textCase);
     Comparison comparison{relayoutOf(renderer), textContenders(*renderer)};
-    comparison.contenders.push_back(document(renderer->text()));
     if (textCase.wordCount > fewWords)
         comparison.contenders.push_back(relayoutOfFewWords(textCase));
     return comparison;

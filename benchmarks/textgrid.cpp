@@ -12,7 +12,7 @@ namespace {
 Comparison compareCell(GridCell cell)
 {
     const auto renderer = makeRenderer(cell.textCase());
-    Comparison comparison{relayoutOf(renderer)};
+    Comparison comparison{.work = relayoutOf(renderer), .recordedAs = cell.recordKey()};
     // It comes right after the work, before others fill the processor's caches with long texts.
     if (cell.box->cuts && cell.wordCount == longText) {
         cell.wordCount = shortText;

@@ -34,6 +34,17 @@ void setLetterSpacing(PangoLayout *layout, double spacing)
     pango_attr_list_unref(attributes);
 }
 
+std::shared_ptr<cairo_t> makePicture()
+{
+    constexpr int width = 1280;
+    constexpr int height = 720;
+    cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+    std::shared_ptr<cairo_t> picture(cairo_create(surface), cairo_destroy);
+    cairo_surface_destroy(surface); // its other owner is the context
+    cairo_set_source_rgb(picture.get(), 1, 1, 1);
+    return picture;
+}
+
 } // namespace
 
 PangoText::PangoText(const QFont &font, int width, int maxLineCount)
@@ -56,6 +67,13 @@ void PangoText::layOut(const QByteArray &utf8)
     pango_layout_set_text(m_layout.get(), utf8.constData(), int(utf8.size()));
     // The function lays the text out before it returns the size.
     pango_layout_get_pixel_size(m_layout.get(), nullptr, nullptr);
+}
+
+void PangoText::draw(const QPoint &place)
+{
+    static const std::shared_ptr<cairo_t> picture = makePicture();
+    cairo_move_to(picture.get(), place.x(), place.y());
+    pango_cairo_show_layout(picture.get(), m_layout.get());
 }
 
 } // namespace ovelin::benchmarks

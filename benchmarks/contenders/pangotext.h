@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QFont>
+#include <QPoint>
 
 #include <memory>
 
@@ -17,6 +18,9 @@ public:
     PangoText(const QFont &font, int width, int maxLineCount);
 
     void layOut(const QByteArray &utf8);
+
+    // Paints in white, into one picture for all texts.
+    void draw(const QPoint &place);
 
 private:
     std::shared_ptr<_PangoLayout> m_layout;

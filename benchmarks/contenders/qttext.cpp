@@ -84,6 +84,16 @@ void LineLoop::layOutLastLine(const QString &rest, qreal y)
     m_lastLine.endLayout();
 }
 
+void LineLoop::draw(QPainter &painter, const QPointF &place)
+{
+    const bool isElided = m_lastLine.lineCount() > 0;
+    const int wholeLines = m_layout.lineCount() - (isElided ? 1 : 0);
+    for (int i = 0; i < wholeLines; ++i)
+        m_layout.lineAt(i).draw(&painter, place);
+    if (isElided)
+        m_lastLine.lineAt(0).draw(&painter, place);
+}
+
 Document::Document(const QFont &font, int width)
 {
     m_document.setUndoRedoEnabled(false);
@@ -97,6 +107,15 @@ void Document::layOut(const QString &text)
     m_document.setPlainText(text);
     // The function lays the text out before it returns the size.
     static_cast<void>(m_document.documentLayout()->documentSize());
+}
+
+void Document::draw(QPainter &painter, const QPointF &place)
+{
+    QAbstractTextDocumentLayout::PaintContext context;
+    context.palette.setColor(QPalette::Text, painter.pen().color());
+    painter.translate(place);
+    m_document.documentLayout()->draw(&painter, context);
+    painter.translate(-place);
 }
 
 } // namespace ovelin::benchmarks

@@ -4,6 +4,8 @@
 #include <ovelin/textrenderer.h>
 
 #include <QFont>
+#include <QPainter>
+#include <QPointF>
 #include <QStaticText>
 #include <QString>
 #include <QTextDocument>
@@ -35,6 +37,7 @@ public:
     LineLoop(const QFont &font, int width, int maxLineCount);
 
     void layOut(const QString &text);
+    void draw(QPainter &painter, const QPointF &place);
 
 private:
     void layOutLastLine(const QString &rest, qreal y);
@@ -53,6 +56,7 @@ public:
     Document(const QFont &font, int width);
 
     void layOut(const QString &text);
+    void draw(QPainter &painter, const QPointF &place);
 
 private:
     QTextDocument m_document;

@@ -8,31 +8,26 @@
 
 #include <QString>
 
-#include <memory>
-
 namespace ovelin::benchmarks {
 
 namespace {
 
-Contender floorOf(const TextRenderer &renderer)
+auto makeLineLoop(const TextRenderer &renderer)
 {
-    auto floor = std::make_shared<StaticTextOf>(renderer);
-    return {floorName, [floor] { floor->prepare(); }};
+    return std::make_shared<LineLoop>(renderer.textFont(), renderer.textWidth(),
+                                      renderer.maxLineCount());
 }
 
-Contender lineLoop(const TextRenderer &renderer)
+auto makeDocument(const TextRenderer &renderer)
 {
-    auto loop = std::make_shared<LineLoop>(renderer.textFont(), renderer.textWidth(),
-                                           renderer.maxLineCount());
-    return {lineLoopName, [loop, text = renderer.text()] { loop->layOut(text); }};
+    return std::make_shared<Document>(renderer.textFont(), renderer.textWidth());
 }
 
 #ifdef OVELIN_BENCHMARK_PANGO
-Contender pango(const TextRenderer &renderer)
+auto makePango(const TextRenderer &renderer)
 {
-    auto layout = std::make_shared<PangoText>(renderer.textFont(), renderer.textWidth(),
-                                              renderer.maxLineCount());
-    return {pangoName, [layout, utf8 = renderer.text().toUtf8()] { layout->layOut(utf8); }};
+    return std::make_shared<PangoText>(renderer.textFont(), renderer.textWidth(),
+                                       renderer.maxLineCount());
 }
 #endif
 
@@ -40,12 +35,42 @@ Contender pango(const TextRenderer &renderer)
 
 std::vector<Contender> textContenders(const TextRenderer &renderer)
 {
+    const QString text = renderer.text();
     return {
-        floorOf(renderer),
-        lineLoop(renderer),
+        {floorName, [floor = std::make_shared<StaticTextOf>(renderer)] { floor->prepare(); }},
+        {lineLoopName, [text, loop = makeLineLoop(renderer)] { loop->layOut(text); }},
 #ifdef OVELIN_BENCHMARK_PANGO
-        pango(renderer),
+        {pangoName, [utf8 = text.toUtf8(), pango = makePango(renderer)] { pango->layOut(utf8); }},
 #endif
+        {documentName, [text, document = makeDocument(renderer)] { document->layOut(text); }},
+    };
+}
+
+std::vector<Contender> textPainters(const TextRenderer &renderer,
+                                    const std::shared_ptr<Canvas> &canvas)
+{
+    const QPoint place = renderer.textTopLeft();
+    const auto floor = std::make_shared<StaticTextOf>(renderer);
+    floor->prepare();
+    const auto loop = makeLineLoop(renderer);
+    loop->layOut(renderer.text());
+    const auto document = makeDocument(renderer);
+    document->layOut(renderer.text());
+#ifdef OVELIN_BENCHMARK_PANGO
+    const auto pango = makePango(renderer);
+    pango->layOut(renderer.text().toUtf8());
+#endif
+    return {
+        {floorName,
+         [=, font = renderer.textFont()] {
+             canvas->painter.setFont(font);
+             canvas->painter.drawStaticText(place, floor->staticText());
+         }},
+        {lineLoopName, [=] { loop->draw(canvas->painter, place); }},
+#ifdef OVELIN_BENCHMARK_PANGO
+        {pangoName, [=] { pango->draw(place); }},
+#endif
+        {documentName, [=] { document->draw(canvas->painter, place); }},
     };
 }
 

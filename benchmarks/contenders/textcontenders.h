@@ -1,10 +1,12 @@
 #ifndef OVELIN_BENCHMARKS_TEXTCONTENDERS_H
 #define OVELIN_BENCHMARKS_TEXTCONTENDERS_H
 
+#include "support/canvas.h"
 #include "support/comparison.h"
 
 #include <ovelin/textrenderer.h>
 
+#include <memory>
 #include <vector>
 
 namespace ovelin::benchmarks {
@@ -12,10 +14,16 @@ namespace ovelin::benchmarks {
 inline constexpr auto floorName = "QStaticText alone (floor)";
 inline constexpr auto lineLoopName = "QTextLayout loop";
 inline constexpr auto pangoName = "Pango";
+inline constexpr auto documentName = "QTextDocument";
 
 // Returns the works that a renderer is compared with: the floor, and other layouts of its text in its box, with
-// its font and line limit. Pango is missing if the program was built without it.
+// its font and line limit. Only QTextDocument knows no line limit. Pango is missing if the program was built
+// without it.
 std::vector<Contender> textContenders(const TextRenderer &renderer);
+
+// Returns the same contenders as painters: they have laid out the text, and paint it at its place.
+std::vector<Contender> textPainters(const TextRenderer &renderer,
+                                    const std::shared_ptr<Canvas> &canvas);
 
 } // namespace ovelin::benchmarks
 

@@ -114,6 +114,7 @@ void run(const Comparison &comparison, benchmark::State &state, Seconds time)
         state.SetIterationTime(total.count());
     }
 
+    state.SetLabel(comparison.recordedAs);
     const Measurement &work = measurements.front();
     state.counters[workCounter] = work.medianSeconds();
     for (std::size_t i = 0; i < comparison.contenders.size(); ++i)

@@ -19,6 +19,7 @@ struct Comparison
     std::function<void()> work;
     std::vector<Contender> contenders = {};
     std::function<void()> undoWork = {}; // not timed; for a work that cannot be done twice
+    std::string recordedAs = {}; // text, box and words of its row in the record; empty: no row
 };
 
 // Registers a comparison with Google Benchmark. `makeComparison` is called at the begin of each repetition. In

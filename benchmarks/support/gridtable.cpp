@@ -37,8 +37,8 @@ void printHead(const TextBox &box, std::ostream &out)
         << "| text |";
     std::string line = "|---|";
     for (const int wordCount : gridLengths(box)) {
-        out << " " << wordCount << " words: floor | loop | Pango |";
-        line += "---:|---:|---:|";
+        out << " " << wordCount << " words: floor | loop | Pango | document |";
+        line += "---:|---:|---:|---:|";
     }
     if (box.cuts) {
         out << " " << longText << " to " << shortText << " words |";
@@ -65,6 +65,7 @@ bool GridTable::add(const std::string &cellName, const benchmark::UserCounters &
                          .floor = counter(counters, floorName),
                          .loop = counter(counters, lineLoopName),
                          .pango = counter(counters, pangoName),
+                         .document = counter(counters, documentName),
                          .growth = counter(counters, growthName)});
     return true;
 }
@@ -92,11 +93,11 @@ void GridTable::printRow(const TextKind &kind, std::ostream &out) const
         const GridCell cell{m_box, &kind, wordCount};
         const auto found = std::ranges::find(m_results, cell, &Result::cell);
         if (found == m_results.end()) {
-            out << " | | |";
+            out << " | | | |";
             continue;
         }
         out << " " << ratioText(found->floor) << " | " << ratioText(found->loop) << " | "
-            << ratioText(found->pango) << " |";
+            << ratioText(found->pango) << " | " << ratioText(found->document) << " |";
         growth = std::fmax(growth, found->growth);
     }
     if (m_box->cuts)

@@ -35,6 +35,7 @@ private:
         double floor;
         double loop;
         double pango;
+        double document;
         double growth;
     };
 

@@ -1,13 +1,11 @@
 #include "support/table.h"
 
 #include "support/comparison.h"
+#include "support/machine.h"
 #include "support/targets.h"
-
-#include <QtGlobal>
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <iomanip>
 #include <sstream>
 #include <string>
@@ -54,30 +52,11 @@ std::string verdict(const Target &target, double ratio)
     return ratio <= target.ratio ? "met" : "**missed**";
 }
 
-std::string processorModel()
-{
-    std::ifstream file("/proc/cpuinfo");
-    const std::string key = "model name\t: ";
-    for (std::string line; std::getline(file, line);) {
-        if (line.starts_with(key))
-            return line.substr(key.size());
-    }
-    return "unknown processor";
-}
-
-constexpr auto compiler =
-#ifdef __clang__
-    __VERSION__;
-#else
-    "GCC " __VERSION__;
-#endif
-
 } // namespace
 
 bool Table::ReportContext(const Context &context)
 {
-    GetOutputStream() << "Measured on " << processorModel() << ", " << context.cpu_info.num_cpus
-                      << " processors, with Qt " << qVersion() << " and " << compiler << ".\n\n";
+    GetOutputStream() << "Measured on " << machineText(context) << ".\n\n";
     return true;
 }
 

@@ -30,6 +30,11 @@ std::string GridCell::name() const
            + " words";
 }
 
+std::string GridCell::recordKey() const
+{
+    return std::string(kind->name) + "," + box->name + "," + std::to_string(wordCount);
+}
+
 TextCase GridCell::textCase() const
 {
     return {.script = kind->script,

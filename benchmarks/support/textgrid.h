@@ -62,6 +62,7 @@ struct GridCell
     int wordCount;
 
     std::string name() const; // of its benchmark
+    std::string recordKey() const;
     TextCase textCase() const;
 
     bool operator==(const GridCell &) const = default;

@@ -15,5 +15,8 @@ QList<Picture> allPictures()
         {"recipe-focus", {760, 190}, drawFocusedCard, 1},
         {"recipe-ticker", {760, 110}, drawTicker, 1},
         {"recipe-languages", {760, 170}, drawLanguages},
+        {"recipe-posters", {760, 190}, drawPosters},
+        {"recipe-budget", {760, 232}, drawBudget},
+        {"recipe-log", {760, 250}, drawLog},
     };
 }

@@ -27,5 +27,8 @@ void drawCardList(Canvas &canvas);
 void drawFocusedCard(Canvas &canvas);
 void drawTicker(Canvas &canvas);
 void drawLanguages(Canvas &canvas);
+void drawPosters(Canvas &canvas);
+void drawBudget(Canvas &canvas);
+void drawLog(Canvas &canvas);
 
 #endif

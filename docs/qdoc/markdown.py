@@ -1,7 +1,8 @@
 """Turns Markdown files of this repository into pages for QDoc: markdown.py FOLDER FILE...
 
-Converts headings, paragraphs, lists, tables and fenced code; inside the text code, bold, emphasis and links. A file
-that does not begin with a heading is an error. QDoc reports a link to a file that is no page.
+Converts headings, paragraphs, lists, tables, fenced code and pictures on lines of their own; inside the text code,
+bold, emphasis and links. A file that does not begin with a heading is an error. QDoc reports a link to a file that is
+no page, and a picture that is not there.
 """
 
 import re
@@ -69,12 +70,15 @@ class Page:
             self.out += [f"\\section{len(heading[1]) - 1} {inline(heading[2])}", ""]
         elif line.startswith("```"):
             self.code()
+        elif picture := re.fullmatch(r"!\[([^]]+)\]\(([^)]+)\)", line):
+            self.lines.pop(0)
+            self.out.append(f"\\image {Path(picture[2]).name} {escape(picture[1])}")
         elif line.startswith("|"):
             self.table()
         elif line.startswith("- "):
             self.bullets()
         else:
-            self.out.append(inline(" ".join(self.take(r"(?!#|```|\||- )\S"))))
+            self.out.append(inline(" ".join(self.take(r"(?!#|```|!\[|\||- )\S"))))
 
     def take(self, pattern):
         taken = []

@@ -246,7 +246,7 @@ void tst_Recipes::logTable()
 {
     InstalledTracker tracker;
     printLog(tracker);
-    // The lines that the recipe's page shows.
+    // Such lines are in the picture on the recipe's page.
     QTest::ignoreMessage(QtDebugMsg, "registered   creation_requested recipes::LoadedPoster  image"
                                      "            file:///poster.png");
     QTest::ignoreMessage(QtDebugMsg, "status       creation_allowed   recipes::LoadedPoster  image"

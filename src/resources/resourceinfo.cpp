@@ -51,7 +51,7 @@ IResourceOwner::~IResourceOwner() = default;
     \brief The state of one owner of resources, shared by the tracker, the owner and the
     application.
 
-    \image resource-statuses.png {The statuses, and the changes between them that are usual}
+    \image resource-statuses.png The statuses, and the changes between them that are usual
 
     The guide \l {The road of a resource} explains the statuses. The two numbers that are left to the
     application are used in \l {How do I keep pictures within a memory budget?}

@@ -8,8 +8,11 @@
 #   ./dev bench --check     count the instructions of some works; fail when a work takes over 3 % more
 #                           instructions than benchmarks/instructions.txt records
 #   ./dev bench --update    record the present counts in benchmarks/instructions.txt
+#   ./dev bench --record    measure the times of texts in some four minutes, record them in
+#                           docs/measured/speed.csv, and draw the plots in docs/images
 
 source "$repository/tools/bench/instructions.sh"
+source "$repository/tools/docs/build.sh"
 
 readonly bench_results=$repository/build/bench.md
 readonly bench_repetitions=5
@@ -21,10 +24,19 @@ bench_build()
         -DOVELIN_BUILD_EXAMPLES=OFF -- "$1"
 }
 
+# bench_measure FILTER [OPTION...]
 bench_measure()
 {
     inside env QT_QPA_PLATFORM=offscreen "$tree/benchmarks/ovelin_benchmarks" \
-        "--benchmark_filter=$1" "--benchmark_repetitions=$bench_repetitions" | tee "$bench_results"
+        "--benchmark_filter=$1" "--benchmark_repetitions=$bench_repetitions" "${@:2}" | tee "$bench_results"
+}
+
+# A run that is broken off leaves the recorded times as they are.
+bench_record()
+{
+    bench_measure '^(grid|screenful):' "--benchmark_out=$tree/speed.csv"
+    cp "$tree/speed.csv" "$plots_data"
+    docs_draw_plots
 }
 
 use_workshop
@@ -32,6 +44,10 @@ case ${1:-} in
 --check | --update)
     bench_build ovelin_instructions
     "instructions_${1#--}" "$tree"
+    ;;
+--record)
+    bench_build ovelin_benchmarks
+    bench_record
     ;;
 --*)
     fail "./dev bench has no option \"$1\"." "\"./dev help bench\" describes the command."

@@ -4,12 +4,23 @@
 # A QDoc warning or a broken link is an error. The library draws the pictures. The first page is
 # build/docs/html/index.html. Qt Creator takes build/docs/ovelin.qch under Preferences, Help,
 # Documentation.
+#
+#   ./dev docs --plots    draw only the plots of the speed, from docs/measured/speed.csv into docs/images
+
+source "$repository/tools/docs/build.sh"
 
 documentation=$repository/build/docs
 
-(($# == 0)) || fail "./dev docs takes no arguments."
 use_workshop
-build_tree_as docs release -DOVELIN_BUILD_DOCS=ON -DOVELIN_BUILD_TESTS=OFF -DOVELIN_BUILD_EXAMPLES=OFF -- ovelin_docs
+case $* in
+"") ;;
+--plots)
+    docs_draw_plots
+    exit
+    ;;
+*) fail "docs has no option \"$*\"." "\"./dev help docs\" tells what it can do." ;;
+esac
+docs_build ovelin_docs
 
 rm --recursive --force "$documentation"
 mkdir --parents "$documentation"
