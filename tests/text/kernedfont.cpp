@@ -12,7 +12,7 @@ namespace ovelin::tests {
 
 namespace {
 
-// The tables and their fields are those of the OpenType specification. All numbers are big endian.
+// The tables and their fields are those of OpenType fonts. All numbers are big endian.
 
 struct Proportions
 {
