@@ -181,6 +181,7 @@ private Q_SLOTS:
     void galleryShowsAllItems();
     void galleryFollowsTheKeys();
     void galleryDrawsAPicture();
+    void galleryShowsAnotherFile();
     void galleryRefuses_data();
     void galleryRefuses();
 
@@ -318,7 +319,8 @@ void tst_Quick::implicitWidthDoesNotDependOnTheWidth()
 void tst_Quick::textFollowsChanges()
 {
     Scene scene(u"TextItem { text: 'Новости'; width: 200; font.pixelSize: 20 }"_s);
-    const QSignalSpy truncated(scene.item.get(), SIGNAL(truncatedChanged()));
+    const QSignalSpy truncated(qobject_cast<TextItem *>(scene.item.get()),
+                               &TextItem::truncatedChanged);
     QImage before = scene.image();
     const auto changed = [&scene, &before](const char *property, const QVariant &value) {
         scene.item->setProperty(property, value);
@@ -649,6 +651,20 @@ void tst_Quick::galleryDrawsAPicture()
     QCOMPARE(drawn.errors, QString());
     QCOMPARE(drawn.exitCode, 0);
     QCOMPARE(QImage(file).size(), QSize(960, 420) * screenNamed(u"coarse"_s)->devicePixelRatio());
+}
+
+void tst_Quick::galleryShowsAnotherFile()
+{
+    QFile qml(m_folder.filePath(u"text.qml"_s));
+    QVERIFY(qml.open(QIODevice::WriteOnly));
+    qml.write("import QtQuick; import Gallery; TextItem { text: 'News'; width: 80; height: 40 }");
+    qml.close();
+
+    const QString picture = m_folder.filePath(u"text.png"_s);
+    const Run drawn = run({u"--render"_s, picture, qml.fileName()});
+    QCOMPARE(drawn.errors, QString());
+    QCOMPARE(drawn.exitCode, 0);
+    QCOMPARE(QImage(picture).size(), QSize(80, 40) * screenNamed(u"coarse"_s)->devicePixelRatio());
 }
 
 void tst_Quick::galleryRefuses_data()
