@@ -41,9 +41,11 @@ constexpr double tabStopDistance = 80;
 
 constexpr double qtUnit = 1.0 / 64; // Qt rounds advances to multiples of it
 
-double em(const QFont &font)
+double scaledEm(const QFont &font)
 {
-    return font.pixelSize() * horizontalScale(font);
+    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
+    return font.pixelSize() * std::max(1.0, font.stretch() / 100.0)
+           * std::max(1.0, percentage ? std::abs(font.letterSpacing()) / 100 : 0);
 }
 
 double absoluteLetterSpacing(const QFont &font)
@@ -97,25 +99,19 @@ bool isLetter(char32_t c)
 
 } // namespace
 
-double horizontalScale(const QFont &font)
-{
-    const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    return std::max(1.0, font.stretch() / 100.0)
-           * std::max(1.0, percentage ? std::abs(font.letterSpacing()) / 100 : 0);
-}
-
-ReadFont::ReadFont(const QFont &source)
+RunFont::RunFont(const QFont &source)
     : font(source)
     , metrics(source)
+    , em(scaledEm(source))
     , letterSpacing(absoluteLetterSpacing(source))
+    , wordSpacing(source.wordSpacing())
 {
-    const double wordSpacing =
-        std::abs(font.wordSpacing()); // only the last of several spaces has it
-    const double character = em(font) + std::abs(letterSpacing) + wordSpacing;
+    const double spaces = std::abs(wordSpacing); // only the last of several spaces has it
+    const double character = em + std::abs(letterSpacing) + spaces;
     const double capitals =
-        font.capitalization() == QFont::MixedCase ? 0 : capitalizedEndInEms * em(font);
-    kernedEnd = kernedEndInEms * em(font) + wordSpacing + capitals;
-    freeEnd = freeEndInEms * em(font) + wordSpacing + capitals;
+        font.capitalization() == QFont::MixedCase ? 0 : capitalizedEndInEms * em;
+    kernedEnd = kernedEndInEms * em + spaces + capitals;
+    freeEnd = freeEndInEms * em + spaces + capitals;
     joinedEnd = joinedEndInEms * character;
     directionChange = directionChangeInEms * character;
     mirroredSign = mirroredSignInEms * character;
@@ -123,10 +119,11 @@ ReadFont::ReadFont(const QFont &source)
     foreignSign = foreignSignInEms * character;
 }
 
-ShapedRun::ShapedRun(const QString &text, qsizetype begin, const ReadFont &font)
+ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font)
     : m_text(text)
     , m_begin(begin)
     , m_firstLetter(begin)
+    , m_positions(size_t(text.size()) + 1)
     , m_font(&font)
 {
     // A range that begins behind a direction control lacks it, so that its direction can be another one.
@@ -135,10 +132,8 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const ReadFont &font)
 
     const QStackTextEngine engine(text, font.font);
     engine.itemize();
-    m_positions.reserve(size_t(text.size()) + 1);
-    m_positions.push_back({});
     for (int item = 0; item < engine.layoutData->items.size(); ++item)
-        appendItem(engine, item);
+        addItem(engine, item);
     m_positions.back().endTolerance = 0;
     m_firstLetter = firstLetter(begin, end());
 }
@@ -202,56 +197,54 @@ bool ShapedRun::isSideBySide(qsizetype from, qsizetype to) const
     });
 }
 
-void ShapedRun::appendItem(const QStackTextEngine &engine, int index)
+void ShapedRun::addItem(const QStackTextEngine &engine, int index)
 {
     const QScriptItem &item = engine.layoutData->items.at(index);
+    Position *begin = &m_positions[size_t(item.position)];
     if (index > 0) {
         const QScriptItem &before = engine.layoutData->items.at(index - 1);
-        Position &begin = m_positions.back();
         if (before.analysis.bidiLevel != item.analysis.bidiLevel)
-            begin.tolerance += m_font->directionChange;
+            begin->tolerance += m_font->directionChange;
     }
     if (item.analysis.flags == QScriptAnalysis::Tab)
-        appendTab(engine, index);
+        addTab(engine, index, begin);
     else
-        appendCharacters(engine, index);
+        addCharacters(engine, index, begin);
 }
 
-void ShapedRun::appendTab(const QStackTextEngine &engine, int index)
+void ShapedRun::addTab(const QStackTextEngine &engine, int index, Position *begin)
 {
-    Position position = m_positions.back();
-    position.advance +=
-        engine.calculateTabWidth(index, QFixed::fromReal(position.advance)).toReal();
-    position.tolerance += tabStopDistance;
-    position.endTolerance = m_font->kernedEnd;
-    m_positions.push_back(position);
+    const QFixed left = QFixed::fromReal(begin->advance);
+    begin[1] = {.advance = begin->advance + engine.calculateTabWidth(index, left).toReal(),
+                .tolerance = begin->tolerance + tabStopDistance,
+                .endTolerance = m_font->kernedEnd};
 }
 
-void ShapedRun::appendCharacters(const QStackTextEngine &engine, int index)
+void ShapedRun::addCharacters(const QStackTextEngine &engine, int index, Position *begin)
 {
     engine.shape(index);
     const QScriptItem &item = engine.layoutData->items.at(index);
     const QGlyphLayout glyphs = engine.shapedGlyphs(&item);
     const unsigned short *clusters = engine.logClusters(&item);
-    const int length = engine.length(index);
+    const int length = engine.length(&item);
     const bool joins = !standsSideBySide(QChar::Script(item.analysis.script));
     const auto isSpace = [this](qsizetype at) { return m_text.at(at).isSpace(); };
 
-    Position position = m_positions.back();
+    double advance = begin->advance;
     for (int i = 0; i < length; ++i) {
-        m_positions.back().script = item.analysis.script;
         const bool isLast = i + 1 == length;
         const int nextGlyph = isLast ? glyphs.numGlyphs : clusters[i + 1];
         for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
-            position.advance += glyphs.effectiveAdvance(glyph).toReal();
+            advance += glyphs.effectiveAdvance(glyph).toReal();
 
         const qsizetype character = item.position + i;
-        position.tolerance += characterTolerance(character);
         const bool isJoined = !isLast
                               && (clusters[i + 1] == clusters[i]
                                   || (joins && !isSpace(character) && !isSpace(character + 1)));
-        position.endTolerance = isJoined ? m_font->joinedEnd : m_font->kernedEnd;
-        m_positions.push_back(position);
+        begin[i].script = item.analysis.script;
+        begin[i + 1] = {.advance = advance,
+                        .tolerance = begin[i].tolerance + characterTolerance(character),
+                        .endTolerance = isJoined ? m_font->joinedEnd : m_font->kernedEnd};
     }
 }
 

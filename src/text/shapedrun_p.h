@@ -25,18 +25,18 @@ struct Reading
 // a longer run depend on where it begins. Only ranges that begin with such a run can be read.
 constexpr qsizetype longestPiece = 4096;
 
-// Returns the horizontal scale of the font by its stretch and its letter spacing in per cent, at least 1.
-double horizontalScale(const QFont &font);
-
-// A font, and how far readings in it may be off, in pixels; the table in shapedrun.cpp gives the reasons.
-struct ReadFont
+// The font of a run. All distances are in pixels.
+struct RunFont
 {
-    explicit ReadFont(const QFont &source);
+    explicit RunFont(const QFont &source);
 
     const QFont font;
     const QFontMetricsF metrics;
-    const double letterSpacing; // in pixels
+    const double em; // scaled up if the font is stretched, or spaced in per cent
+    const double letterSpacing;
+    const double wordSpacing;
 
+    // The tolerances. The table in shapedrun.cpp gives their reasons.
     double kernedEnd;
     double freeEnd;
     double joinedEnd;
@@ -55,7 +55,7 @@ class ShapedRun
 {
 public:
     ShapedRun() = default;
-    ShapedRun(const QString &text, qsizetype begin, const ReadFont &font);
+    ShapedRun(const QString &text, qsizetype begin, const RunFont &font);
 
     qsizetype begin() const { return m_begin; }
     qsizetype end() const { return m_begin + m_text.size(); }
@@ -96,9 +96,10 @@ private:
         int script = 0;          // of the character behind the position, as it was shaped
     };
 
-    void appendItem(const QStackTextEngine &engine, int index);
-    void appendTab(const QStackTextEngine &engine, int index);
-    void appendCharacters(const QStackTextEngine &engine, int index);
+    // These add the advances and the tolerances of an item, or of its kind, to the sums.
+    void addItem(const QStackTextEngine &engine, int index);
+    void addTab(const QStackTextEngine &engine, int index, Position *begin);
+    void addCharacters(const QStackTextEngine &engine, int index, Position *begin);
     double characterTolerance(qsizetype index) const;
     double foreignSignsTolerance(qsizetype from, qsizetype to) const;
     bool hasOwnAdvance(qsizetype position) const;
@@ -111,7 +112,7 @@ private:
     qsizetype m_lastBegin = -1;  // the last position at which a range that can be read begins
     qsizetype m_firstLetter = 0; // the end of the run if it has none
     std::vector<Position> m_positions;
-    const ReadFont *m_font = nullptr;
+    const RunFont *m_font = nullptr;
 };
 
 } // namespace ovelin

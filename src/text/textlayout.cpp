@@ -50,12 +50,12 @@ public:
     // Inserts characters before a position of the source, which is not before that of the last insertion.
     void insert(qsizetype position, const QString &characters);
 
-    // The position in the source of the last insertion; -1 before the first one.
+    // The position in the source of the last insertion; 0 before the first one.
     qsizetype lastInsertion() const { return m_lastInsertion; }
     // The number of inserted characters.
     qsizetype inserted() const { return m_inserted; }
 
-    QString withoutSpace() const;
+    QString withoutLastSpace() const;
     // The text up to a position of the source, and an ellipsis unless the position is behind the source.
     // Spaces and punctuation before the ellipsis are removed. If the last insertion is behind the position,
     // the end of what was inserted is cut off.
@@ -64,22 +64,21 @@ public:
 private:
     const SourceText &m_source;
     QString m_text;
-    qsizetype m_lastInsertion = -1;
+    qsizetype m_lastInsertion = 0;
     qsizetype m_inserted = 0;
 };
 
 void BrokenLines::insert(qsizetype position, const QString &characters)
 {
-    const qsizetype from = std::max<qsizetype>(0, m_lastInsertion);
-    m_text += m_source.range(from, position) + characters;
+    m_text += m_source.range(m_lastInsertion, position) + characters;
     m_lastInsertion = position;
     m_inserted += characters.size();
 }
 
-QString BrokenLines::withoutSpace() const
+QString BrokenLines::withoutLastSpace() const
 {
-    if (m_lastInsertion < 0)
-        return m_source.withoutSpace();
+    if (m_inserted == 0)
+        return m_source.withoutLastSpace();
     QString text = m_text + m_source.range(m_lastInsertion, m_source.size());
     text.chop(1);
     return text;
@@ -89,9 +88,8 @@ QString BrokenLines::elidedAt(qsizetype position) const
 {
     if (position + m_inserted < 0)
         return {};
-    const qsizetype from = std::max<qsizetype>(0, m_lastInsertion);
-    QString text =
-        m_text + m_source.range(from, std::max(from, std::min(position, m_source.size())));
+    const qsizetype end = std::min(position, m_source.size());
+    QString text = m_text + m_source.range(m_lastInsertion, std::max(m_lastInsertion, end));
     text.truncate(position + m_inserted);
     if (position <= m_source.size())
         text += ellipsis;
@@ -227,19 +225,19 @@ BrokenText LineBreaker::run()
 QString LineBreaker::shownText() const
 {
     if (!m_elided)
-        return m_lines.withoutSpace();
+        return m_lines.withoutLastSpace();
     return m_cut ? m_lines.elidedAt(*m_cut) : QString();
 }
 
-// The end of a word that was split or wrapped is known.
+// A word that was split or wrapped is taken again; it ends where it ended before.
 bool LineBreaker::nextCandidate()
 {
     if (m_wordStart >= m_source.size())
         return false;
-    const bool isKnown =
+    const bool isSameWord =
         m_wordStart >= m_candidate.wordStart && m_wordStart <= m_candidate.separator;
     const qsizetype separator =
-        isKnown ? m_candidate.separator : wordEnd(m_source.withoutSpace(), m_wordStart);
+        isSameWord ? m_candidate.separator : wordEnd(m_source.withoutLastSpace(), m_wordStart);
     m_candidate = {.lineStart = m_lineStart,
                    .wordStart = m_wordStart,
                    .separator = separator,
@@ -286,16 +284,16 @@ bool LineBreaker::splitWord()
 
 void LineBreaker::wrapWord()
 {
-    const auto cycle = m_wraps.linesSince(
+    const auto linesPerRound = m_wraps.linesSince(
         {m_lines.inserted(), m_lineStart, m_wordStart, m_previousWordStart}, m_lineCount);
-    if (cycle && !isLimited()) {
+    if (linesPerRound && !isLimited()) {
         acceptWord();
         return;
     }
-    if (cycle) {
+    if (linesPerRound) {
         // The pass goes round until the line limit is near. All whole rounds before it are left out.
         const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
-        m_lineCount += linesLeft / *cycle * *cycle;
+        m_lineCount += linesLeft / *linesPerRound * *linesPerRound;
     }
 
     if (!countLine())
@@ -330,7 +328,7 @@ void LineBreaker::moveHyphenToNextLine()
         m_hyphenMoves = 0;
     }
     const qsizetype mostMoves =
-        isLimited() ? std::max(mostHyphenMoves, m_source.withoutSpace().size()) : 1;
+        isLimited() ? std::max(mostHyphenMoves, m_source.withoutLastSpace().size()) : 1;
     const qsizetype movesLeft = mostMoves - m_hyphenMoves;
     if (movesLeft == 0)
         return;
@@ -373,7 +371,8 @@ int LineBreaker::hyphenationPoint()
                && m_measure.decide(m_lineStart, m_wordStart + kept, fits);
     };
     // The last word comes without the space behind the text.
-    const auto word = QStringView(m_source.withoutSpace()).mid(m_wordStart, m_candidate.wordSize());
+    const auto word =
+        QStringView(m_source.withoutLastSpace()).mid(m_wordStart, m_candidate.wordSize());
     const int point = ovelin::hyphenationPoint(word, prefixFits);
     if (point == -1)
         m_wordWithoutPoint = m_candidate.end();
@@ -436,12 +435,16 @@ std::optional<int> LineBreaker::wholeFineWidth() const
 
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits)
 {
+    using Method = TextMeasure::Method;
     const SourceText source(text);
-    LineBreaker breaker(source, font, limits, TextMeasure::Method::Read);
-    const BrokenText broken = breaker.run();
-    if (!breaker.findsWrongReading())
-        return broken;
-    return LineBreaker(source, font, limits, TextMeasure::Method::MeasureAll).run();
+    BrokenText broken;
+    for (const Method method : {Method::ReadRuns, Method::MeasureAll}) {
+        LineBreaker breaker(source, font, limits, method);
+        broken = breaker.run();
+        if (!breaker.findsWrongReading())
+            break;
+    }
+    return broken;
 }
 
 } // namespace ovelin

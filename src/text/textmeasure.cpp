@@ -43,16 +43,16 @@ bool charactersTakeRoom(const QFont &font)
 }
 
 // Returns how many characters Qt can measure without overflow.
-qsizetype longestRun(const QFont &font)
+qsizetype longestRunSize(const RunFont &font)
 {
-    const double widestAverage = widestAverageInEms * font.pixelSize() * horizontalScale(font)
-                                 + std::abs(font.letterSpacing()) + std::abs(font.wordSpacing());
+    const double widestAverage =
+        widestAverageInEms * font.em + std::abs(font.letterSpacing) + std::abs(font.wordSpacing);
     return static_cast<qsizetype>(greatestAdvance / std::max(1.0, widestAverage));
 }
 
 // Returns how many characters a run has at first: about those of the lines, and a quarter of a line more,
 // because letters can be narrow and a word overflows. A run of several lines has at most one piece.
-qsizetype usualRun(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
+qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
     const auto line = static_cast<qsizetype>(std::clamp(characters, 0.0, double(textSize)));
@@ -102,8 +102,8 @@ TextMeasure::TextMeasure(const SourceText &text, const QFont &font, double lineW
     , m_font(font)
     , m_lineWidth(lineWidth)
     , m_charactersTakeRoom(charactersTakeRoom(font))
-    , m_longestRun(method == Method::MeasureAll ? 0 : longestRun(font))
-    , m_usualRun(usualRun(font, lineWidth, maxLineCount, text.size()))
+    , m_longestRunSize(method == Method::MeasureAll ? 0 : longestRunSize(m_font))
+    , m_usualRunSize(usualRunSize(font, lineWidth, maxLineCount, text.size()))
 {
 }
 
@@ -132,8 +132,8 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
 // Shapes a run that begins at `from`. Returns false if the present run reads all that can be shaped.
 bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
-    const QStringView rest = QStringView(m_text.withoutSpace()).sliced(from);
-    QStringView characters = rest.first(std::min({size, m_longestRun, rest.size()}));
+    const QStringView rest = QStringView(m_text.withoutLastSpace()).sliced(from);
+    QStringView characters = rest.first(std::min({size, m_longestRunSize, rest.size()}));
     characters.truncate(sizeUpTo(endOfMeasuredText, characters));
     // A run that is longer than a piece reads its first line only. That line ends with the paragraph.
     if (characters.size() > longestPiece)
@@ -154,13 +154,13 @@ qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
     const bool isSameLine = m_run.begin() == from;
     const auto grown =
         isSameLine ? static_cast<qsizetype>(double(m_run.end() - from) * runGrowth) + 1 : 0;
-    return std::max({grown, m_usualRun, m_charactersTakeRoom ? 1 : to - from});
+    return std::max({grown, m_usualRunSize, m_charactersTakeRoom ? 1 : to - from});
 }
 
 void TextMeasure::noteWholeAdvance()
 {
-    const qsizetype size = m_text.withoutSpace().size();
-    const bool canTell = m_run.begin() == 0 && size <= m_longestRun;
+    const qsizetype size = m_text.withoutLastSpace().size();
+    const bool canTell = m_run.begin() == 0 && size <= m_longestRunSize;
     if (!canTell)
         return;
     if (m_run.end() == size) {
@@ -192,13 +192,13 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
 // before a space that the run contains.
 bool TextMeasure::findsWrongReading()
 {
-    const QStringView text = m_text.withoutSpace();
+    const QStringView text = m_text.withoutLastSpace();
     qsizetype space = text.indexOf(u' ', m_run.begin() + 1);
     if (space < 0)
         space = text.lastIndexOf(u' ');
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
     const qsizetype from = std::max(begin, space - longestCheck);
-    const bool canBeChecked = space > from && space - from < m_longestRun;
+    const bool canBeChecked = space > from && space - from < m_longestRunSize;
     if (!m_isComparedAtSpace && canBeChecked) {
         if (!m_run.covers(from, space + 1))
             m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
@@ -221,10 +221,10 @@ TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
 // line's prefixes are exact. Returns nothing if they may not be.
 std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype from, qsizetype to)
 {
-    const QStringView line = QStringView(m_text.withoutSpace()).mid(from, to - from);
+    const QStringView line = QStringView(m_text.withoutLastSpace()).mid(from, to - from);
     const bool isPlain = m_charactersTakeRoom && m_font.font.capitalization() == QFont::MixedCase
                          && std::ranges::none_of(line, isSpecialInElision);
-    if (!isPlain || m_longestRun == 0)
+    if (!isPlain || m_longestRunSize == 0)
         return std::nullopt;
     if (!m_run.covers(from, from + 1) || !m_run.beginsFreely(from)) {
         m_run = ShapedRun(); // otherwise shape() would keep it
@@ -242,7 +242,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     if (overflow == end || !m_run.isSideBySide(first, last) || !m_run.isExact(from, last))
         return std::nullopt;
     // The space behind the text is in no run.
-    const bool hasUnreadSpace = end == m_text.withoutSpace().size();
+    const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();
     if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
         return std::nullopt;
 

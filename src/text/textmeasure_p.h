@@ -19,7 +19,7 @@ public:
     {
     }
 
-    const QString &withoutSpace() const { return m_text; }
+    const QString &withoutLastSpace() const { return m_text; }
     qsizetype size() const { return m_text.size() + 1; }
     QChar at(qsizetype position) const;
     QString range(qsizetype from, qsizetype to) const;
@@ -42,7 +42,7 @@ private:
 class TextMeasure
 {
 public:
-    enum class Method { Read, MeasureAll };
+    enum class Method { ReadRuns, MeasureAll };
     using Fits = qxp::function_ref<bool(double advance) const>;
 
     TextMeasure(const SourceText &text, const QFont &font, double lineWidth, int maxLineCount,
@@ -79,12 +79,12 @@ private:
     std::optional<ElidedLine> elideByReading(qsizetype from, qsizetype to);
 
     const SourceText &m_text;
-    const ReadFont m_font;
+    const RunFont m_font;
     const double m_lineWidth;
     const bool
-        m_charactersTakeRoom;     // neither letters nor words are set closer than the font has them
-    const qsizetype m_longestRun; // in characters; 0 if nothing is read
-    const qsizetype m_usualRun;   // in characters
+        m_charactersTakeRoom; // neither letters nor words are set closer than the font has them
+    const qsizetype m_longestRunSize; // in characters; 0 if nothing is read
+    const qsizetype m_usualRunSize;   // in characters
 
     ShapedRun m_run;
     std::optional<double> m_wholeAdvance;

@@ -72,8 +72,8 @@ private Q_SLOTS:
     void isSideBySide();
     void beginsFreely_data();
     void beginsFreely();
-    void horizontalScale_data();
-    void horizontalScale();
+    void scalesTheEm_data();
+    void scalesTheEm();
 };
 
 void tst_ShapedRun::initTestCase()
@@ -136,8 +136,8 @@ void tst_ShapedRun::readsWithinTheTolerance()
 {
     QFETCH(QString, text);
     QFETCH(QFont, font);
-    const ReadFont readFont(font);
-    const ShapedRun run(text, 0, readFont);
+    const RunFont runFont(font);
+    const ShapedRun run(text, 0, runFont);
 
     for (qsizetype from = 0; from < text.size(); ++from) {
         for (qsizetype to = from + 1; to <= text.size() && run.covers(from, to); ++to) {
@@ -157,9 +157,9 @@ void tst_ShapedRun::readsTheWholeRunExactly()
 {
     QFETCH(QString, text);
     QFETCH(QFont, font);
-    const ReadFont readFont(font);
+    const RunFont runFont(font);
     constexpr qsizetype begin = 7;
-    const ShapedRun run(text, begin, readFont);
+    const ShapedRun run(text, begin, runFont);
 
     QCOMPARE(run.begin(), begin);
     QCOMPARE(run.end(), begin + text.size());
@@ -177,8 +177,8 @@ void tst_ShapedRun::readsPrefixesOfSeveralPiecesExactly_data()
 void tst_ShapedRun::readsPrefixesOfSeveralPiecesExactly()
 {
     QFETCH(QString, text);
-    const ReadFont readFont(pixelFont());
-    const ShapedRun run(text, 0, readFont);
+    const RunFont runFont(pixelFont());
+    const ShapedRun run(text, 0, runFont);
 
     for (const qsizetype to : {4095, 4096, 4097, 4098, 4100, 4200}) {
         QVERIFY(to < text.size());
@@ -188,10 +188,10 @@ void tst_ShapedRun::readsPrefixesOfSeveralPiecesExactly()
 
 void tst_ShapedRun::readsRangesOfOnePieceOnly()
 {
-    const ReadFont readFont(pixelFont());
-    QVERIFY(ShapedRun(u"ж"_s.repeated(4096), 0, readFont).covers(1, 2));
+    const RunFont runFont(pixelFont());
+    QVERIFY(ShapedRun(u"ж"_s.repeated(4096), 0, runFont).covers(1, 2));
 
-    const ShapedRun longer(u"ж"_s.repeated(4097), 0, readFont);
+    const ShapedRun longer(u"ж"_s.repeated(4097), 0, runFont);
     QVERIFY(longer.covers(0, 2));
     QVERIFY(!longer.covers(1, 2));
 }
@@ -228,8 +228,8 @@ void tst_ShapedRun::toleratesWhatTheTableSays()
     QFETCH(qsizetype, from);
     QFETCH(qsizetype, to);
     QFETCH(double, toleranceInEms);
-    const ReadFont readFont(pixelFont());
-    const ShapedRun run(text, 0, readFont);
+    const RunFont runFont(pixelFont());
+    const ShapedRun run(text, 0, runFont);
 
     QCOMPARE(run.readClosely(from, to).tolerance, toleranceInEms * pixelFont().pixelSize());
 }
@@ -265,9 +265,9 @@ void tst_ShapedRun::covers()
     QFETCH(qsizetype, from);
     QFETCH(qsizetype, to);
     QFETCH(bool, covered);
-    const ReadFont readFont(pixelFont());
+    const RunFont runFont(pixelFont());
 
-    QCOMPARE(ShapedRun(text, 10, readFont).covers(from, to), covered);
+    QCOMPARE(ShapedRun(text, 10, runFont).covers(from, to), covered);
 }
 
 void tst_ShapedRun::longerTextIsNotNarrower_data()
@@ -296,8 +296,8 @@ void tst_ShapedRun::longerTextIsNotNarrower()
         u"\u0301"_s, u"ا"_s,      u"لام"_s, u"ש"_s,      u"क्ष"_s,         u"\u094d"_s,
         u"\t"_s,     u"\u200d"_s, u"日"_s,  u"\u202e"_s, u"\U0001F1F7"_s, u"\u200d\U0001F469"_s,
     };
-    const ReadFont readFont(pixelFont());
-    const ShapedRun run(text, 0, readFont);
+    const RunFont runFont(pixelFont());
+    const ShapedRun run(text, 0, runFont);
 
     for (qsizetype from = 0; from < text.size(); ++from) {
         const double least = run.leastAdvanceOfLonger(from);
@@ -334,10 +334,10 @@ void tst_ShapedRun::isExact()
     QFETCH(QString, text);
     QFETCH(qsizetype, to);
     QFETCH(bool, exact);
-    const ReadFont readFont(pixelFont());
+    const RunFont runFont(pixelFont());
     constexpr qsizetype begin = 10;
 
-    const ShapedRun run(text, begin, readFont);
+    const ShapedRun run(text, begin, runFont);
     QCOMPARE(run.isExact(begin, begin + to), exact);
 }
 
@@ -373,9 +373,9 @@ void tst_ShapedRun::isSideBySide()
     QFETCH(qsizetype, from);
     QFETCH(qsizetype, to);
     QFETCH(bool, sideBySide);
-    const ReadFont readFont(pixelFont());
+    const RunFont runFont(pixelFont());
     constexpr qsizetype begin = 10;
-    const ShapedRun run(text, begin, readFont);
+    const ShapedRun run(text, begin, runFont);
 
     QCOMPARE(run.isSideBySide(begin + from, begin + to), sideBySide);
 }
@@ -412,14 +412,14 @@ void tst_ShapedRun::beginsFreely()
     QFETCH(qsizetype, position);
     QFETCH(QFont, font);
     QFETCH(bool, free);
-    const ReadFont readFont(font);
+    const RunFont runFont(font);
     constexpr qsizetype begin = 10;
-    const ShapedRun run(text, begin, readFont);
+    const ShapedRun run(text, begin, runFont);
 
     QCOMPARE(run.beginsFreely(begin + position), free);
 }
 
-void tst_ShapedRun::horizontalScale_data()
+void tst_ShapedRun::scalesTheEm_data()
 {
     QTest::addColumn<QFont>("font");
     QTest::addColumn<double>("scale");
@@ -436,12 +436,12 @@ void tst_ShapedRun::horizontalScale_data()
     QTest::newRow("both") << both << 4.5;
 }
 
-void tst_ShapedRun::horizontalScale()
+void tst_ShapedRun::scalesTheEm()
 {
     QFETCH(QFont, font);
     QFETCH(double, scale);
 
-    QCOMPARE(ovelin::horizontalScale(font), scale);
+    QCOMPARE(RunFont(font).em, font.pixelSize() * scale);
 }
 
 QTEST_MAIN(tst_ShapedRun)
