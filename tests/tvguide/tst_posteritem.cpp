@@ -1,17 +1,17 @@
+#include "colours.h"
 #include "ownerrecord.h"
 #include "posteritem.h"
 
 #include <ovelin/sceneresourcetracker.h>
 
-#include <QImage>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
-#include <set>
 
 using namespace tvguide;
+using namespace tvguide::tests;
 using namespace Qt::StringLiterals;
 using ovelin::ResourceInfo;
 using ovelin::ResourceOwnerState;
@@ -20,18 +20,6 @@ using ovelin::SceneResourceTracker;
 namespace {
 
 constexpr QRect place(40, 30, 160, 90);
-
-// Returns the number of different colours; a plain area has one.
-std::size_t colours(const QPixmap &pixmap)
-{
-    const QImage image = pixmap.toImage();
-    std::set<QRgb> colours;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            colours.insert(image.pixel(x, y));
-    }
-    return colours.size();
-}
 
 } // namespace
 
@@ -155,7 +143,7 @@ void tst_PosterItem::createsAndReleases()
     item.create();
     QVERIFY(!item.isWanted());
     QCOMPARE(item.picture().size(), place.size());
-    QVERIFY(colours(item.picture()) > 100);
+    QVERIFY(colours(item.picture().toImage()) > 100);
 
     // The second allowance leaves nothing to be done.
     allow(item);
@@ -221,7 +209,7 @@ void tst_PosterItem::aBrokenPictureIsReplacedByAPaintedOne()
     QVERIFY(QFile::remove(fileName));
 
     item.create();
-    QVERIFY(colours(item.picture()) > 100);
+    QVERIFY(colours(item.picture().toImage()) > 100);
     QCOMPARE(m_tracker->resources().size(), std::size_t(2));
     QCOMPARE(m_tracker->resources().back().type, ResourceInfo::PaintedItem);
     QCOMPARE(neededBytes(*stateOf(item)), 160 * 90 * 4);

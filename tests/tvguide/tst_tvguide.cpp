@@ -1,3 +1,5 @@
+#include "colours.h"
+
 #include <QColor>
 #include <QDir>
 #include <QFile>
@@ -14,6 +16,7 @@
 #include <set>
 
 using namespace Qt::StringLiterals;
+using namespace tvguide::tests;
 
 namespace {
 
@@ -55,16 +58,6 @@ QByteArray content(const QString &fileName)
 {
     QFile file(fileName);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-std::size_t colours(const QImage &image)
-{
-    std::set<QRgb> colours;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            colours.insert(image.pixel(x, y));
-    }
-    return colours.size();
 }
 
 } // namespace
