@@ -30,7 +30,7 @@ constexpr double runGrowth = 1.5;
 
 // A comparison that is made to check the font has at most this many characters. More would show no more,
 // because a font that is read wrong shows at the ends of a range.
-constexpr qsizetype longestCheck = 16;
+constexpr qsizetype longestCheck = 8;
 
 // The cut of an elided line is looked for in this many characters before the one that overflows, and in this
 // many from it on. An ellipsis is as wide as one to four of them.
