@@ -86,8 +86,7 @@ bool isDirectionControl(QChar c)
 char32_t characterAt(QStringView text, qsizetype index)
 {
     const QChar c = text.at(index);
-    const bool isPair = c.isHighSurrogate() && index + 1 < text.size();
-    return isPair ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
+    return c.isHighSurrogate() ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
 }
 
 // True if the character has a script of its own. Qt gives other characters the script of the previous letter

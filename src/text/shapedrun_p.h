@@ -55,6 +55,7 @@ class ShapedRun
 {
 public:
     ShapedRun() = default;
+    // Each high surrogate of the text has a low one behind it.
     ShapedRun(const QString &text, qsizetype begin, const RunFont &font);
 
     qsizetype begin() const { return m_begin; }

@@ -202,10 +202,11 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
     QTest::addColumn<qsizetype>("from");
     QTest::addColumn<qsizetype>("to");
     QTest::addColumn<double>("toleranceInEms");
+    QTest::addColumn<QFont>("font");
 
     const auto row = [](const char *name, const QString &text, qsizetype from, qsizetype to,
-                        double toleranceInEms) {
-        QTest::newRow(name) << text << from << to << toleranceInEms;
+                        double toleranceInEms, const QFont &font = pixelFont()) {
+        QTest::newRow(name) << text << from << to << toleranceInEms << font;
     };
     row("not kerned", u"xабвx"_s, 1, 4, 0.05 + 0.05);
     row("kerned at the begin", u"xVAбx"_s, 1, 4, 0.5 + 0.05);
@@ -220,6 +221,8 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
     row("a regional indicator", u"xа\U0001F1F7бx"_s, 1, 5, 0.05 + 2 + 0.05);
     row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
     row("signs before the script of the run", u"a—…kx"_s, 1, 4, 0.05 + 0.05);
+    row("capital first letters", u"xабвx"_s, 1, 4, 0.05 + 1 + 0.05 + 1,
+        capitalizedFont(QFont::Capitalize));
 }
 
 void tst_ShapedRun::toleratesWhatTheTableSays()
@@ -228,10 +231,11 @@ void tst_ShapedRun::toleratesWhatTheTableSays()
     QFETCH(qsizetype, from);
     QFETCH(qsizetype, to);
     QFETCH(double, toleranceInEms);
-    const RunFont runFont(pixelFont());
+    QFETCH(QFont, font);
+    const RunFont runFont(font);
     const ShapedRun run(text, 0, runFont);
 
-    QCOMPARE(run.readClosely(from, to).tolerance, toleranceInEms * pixelFont().pixelSize());
+    QCOMPARE(run.readClosely(from, to).tolerance, toleranceInEms * font.pixelSize());
 }
 
 void tst_ShapedRun::covers_data()
