@@ -86,7 +86,7 @@ struct Backdrop
             [brush](QPainter &painter, const QRect &area) { painter.fillRect(area, brush); });
     }
 
-    // The kept pixmap has the format of the target, as pixmaps of a window system have.
+    // The kept picture has the format of the target, just as a window system gives pixmaps that of the screen.
     std::function<void()> copyKept() const
     {
         QImage kept(size, format);

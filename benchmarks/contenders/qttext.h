@@ -13,7 +13,8 @@
 
 namespace ovelin::benchmarks {
 
-// The floor: Qt prepares the text that a renderer shows, without the work of breaking its lines.
+// The floor of docs/performance.md: Qt prepares the text that a renderer shows. Qt wraps this text at spaces;
+// the renderer's search for line breaks, hyphens and the ellipsis is left out.
 class StaticTextOf
 {
 public:

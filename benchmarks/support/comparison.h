@@ -22,7 +22,7 @@ struct Comparison
     std::string recordedAs = {}; // text, box and words of its row in the record; empty: no row
 };
 
-// Registers a comparison with Google Benchmark. `makeComparison` is called at the begin of each repetition. In
+// Registers a comparison with Google Benchmark. `makeComparison` is called at the beginning of each repetition. In
 // each round the work and all contenders run right after one another, so that other load on the machine slows
 // all of them. The results are the ratios within a round.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);

@@ -12,7 +12,8 @@ from html.parser import HTMLParser
 from pathlib import Path
 from urllib.parse import unquote, urlsplit
 
-# Functions written by moc or by the compiler, such as the implicit destructor of a message.
+# Exported functions that QDoc does not see: those of moc, and the destructor of Message, which only the library's
+# own build declares.
 GENERATED = {"metaObject", "qt_metacall", "qt_metacast", "~Message"}
 
 

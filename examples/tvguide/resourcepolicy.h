@@ -39,7 +39,7 @@ public:
         int denied = 0;
         int cleared = 0;
         int ignored = 0;
-        // The bytes of all owners that may hold pictures.
+        // What the pictures of all allowed and ignored owners take.
         qint64 heldBytes = 0;
     };
 

@@ -84,7 +84,7 @@ IResourceOwner::~IResourceOwner() = default;
     \variable ovelin::ResourceOwnerState::owner
     \brief The owner that this state belongs to, or null. The state does not own the owner.
 
-    The pointer becomes null when an AbstractResourceOwner is destroyed that a tracker still knows.
+    If an AbstractResourceOwner is destroyed while a tracker knows it, the pointer becomes null.
     It does not become null when an owner leaves the tracker: after that owner is destroyed, do not
     call SceneResourceTracker::allowResources() and SceneResourceTracker::releaseResources() with
     this state.

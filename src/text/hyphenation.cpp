@@ -32,8 +32,7 @@ struct Rule
     QLatin1StringView after;
 };
 
-// In the order in which they apply: a hyphen that an earlier rule set keeps the later ones from
-// matching across it.
+// In the order in which they apply: a later rule cannot match across a hyphen that an earlier one inserted.
 // clang-format off: the rules stay aligned
 constexpr Rule hyphenationRules[] = {
     {"xgg"_L1, "x-gg"_L1},     {"xgs"_L1, "x-gs"_L1},       {"xsg"_L1, "x-sg"_L1},

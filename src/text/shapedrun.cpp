@@ -36,7 +36,7 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of its script, or of the script of
 // the first mark. Within the run they can have a letter of another script before them.
 constexpr double foreignSignInEms = 2;
-// A tab reaches up to the next multiple of this many pixels from the begin of the range.
+// A tab reaches up to the next multiple of this many pixels from the beginning of the range.
 constexpr double tabStopDistance = 80;
 
 constexpr double qtUnit = 1.0 / 64; // Qt rounds advances to multiples of it
@@ -188,7 +188,7 @@ bool ShapedRun::isExact(qsizetype from, qsizetype to) const
            && foreignSignsTolerance(from, to) == 0;
 }
 
-bool ShapedRun::isSideBySide(qsizetype from, qsizetype to) const
+bool ShapedRun::hasSeparateGlyphs(qsizetype from, qsizetype to) const
 {
     const auto first = m_positions.begin() + (from - m_begin);
     return std::all_of(first, first + (to - from) + 1, [this](const Position &position) {

@@ -22,7 +22,8 @@ struct Reading
 };
 
 // Qt shapes a text in pieces of this many characters, and characters of two pieces do not join. The pieces of
-// a longer run depend on where it begins. Only ranges that begin with such a run can be read.
+// a longer run depend on where it begins. In such a run only the ranges that begin at its first character can be
+// read.
 constexpr qsizetype longestPiece = 4096;
 
 // The font of a run. All distances are in pixels.
@@ -73,8 +74,8 @@ public:
     // The same with less tolerance at an end whose character is not kerned. This costs a look at the font.
     Reading readClosely(qsizetype from, qsizetype to) const;
 
-    // Returns an advance that no text falls below that begins with the characters from `from` to the end of
-    // the run. No character of the text behind these may have a negative advance.
+    // Returns a lower bound for the advance of every text that begins with the characters from `from` to the
+    // end of the run. The characters behind the run must have advances of 0 or more.
     double leastAdvanceOfLonger(qsizetype from) const;
 
     // True if the first character of a range that begins there has the advance that is read: nothing before
@@ -85,8 +86,8 @@ public:
     // must begin freely.
     bool isExact(qsizetype from, qsizetype to) const;
 
-    // True if each character of the range stands beside its neighbours.
-    bool isSideBySide(qsizetype from, qsizetype to) const;
+    // True if no characters of the range join, stack or share a glyph.
+    bool hasSeparateGlyphs(qsizetype from, qsizetype to) const;
 
 private:
     struct Position
@@ -97,10 +98,11 @@ private:
         int script = 0;          // of the character behind the position, as it was shaped
     };
 
-    // These add the advances and the tolerances of an item, or of its kind, to the sums.
+    // Adds the advances and tolerances of an item of Qt's engine to the sums.
     void addItem(const QStackTextEngine &engine, int index);
     void addTab(const QStackTextEngine &engine, int index, Position *begin);
     void addCharacters(const QStackTextEngine &engine, int index, Position *begin);
+
     double characterTolerance(qsizetype index) const;
     double foreignSignsTolerance(qsizetype from, qsizetype to) const;
     bool hasOwnAdvance(qsizetype position) const;

@@ -124,7 +124,8 @@ private:
         int lineCount;
     };
 
-    // The wraps since the farthest word wrapped first: a circle returns to its farthest word.
+    // The wraps since the farthest word so far wrapped for the first time. Earlier ones can be forgotten: a
+    // circle always comes back to its farthest word.
     std::vector<Wrap> m_wraps;
     qsizetype m_farthestWord = -1;
 };
@@ -344,7 +345,7 @@ void LineBreaker::moveHyphenToNextLine()
     m_lineStart = hyphenPosition;
 }
 
-// Measures the line of the candidate and cuts the present line, at the same distance from its begin. The two
+// Measures the line of the candidate and cuts the present line, at the same distance from its beginning. The two
 // lines differ if the last word of a paragraph wraps and thereby reaches the line limit.
 void LineBreaker::elide()
 {
@@ -419,7 +420,7 @@ void LineBreaker::startLine(qsizetype start)
     m_wordStart = start;
 }
 
-// Returns the begin of a surrogate pair for the position inside it, and any other position as it is.
+// Returns the beginning of a surrogate pair for the position inside it, and any other position as it is.
 qsizetype LineBreaker::characterStart(qsizetype position) const
 {
     return m_source.isInsidePair(position) ? position - 1 : position;

@@ -11,7 +11,7 @@ QT_END_NAMESPACE
 
 // The terms of the text module:
 //
-// advance        The distance in pixels from the begin of a text to where the next glyph would stand.
+// advance        The distance in pixels from the beginning of a text to where the next glyph would stand.
 // fine width     The advance in whole pixels, rounded up, with two pixels of margin.
 // limit          The width in pixels that a line must stay below.
 // line limit     The number of lines that a text may have.

@@ -239,7 +239,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     while (first > from && !m_run.beginsFreely(first))
         --first;
     const qsizetype last = std::min(end, overflow + charactersFromOverflow);
-    if (overflow == end || !m_run.isSideBySide(first, last) || !m_run.isExact(from, last))
+    if (overflow == end || !m_run.hasSeparateGlyphs(first, last) || !m_run.isExact(from, last))
         return std::nullopt;
     // The space behind the text is in no run.
     const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();

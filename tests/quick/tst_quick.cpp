@@ -512,7 +512,7 @@ void tst_Quick::posterWithoutAPictureWarns()
     QVERIFY(!scene.item->property("hasPicture").toBool());
 }
 
-// Qt Quick calls QQuickItem::releaseResources() then.
+// Qt Quick calls QQuickItem::releaseResources() when an item leaves its window.
 void tst_Quick::posterOutsideOfAWindowKeepsItsPicture()
 {
     Scene scene(u"PosterItem { width: 160; height: 90; source: '%1' }"_s.arg(balloon.toString()));

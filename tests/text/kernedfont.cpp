@@ -221,7 +221,7 @@ QByteArray kernedFont(const QString &family, const Kerning &kerning)
 
 QByteArray halfEmFont(const QString &family)
 {
-    // A power of two makes half an em exactly 10 pixels: with 1000 units Qt gets 9.98.
+    // With 1024 units per em, half an em at 20 pixels is exactly 10 pixels. With 1000 units Qt computes 9.98.
     constexpr Proportions powersOfTwo{
         .unitsPerEm = 1024, .glyphWidth = 512, .ascent = 768, .descent = -256};
     return fontFile(tablesWithoutKerning(family, powersOfTwo));

@@ -10,7 +10,7 @@ class QString;
 
 namespace ovelin::tests {
 
-// Returns the number of random cases of a test's row.
+// Returns the usual number of random cases for one data row of a test. Slow rows take a fraction of it.
 int caseCount();
 
 // Makes random choices. The same seed gives the same choices in every run.

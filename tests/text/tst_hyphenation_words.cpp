@@ -26,9 +26,10 @@ constexpr int reducedStep = 100; // under a slow tool one word in 100 is tried
 constexpr std::array lineWidths{10, 40, 70, 110, 1000};
 constexpr std::array boxWidths{40, 60, 80, 110, 150};
 
-// Returns the begin of the layout of both words: up to the line break behind the hyphen, or the whole text if
-// the line is not broken. Returns nothing if the rules of hyphenation do not decide. The prefix that stays on
-// the line is measured with the word before it, two pixels of margin and the hyphen.
+// Returns how displayText() must begin for the two words: if the second word is hyphenated, with all up to the
+// newline behind the hyphen; otherwise with both words, because a break at a space adds no newline. Returns
+// nothing if the rules of hyphenation do not decide. What stays on the line is measured with the first word, if
+// that is on the same line, with the hyphen and with two pixels of margin.
 QString expectedStart(const QString &firstWord, const QString &word, int boxWidth)
 {
     static const double hyphenAdvance = advance(QString(hyphen));

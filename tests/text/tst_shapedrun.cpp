@@ -68,8 +68,8 @@ private Q_SLOTS:
     void longerTextIsNotNarrower();
     void isExact_data();
     void isExact();
-    void isSideBySide_data();
-    void isSideBySide();
+    void hasSeparateGlyphs_data();
+    void hasSeparateGlyphs();
     void beginsFreely_data();
     void beginsFreely();
     void scalesTheEm_data();
@@ -209,10 +209,10 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
         QTest::newRow(name) << text << from << to << toleranceInEms << font;
     };
     row("not kerned", u"xабвx"_s, 1, 4, 0.05 + 0.05);
-    row("kerned at the begin", u"xVAбx"_s, 1, 4, 0.5 + 0.05);
+    row("kerned at the beginning", u"xVAбx"_s, 1, 4, 0.5 + 0.05);
     row("kerned before it", u"VAбвx"_s, 1, 4, 0.05 + 0.05);
     row("kerned at the end", u"xабAVx"_s, 1, 4, 0.05 + 0.5);
-    row("the begin of the run", u"абвx"_s, 0, 3, 0.05);
+    row("the beginning of the run", u"абвx"_s, 0, 3, 0.05);
     row("the whole run", u"абв"_s, 0, 3, 0);
     row("joined at both ends", u"سلام"_s, 1, 2, 4 + 4);
     row("a tab", u"xа\tбx"_s, 1, 4, 0.05 + 4 + 0.05); // 80 pixels
@@ -345,17 +345,15 @@ void tst_ShapedRun::isExact()
     QCOMPARE(run.isExact(begin, begin + to), exact);
 }
 
-void tst_ShapedRun::isSideBySide_data()
+void tst_ShapedRun::hasSeparateGlyphs_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<qsizetype>("from");
     QTest::addColumn<qsizetype>("to");
-    QTest::addColumn<bool>("sideBySide");
+    QTest::addColumn<bool>("separate");
 
     const auto row = [](const char *name, const QString &text, qsizetype from, qsizetype to,
-                        bool sideBySide) {
-        QTest::newRow(name) << text << from << to << sideBySide;
-    };
+                        bool separate) { QTest::newRow(name) << text << from << to << separate; };
     row("Russian", u"абв где"_s, 0, 7, true);
     row("kerned", u"AVAVA"_s, 1, 4, true);
     row("Hebrew", u"שלום"_s, 0, 4, true);
@@ -371,17 +369,17 @@ void tst_ShapedRun::isSideBySide_data()
     row("a surrogate pair", u"a\U0001F600"_s, 0, 3, false);
 }
 
-void tst_ShapedRun::isSideBySide()
+void tst_ShapedRun::hasSeparateGlyphs()
 {
     QFETCH(QString, text);
     QFETCH(qsizetype, from);
     QFETCH(qsizetype, to);
-    QFETCH(bool, sideBySide);
+    QFETCH(bool, separate);
     const RunFont runFont(pixelFont());
     constexpr qsizetype begin = 10;
     const ShapedRun run(text, begin, runFont);
 
-    QCOMPARE(run.isSideBySide(begin + from, begin + to), sideBySide);
+    QCOMPARE(run.hasSeparateGlyphs(begin + from, begin + to), separate);
 }
 
 void tst_ShapedRun::beginsFreely_data()
@@ -395,7 +393,7 @@ void tst_ShapedRun::beginsFreely_data()
                         const QFont &font = pixelFont()) {
         QTest::newRow(name) << text << position << font << free;
     };
-    row("the begin of the run", u"AV"_s, 0, true);
+    row("the beginning of the run", u"AV"_s, 0, true);
     row("a letter", u"xан"_s, 1, true);
     row("the last letter", u"xан"_s, 2, true);
     row("a kerned letter", u"xAVx"_s, 1, false);

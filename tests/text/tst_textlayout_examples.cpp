@@ -76,7 +76,8 @@ const Example examples[] = {
     {"as wide as the line, in two lines",    u"аб вг",                50,       2, on, {u"аб вг"},                   whole},
     // The second space does not fit. So the layout moves the word before it to the next line; Qt does not.
     {"two spaces where the line is full",    u"аб вгд  е",            65,       2, on, {u"аб вгд", u"е"},            whole},
-    // A word that begins its line moves again and again, until the lines are used up.
+    // The separator behind the first word does not fit. So the word moves to the next line, where the same
+    // happens, until the line limit cuts the text.
     {"two spaces, first word",               u"слово  да",            51,       3, on, {u"слов…"},                   elided},
     {"hyphen and space, first word",         u"слово- да",            51,       3, on, {u"слов…"},                   elided},
     {"space and hyphen, first word",         u"слово -да",            51,       3, on, {u"слов…"},                   elided},

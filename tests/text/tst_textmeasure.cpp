@@ -121,7 +121,7 @@ void tst_TextMeasure::isInsidePair_data()
     QTest::newRow("before") << u"a\U0001F600b"_s << qsizetype(1) << false;
     QTest::newRow("inside") << u"a\U0001F600b"_s << qsizetype(2) << true;
     QTest::newRow("behind") << u"a\U0001F600b"_s << qsizetype(3) << false;
-    QTest::newRow("the begin") << u"\U0001F600"_s << qsizetype(0) << false;
+    QTest::newRow("the beginning") << u"\U0001F600"_s << qsizetype(0) << false;
     QTest::newRow("the end") << u"\U0001F600"_s << qsizetype(2) << false;
     QTest::newRow("between two pairs") << u"\U0001F600\U0001F600"_s << qsizetype(2) << false;
     QTest::newRow("letters") << u"ab"_s << qsizetype(1) << false;

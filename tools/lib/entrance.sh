@@ -88,7 +88,8 @@ root_add()
     fi
 }
 
-# Adds the user's files inside system folders, such as a clone in /usr/src, unless the root has files there.
+# Shows the root the repository, the working folder, the cache and the paths of root_show that are inside a
+# system folder, such as a clone in /usr/src. A path under which the root has files stays as it is.
 root_add_shown()
 {
     local path

@@ -5,9 +5,9 @@
 
 #include <string>
 
-// Marks the begin and the end of an action in the trace of this program: a system call with the text
+// Marks the beginning and the end of an action in the trace of this program: a system call with the text
 // appears in the trace. The system calls ask for files that do not exist. Both texts are made before the
-// action, so the count has only the calls besides the action; the count of an empty action shows their
+// action. So apart from the action only the two calls are counted; the count of an empty action shows their
 // share.
 template<typename Action>
 void markAction(const std::string &name, const Action &action)

@@ -237,7 +237,7 @@ void countPainting(const std::string &name, const std::function<void(QPainter &)
     markAction(name, [&] { paint(painter); });
 }
 
-// Counts filling a panel with a gradient, and with a texture of the gradient.
+// Marks two actions: filling a panel with a gradient, and with a texture of the gradient.
 void countGradient(const std::string &name, const QPoint &end, const QSize &textureSize)
 {
     constexpr QRect panel(QPoint(0, 0), panelSize);
