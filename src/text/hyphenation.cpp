@@ -9,8 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The classes have letters for names: g for vowels, s for consonants, x for the short i and the two
-// signs. The Latin letters g, s and x in a word therefore count as letters of these classes.
+// The name of a class is the initial of its Russian word: g for vowels (glasnye), s for consonants
+// (soglasnye). The short i and the two signs are in class x. The Latin letters g, s and x in a word therefore
+// count as letters of these classes.
 struct LetterClass
 {
     char16_t letter;

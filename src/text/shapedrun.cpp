@@ -36,9 +36,6 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of its script, or of the script of
 // the first mark. Within the run they can have a letter of another script before them.
 constexpr double foreignSignInEms = 2;
-// A tab reaches up to the next multiple of this many pixels from the beginning of the range.
-constexpr double tabStopDistance = 80;
-
 constexpr double qtUnit = 1.0 / 64; // Qt rounds advances to multiples of it
 
 double scaledEm(const QFont &font)
@@ -96,6 +93,16 @@ bool isLetter(char32_t c)
     return QChar::script(c) > QChar::Script_Common && !QChar::isMark(c);
 }
 
+// True if a character of the text has a script of its own: a letter, or a mark of one script.
+bool hasScript(QStringView text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (QChar::script(characterAt(text, i)) > QChar::Script_Common)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 RunFont::RunFont(const QFont &source)
@@ -118,7 +125,7 @@ RunFont::RunFont(const QFont &source)
     foreignSign = foreignSignInEms * character;
 }
 
-ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font)
+ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font, QStringView rest)
     : m_text(text)
     , m_begin(begin)
     , m_firstLetter(begin)
@@ -126,8 +133,8 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font)
     , m_font(&font)
 {
     // A range that begins behind a direction control lacks it, so that its direction can be another one.
-    const auto control = std::ranges::find_if(m_text, isDirectionControl);
-    m_lastBegin = text.size() > longestPiece ? begin : begin + (control - m_text.cbegin());
+    const auto control = std::ranges::find_if(text, isDirectionControl);
+    m_lastBegin = text.size() > longestPiece ? begin : begin + (control - text.cbegin());
 
     const QStackTextEngine engine(text, font.font);
     engine.itemize();
@@ -135,13 +142,14 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font)
         addItem(engine, item);
     m_positions.back().endTolerance = 0;
     m_firstLetter = firstLetter(begin, end());
+    m_mayScriptFollow = m_firstLetter < end() || hasScript(rest);
 }
 
 Reading ShapedRun::read(qsizetype from, qsizetype to) const
 {
     const Position &first = at(from);
     const Position &last = at(to);
-    return {.advance = last.advance - first.advance,
+    return {.advance = advance(from, to),
             .tolerance = first.endTolerance + last.endTolerance + last.tolerance - first.tolerance
                          + foreignSignsTolerance(from, to)};
 }
@@ -161,8 +169,8 @@ Reading ShapedRun::readClosely(qsizetype from, qsizetype to) const
 double ShapedRun::leastAdvanceOfLonger(qsizetype from) const
 {
     Reading reading = read(from, end());
-    // Letters behind the run may give all of these signs another script.
-    if (!hasLetter(from, end()))
+    // Characters behind the run may give all of these signs another script.
+    if (m_mayScriptFollow && !hasLetter(from, end()))
         reading.tolerance += double(end() - from) * m_font->foreignSign;
     return reading.advance - reading.tolerance - m_font->joinedEnd;
 }
@@ -179,7 +187,7 @@ bool ShapedRun::hasOwnAdvance(qsizetype position) const
     if (c.isMark()) // may get a dotted circle to stand on
         return false;
     const double alone = m_font->metrics.horizontalAdvance(c) + m_font->letterSpacing;
-    return std::abs(at(position + 1).advance - at(position).advance - alone) <= qtUnit;
+    return std::abs(advance(position, position + 1) - alone) <= qtUnit;
 }
 
 bool ShapedRun::isExact(qsizetype from, qsizetype to) const
@@ -263,7 +271,7 @@ double ShapedRun::characterTolerance(qsizetype index) const
 double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
 {
     const qsizetype letter = firstLetter(from, to);
-    const qsizetype signs = std::min(letter, to) - from;
+    const qsizetype signs = letter - from;
     if (signs == 0)
         return 0;
     int ownScript = QChar::script(characterAt(m_text, from - m_begin));
@@ -272,13 +280,13 @@ double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
     return at(from).script == ownScript ? 0 : double(signs) * m_font->foreignSign;
 }
 
-// Returns the position of the first letter in the range, or a position that is not before `to` if it has none.
+// Returns the position of the first letter in the range, or `to` if it has none.
 qsizetype ShapedRun::firstLetter(qsizetype from, qsizetype to) const
 {
     qsizetype position = std::max(from, m_firstLetter);
     while (position < to && !isLetter(characterAt(m_text, position - m_begin)))
         ++position;
-    return position;
+    return std::min(position, to);
 }
 
 } // namespace ovelin

@@ -26,6 +26,9 @@ struct Reading
 // read.
 constexpr qsizetype longestPiece = 4096;
 
+// In pixels. A tab reaches up to the next multiple from the beginning of the range.
+constexpr double tabStopDistance = 80;
+
 // The font of a run. All distances are in pixels.
 struct RunFont
 {
@@ -56,8 +59,8 @@ class ShapedRun
 {
 public:
     ShapedRun() = default;
-    // Each high surrogate of the text has a low one behind it.
-    ShapedRun(const QString &text, qsizetype begin, const RunFont &font);
+    // `rest` is the text behind the run. In both, each high surrogate has a low one behind it.
+    ShapedRun(const QString &text, qsizetype begin, const RunFont &font, QStringView rest = {});
 
     qsizetype begin() const { return m_begin; }
     qsizetype end() const { return m_begin + m_text.size(); }
@@ -69,6 +72,7 @@ public:
         return from >= m_begin && from <= m_lastBegin && to <= end();
     }
 
+    double advance(qsizetype from, qsizetype to) const { return at(to).advance - at(from).advance; }
     Reading read(qsizetype from, qsizetype to) const;
 
     // The same with less tolerance at an end whose character is not kerned. This costs a look at the font.
@@ -112,8 +116,9 @@ private:
 
     QString m_text;
     qsizetype m_begin = 0;
-    qsizetype m_lastBegin = -1;  // the last position at which a range that can be read begins
-    qsizetype m_firstLetter = 0; // the end of the run if it has none
+    qsizetype m_lastBegin = -1;    // the last position at which a range that can be read begins
+    qsizetype m_firstLetter = 0;   // the end of the run if it has none
+    bool m_mayScriptFollow = true; // behind the run
     std::vector<Position> m_positions;
     const RunFont *m_font = nullptr;
 };

@@ -28,8 +28,8 @@ constexpr int usualLines = 16;
 // together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
-// A comparison that is made to check the font has at most this many characters. More would show no more,
-// because a font that is read wrong shows at the ends of a range.
+// A comparison that is made to check the font has at most this many characters. They are enough, because a
+// wrong reading comes from the ends of a range.
 constexpr qsizetype longestCheck = 8;
 
 // The cut of an elided line is looked for in this many characters before the one that overflows, and in this
@@ -42,16 +42,16 @@ bool charactersTakeRoom(const QFont &font)
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-// Returns how many characters Qt can measure without overflow.
+// Returns how many characters Qt can measure without overflow, even if all of them are tabs.
 qsizetype longestRunSize(const RunFont &font)
 {
     const double widestAverage =
         widestAverageInEms * font.em + std::abs(font.letterSpacing) + std::abs(font.wordSpacing);
-    return static_cast<qsizetype>(greatestAdvance / std::max(1.0, widestAverage));
+    return static_cast<qsizetype>(greatestAdvance / std::max(tabStopDistance, widestAverage));
 }
 
-// Returns how many characters a run has at first: about those of the lines, and a quarter of a line more,
-// because letters can be narrow and a word overflows. A run of several lines has at most one piece.
+// Returns the size of a first run: the expected characters of the lines, and a quarter of a line more, because
+// letters can be narrow and a word overflows. A run of several lines has at most one piece.
 qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
@@ -123,13 +123,13 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
         return fits(reading.advance - reading.tolerance)
                == fits(reading.advance + reading.tolerance);
     };
-    const Reading reading = m_run.read(from, to);
-    if (decides(reading) || decides(m_run.readClosely(from, to)))
+    if (const Reading reading = m_run.read(from, to); decides(reading))
         return fits(reading.advance);
-    return fits(measureAndCompare(from, to));
+    const Reading reading = m_run.readClosely(from, to);
+    return fits(decides(reading) ? reading.advance : measureAndCompare(from, to, reading));
 }
 
-// Shapes a run that begins at `from`. Returns false if the present run reads all that can be shaped.
+// Shapes a run that begins at `from`. Returns false if no such run reads more than the present one.
 bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
     const QStringView rest = QStringView(m_text.withoutLastSpace()).sliced(from);
@@ -142,7 +142,7 @@ bool TextMeasure::shape(qsizetype from, qsizetype size)
         characters.chop(1);
     const bool readsMore = !characters.isEmpty() && !m_run.covers(from, from + characters.size());
     if (readsMore) {
-        m_run = ShapedRun(characters.toString(), from, m_font);
+        m_run = ShapedRun(characters.toString(), from, m_font, rest.sliced(characters.size()));
         noteWholeAdvance();
     }
     return readsMore;
@@ -164,7 +164,7 @@ void TextMeasure::noteWholeAdvance()
     if (!canTell)
         return;
     if (m_run.end() == size) {
-        m_wholeAdvance = m_run.read(0, size).advance;
+        m_wholeAdvance = m_run.advance(0, size);
     } else if (m_charactersTakeRoom) {
         const double least = m_run.leastAdvanceOfLonger(0);
         if (least > m_lineWidth)
@@ -177,9 +177,8 @@ double TextMeasure::measure(qsizetype from, qsizetype to) const
     return m_font.metrics.horizontalAdvance(m_text.range(from, to));
 }
 
-double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
+double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Reading &reading)
 {
-    const Reading reading = m_run.readClosely(from, to);
     const double advance = measure(from, to);
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
@@ -188,7 +187,7 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to)
     return advance;
 }
 
-// A font that kerns more than the tolerances allow kerns letters with spaces, as a rule. So the range ends
+// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range ends
 // before a space that the run contains.
 bool TextMeasure::findsWrongReading()
 {
@@ -202,7 +201,7 @@ bool TextMeasure::findsWrongReading()
     if (!m_isComparedAtSpace && canBeChecked) {
         if (!m_run.covers(from, space + 1))
             m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
-        measureAndCompare(from, space);
+        measureAndCompare(from, space, m_run.readClosely(from, space));
     }
     return m_isReadWrong;
 }
@@ -233,7 +232,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     }
     const qsizetype end = std::min(to, m_run.end());
     qsizetype overflow = from;
-    while (overflow < end && m_run.read(from, overflow + 1).advance <= m_lineWidth)
+    while (overflow < end && m_run.advance(from, overflow + 1) <= m_lineWidth)
         ++overflow;
     qsizetype first = std::max(from, overflow - charactersBeforeOverflow);
     while (first > from && !m_run.beginsFreely(first))
@@ -241,12 +240,12 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     const qsizetype last = std::min(end, overflow + charactersFromOverflow);
     if (overflow == end || !m_run.hasSeparateGlyphs(first, last) || !m_run.isExact(from, last))
         return std::nullopt;
-    // The space behind the text is in no run.
+    // The space behind the text is in no run; with it the line may fit.
     const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();
     if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
         return std::nullopt;
 
-    const double before = first > from ? m_run.read(from, first).advance : 0;
+    const double before = m_run.advance(from, first);
     const QString tail = m_text.range(first, last);
     const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
     const bool isCutInside =

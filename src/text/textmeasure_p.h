@@ -75,14 +75,13 @@ private:
     qsizetype nextRunSize(qsizetype from, qsizetype to) const;
     void noteWholeAdvance();
     double measure(qsizetype from, qsizetype to) const;
-    double measureAndCompare(qsizetype from, qsizetype to);
+    double measureAndCompare(qsizetype from, qsizetype to, const Reading &reading);
     std::optional<ElidedLine> elideByReading(qsizetype from, qsizetype to);
 
     const SourceText &m_text;
     const RunFont m_font;
     const double m_lineWidth;
-    const bool
-        m_charactersTakeRoom; // neither letters nor words are set closer than the font has them
+    const bool m_charactersTakeRoom;  // no spacing makes an advance negative
     const qsizetype m_longestRunSize; // in characters; 0 if nothing is read
     const qsizetype m_usualRunSize;   // in characters
 

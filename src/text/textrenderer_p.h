@@ -44,7 +44,9 @@ struct TextRendererPrivate
     bool lineSeparatorsApplied = false;
     bool textIsWellFormed = true;
     std::optional<qint32> effectiveWidth;
-    std::optional<qint32> fineWidth; // any that exceeds the limit, where the text does
+    // The fine width of the text. If that is greater than the limit, this can be any other width that is greater
+    // than the limit.
+    std::optional<qint32> fineWidth;
 };
 
 } // namespace ovelin

@@ -282,6 +282,8 @@ void tst_TextMeasure::decidesALongWordByItsPrefix_data()
     QTest::newRow("Hebrew") << u"ש"_s;
     QTest::newRow("Arabic") << u"س"_s;
     QTest::newRow("CJK") << u"日"_s;
+    QTest::newRow("digits") << u"1"_s;
+    QTest::newRow("dashes") << u"—"_s;
 }
 
 void tst_TextMeasure::decidesALongWordByItsPrefix()
