@@ -82,8 +82,8 @@ void insertHyphens(QString &classes)
             continue;
         // One replacement leaves out matches that overlap. The second one finds them. A third one would
         // give points that nobody expects.
-        classes.replace(before, after, Qt::CaseSensitive);
-        classes.replace(before, after, Qt::CaseSensitive);
+        classes.replace(before, after);
+        classes.replace(before, after);
     }
 }
 
@@ -102,19 +102,17 @@ int lastPointThatFits(QStringView word,
     QString classes = classString(word);
     insertHyphens(classes);
 
-    qsizetype candidate = classes.indexOf(hyphen, 0, Qt::CaseSensitive);
+    qsizetype candidate = classes.indexOf(hyphen);
     if (candidate == -1)
         return -1;
 
-    qsizetype next = 0;
-    qsizetype accepted = 0;
+    qsizetype point = 0;
     // A hyphen of the word itself counts like an inserted one: the points behind it lie one character early.
-    while (candidate != -1 && fitsWithHyphen(candidate - accepted)) {
-        next = candidate + 1;
-        ++accepted;
-        candidate = classes.indexOf(hyphen, next, Qt::CaseSensitive);
+    for (qsizetype hyphens = 0; candidate != -1 && fitsWithHyphen(candidate - hyphens); ++hyphens) {
+        point = candidate - hyphens;
+        candidate = classes.indexOf(hyphen, candidate + 1);
     }
-    return static_cast<int>(next - accepted);
+    return static_cast<int>(point);
 }
 
 } // namespace

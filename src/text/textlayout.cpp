@@ -16,9 +16,9 @@ namespace {
 // A forced split moves at least this many characters of the word to the next line, its separator counted.
 // A word of no more characters is never split by force.
 constexpr qsizetype fewestMoved = 5;
-// A word that would fit on a line of its own is split only if it has at least this many characters, its
-// separator counted.
-constexpr qsizetype shortestSplitWord = 9;
+// A word that would fit on a line of its own is split by force only if it has at least this many characters,
+// its separator counted.
+constexpr qsizetype shortestForcedSplit = 9;
 
 // Under a line limit a hyphen moves at most this often, or once for each character of the text if that is
 // more. Then the text is elided. Each move inserts a line separator.
@@ -33,7 +33,7 @@ struct Candidate
     bool endsParagraph;
 
     bool isSeparatorOnly() const { return wordStart == separator; }
-    bool isLineOneWord() const { return lineStart == wordStart; }
+    bool beginsLine() const { return lineStart == wordStart; }
     qsizetype end() const { return separator + 1; }
     qsizetype wordSize() const { return end() - wordStart; }
 };
@@ -136,10 +136,9 @@ std::optional<int> WrapGuard::linesSince(const State &state, int lineCount)
         m_farthestWord = state.wordStart;
         m_wraps.clear();
     }
-    for (const Wrap &wrap : m_wraps) {
-        if (wrap.state == state)
-            return lineCount - wrap.lineCount;
-    }
+    const auto same = std::ranges::find(m_wraps, state, &Wrap::state);
+    if (same != m_wraps.end())
+        return lineCount - same->lineCount;
     m_wraps.push_back({.state = state, .lineCount = lineCount});
     return std::nullopt;
 }
@@ -160,7 +159,7 @@ public:
 private:
     bool isLimited() const { return m_limits.maxLineCount > 0; }
     bool nextCandidate();
-    bool fits();
+    bool lineFits();
     bool maySplit() const;
 
     void acceptWord();
@@ -171,13 +170,11 @@ private:
     void elide();
 
     int hyphenationPoint();
-    bool mayForceSplit();
     qsizetype forcedSplitPoint();
     bool isWordAfterHyphen() const;
     bool countLine();
     void startLine(qsizetype start);
     qsizetype characterStart(qsizetype position) const;
-    QString shownText() const;
     std::optional<int> wholeFineWidth() const;
 
     const SourceText &m_source;
@@ -188,13 +185,11 @@ private:
     int m_lineCount = 0;
     qsizetype m_lineStart = 0;
     qsizetype m_wordStart = 0;
-    qsizetype m_previousWordStart = 0; // of the last word that fitted
+    qsizetype m_previousWordStart = 0; // of the last word that was accepted
 
     Candidate m_candidate = {
         .lineStart = 0, .wordStart = 0, .separator = -1, .endsParagraph = false};
-    bool m_elided = false;
-    std::optional<qsizetype>
-        m_cut; // of the ellipsis; nothing if it does not fit: no text is shown then
+    std::optional<QString> m_elidedText;
 
     WrapGuard m_wraps;
     qsizetype m_movedHyphen = -1;
@@ -213,21 +208,16 @@ LineBreaker::LineBreaker(const SourceText &source, const QFont &font, const Line
 
 BrokenText LineBreaker::run()
 {
-    while (!m_elided && nextCandidate()) {
-        if (fits()) {
+    while (!m_elidedText && nextCandidate()) {
+        if (lineFits()) {
             acceptWord();
         } else if (!maySplit() || !splitWord()) {
             wrapWord();
         }
     }
-    return {.text = shownText(), .elided = m_elided, .fineWidth = wholeFineWidth()};
-}
-
-QString LineBreaker::shownText() const
-{
-    if (!m_elided)
-        return m_lines.withoutLastSpace();
-    return m_cut ? m_lines.elidedAt(*m_cut) : QString();
+    return {.text = m_elidedText ? *m_elidedText : m_lines.withoutLastSpace(),
+            .elided = m_elidedText.has_value(),
+            .fineWidth = wholeFineWidth()};
 }
 
 // A word that was split or wrapped is taken again; it ends where it ended before.
@@ -246,18 +236,18 @@ bool LineBreaker::nextCandidate()
     return true;
 }
 
-bool LineBreaker::fits()
+bool LineBreaker::lineFits()
 {
     return m_measure.decide(m_lineStart, m_candidate.separator,
                             [this](double advance) { return advance < m_limits.width; });
 }
 
 // Words are split under a line limit only, and not on the last line. Without hyphenation, only a word that
-// begins its line is split; it gets a hyphen all the same.
+// begins its line is split, nevertheless at a hyphenation point if it has one.
 bool LineBreaker::maySplit() const
 {
     return m_lineCount + 1 < m_limits.maxLineCount
-           && (m_limits.hyphenationEnabled || m_candidate.isLineOneWord());
+           && (m_limits.hyphenationEnabled || m_candidate.beginsLine());
 }
 
 void LineBreaker::acceptWord()
@@ -269,15 +259,14 @@ void LineBreaker::acceptWord()
 
 bool LineBreaker::splitWord()
 {
-    qsizetype kept = hyphenationPoint();
-    const bool hyphenated = kept != -1;
-    if (!hyphenated)
-        kept = mayForceSplit() ? forcedSplitPoint() : 0;
+    const qsizetype point = hyphenationPoint();
+    const bool hasPoints = point != -1;
+    const qsizetype kept = hasPoints ? point : forcedSplitPoint();
 
     const qsizetype splitPoint = characterStart(m_wordStart + kept);
     if (splitPoint <= m_wordStart)
         return false;
-    m_lines.insert(splitPoint, hyphenated ? u"-\u2028"_s : u"\u2028"_s);
+    m_lines.insert(splitPoint, hasPoints ? u"-\u2028"_s : u"\u2028"_s);
     startLine(splitPoint);
     ++m_lineCount;
     return true;
@@ -294,7 +283,7 @@ void LineBreaker::wrapWord()
     if (linesPerRound) {
         // The pass goes round until the line limit is near. All whole rounds before it are left out.
         const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
-        m_lineCount += linesLeft / *linesPerRound * *linesPerRound;
+        m_lineCount += linesLeft - linesLeft % *linesPerRound;
     }
 
     if (!countLine())
@@ -349,13 +338,14 @@ void LineBreaker::moveHyphenToNextLine()
 // lines differ if the last word of a paragraph wraps and thereby reaches the line limit.
 void LineBreaker::elide()
 {
-    m_elided = true;
     const auto line = m_measure.elide(m_candidate.lineStart, m_candidate.end());
-    if (line.size == 0)
+    if (line.size == 0) {
+        m_elidedText = QString();
         return;
+    }
     const qsizetype cut = m_lineStart + line.size - (line.overflows ? 2 : 1);
-    m_cut =
-        cut < m_lineStart ? cut : characterStart(cut); // before the line stands what was inserted
+    // A cut before the line is among the inserted characters, not in the source.
+    m_elidedText = m_lines.elidedAt(cut < m_lineStart ? cut : characterStart(cut));
 }
 
 int LineBreaker::hyphenationPoint()
@@ -363,13 +353,13 @@ int LineBreaker::hyphenationPoint()
     if (m_candidate.end() == m_wordWithoutPoint)
         return -1;
     const double hyphenWidth = m_measure.metrics().horizontalAdvance(QChar(hyphen));
-    const auto fits = [this, hyphenWidth](double advance) {
+    const auto fitsWithHyphen = [this, hyphenWidth](double advance) {
         return fineWidth(advance) + hyphenWidth < m_limits.width;
     };
     // Points can lie behind the word: some letters are two characters in lower case.
     const auto prefixFits = [&](qsizetype kept) {
         return kept <= m_candidate.wordSize()
-               && m_measure.decide(m_lineStart, m_wordStart + kept, fits);
+               && m_measure.decide(m_lineStart, m_wordStart + kept, fitsWithHyphen);
     };
     // The last word comes without the space behind the text.
     const auto word =
@@ -380,20 +370,17 @@ int LineBreaker::hyphenationPoint()
     return point;
 }
 
-bool LineBreaker::mayForceSplit()
-{
-    const auto fits = [this](double advance) { return fineWidth(advance) <= m_limits.width; };
-    if (m_candidate.wordSize() >= shortestSplitWord)
-        return true;
-    return m_candidate.wordSize() > 1 && !m_measure.decide(m_wordStart, m_candidate.end(), fits);
-}
-
+// Returns how many characters of the word stay on the line; 0 if the word is not split by force.
 qsizetype LineBreaker::forcedSplitPoint()
 {
-    const auto fits = [this](double advance) { return fineWidth(advance) < m_limits.width; };
+    const auto fitsAlone = [this](double advance) { return fineWidth(advance) <= m_limits.width; };
+    const auto fitsOnLine = [this](double advance) { return fineWidth(advance) < m_limits.width; };
     const qsizetype most = m_candidate.wordSize() - fewestMoved;
+    const bool isShort = m_candidate.wordSize() < shortestForcedSplit;
+    if (most <= 0 || (isShort && m_measure.decide(m_wordStart, m_candidate.end(), fitsAlone)))
+        return 0;
     qsizetype kept = 0;
-    while (kept < most && m_measure.decide(m_lineStart, m_wordStart + kept + 1, fits))
+    while (kept < most && m_measure.decide(m_lineStart, m_wordStart + kept + 1, fitsOnLine))
         ++kept;
     return kept;
 }
@@ -411,7 +398,7 @@ bool LineBreaker::countLine()
     ++m_lineCount;
     if (m_lineCount == m_limits.maxLineCount)
         elide();
-    return !m_elided;
+    return !m_elidedText;
 }
 
 void LineBreaker::startLine(qsizetype start)
@@ -437,6 +424,7 @@ std::optional<int> LineBreaker::wholeFineWidth() const
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits)
 {
     using Method = TextMeasure::Method;
+    // A font that is read wrong is rare: only then the text is laid out by measuring alone.
     const SourceText source(text);
     BrokenText broken;
     for (const Method method : {Method::ReadRuns, Method::MeasureAll}) {

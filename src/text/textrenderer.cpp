@@ -27,6 +27,7 @@ QString withLineSeparators(QString text)
     return text.replace(newline, lineSeparator);
 }
 
+// A half of a surrogate pair that stands alone becomes a replacement character (U+FFFD).
 QString withWholeCharacters(QString text)
 {
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -42,7 +43,7 @@ QString withWholeCharacters(QString text)
     return text;
 }
 
-// Bounded like the positions that make it up: QRect keeps its right and bottom edge as ints.
+// QRect keeps its right and bottom edge as ints: these saturate, like all positions.
 QRect boundedRect(const QPoint &topLeft, const QSize &size)
 {
     QRect rect;
@@ -133,8 +134,8 @@ void TextRendererPrivate::breakAtLimit()
     staticText.setText(broken.text);
 }
 
-// The pattern for breaks finds none in a text with a surrogate that stands alone: a broadcaster's broken
-// character would keep all of the text from being broken.
+// The pattern of a word's end matches nothing in a text that is not well-formed: one broken character would
+// keep the whole text on one line.
 BrokenText TextRendererPrivate::breakText(double limit) const
 {
     const QString wellFormed = textIsWellFormed ? text : withWholeCharacters(text);
