@@ -11,7 +11,7 @@
 namespace recipes {
 
 //! [item]
-// An item calls this after each registration, with its member ownerState.
+// For an item that was registered: if (registerImage(1, url)) describe(*ownerState, geometry);
 inline void describe(ovelin::ResourceOwnerState &ownerState, const QRect &geometry)
 {
     constexpr int bytesPerPixel = 4;
@@ -35,29 +35,34 @@ inline void decide(ovelin::SceneResourceTracker &tracker, int budgetBytes, const
     });
 
     QList<StatePointer> allowed;
-    QList<StatePointer> denied;
+    QList<StatePointer> others;
     for (const StatePointer &state : std::as_const(states)) {
         const bool fits = state->applicationValue1 <= budgetBytes;
         budgetBytes -= fits ? state->applicationValue1 : 0;
-        (fits ? allowed : denied).append(state);
+        (fits ? allowed : others).append(state);
     }
 
     const auto tell = [&tracker](const StatePointer &state, State::Status status) {
         const auto known = tracker.owners().find(state->owner);
-        const bool isListed = known != tracker.owners().end() && known->second == state;
-        if (!isListed || state->status == status)
+        if (known == tracker.owners().end() || known->second != state)
             return;
         tracker.setStatus(state, status);
         if (status == State::CreationAllowed)
             tracker.allowResources(state);
-        else
+        else if (status == State::Cleared)
             tracker.releaseResources(state);
     };
     // Owners release memory before others are allowed.
-    for (const StatePointer &state : std::as_const(denied))
-        tell(state, State::CreationDenied);
-    for (const StatePointer &state : std::as_const(allowed))
-        tell(state, State::CreationAllowed);
+    for (const StatePointer &state : std::as_const(others)) {
+        if (state->status == State::CreationAllowed)
+            tell(state, State::Cleared);
+        else if (state->status == State::CreationRequested)
+            tell(state, State::CreationDenied);
+    }
+    for (const StatePointer &state : std::as_const(allowed)) {
+        if (state->status != State::CreationAllowed)
+            tell(state, State::CreationAllowed);
+    }
 }
 //! [decide]
 

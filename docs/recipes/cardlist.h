@@ -28,7 +28,7 @@ public:
         m_title.setTextTopLeft({padding, padding});
         m_title.setTextWidth(cardSize.width() - 2 * padding);
         m_title.setMaxLineCount(2);
-        m_title.setText(title);
+        m_title.setText(title.simplified()); // without newlines
         m_title.relayout();
     }
 

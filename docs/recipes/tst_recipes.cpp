@@ -4,6 +4,7 @@
 #include "languages.h"
 #include "loadedposter.h"
 #include "logtable.h"
+#include "posterrow.h"
 #include "ticker.h"
 
 #include <QImage>
@@ -57,13 +58,15 @@ class Item : public QObject, public ovelin::AbstractResourceOwner
 public:
     explicit Item(const QRect &geometry)
     {
-        registerResource(1, "item", ovelin::ResourceInfo::PaintedItem);
-        describe(*ownerState, geometry);
+        if (registerResource(1, "item", ovelin::ResourceInfo::PaintedItem))
+            describe(*ownerState, geometry);
     }
 
     QObject *resourceOwnerObject() override { return this; }
     void allowResources() override { holds = true; }
     void releaseResources() override { holds = false; }
+
+    State::Status status() const { return ownerState->status; }
 
     bool holds = false;
 };
@@ -77,6 +80,7 @@ class tst_Recipes : public QObject
 private Q_SLOTS:
     void cardList_data();
     void cardList();
+    void cardTitleIsOneParagraph();
     void focusedCard();
     void ticker();
     void languages_data();
@@ -86,6 +90,9 @@ private Q_SLOTS:
     void posterThatIsDestroyedWhileItLoads();
     void logTable();
     void memoryBudget();
+    void posterRow();
+    void posterRowWithoutATracker();
+    void decisionAllowsOwnersToLeave();
 };
 
 void tst_Recipes::cardList_data()
@@ -124,6 +131,14 @@ void tst_Recipes::cardList()
     });
     QCOMPARE(image, expected);
     QCOMPARE(isBlank(image, image.rect()), lefts.isEmpty());
+}
+
+void tst_Recipes::cardTitleIsOneParagraph()
+{
+    const auto seen = [](const QString &title) {
+        return painted([&](QPainter &painter) { Card(title, sampleFont()).paint(painter); });
+    };
+    QCOMPARE(seen("Вечерние\nновости"), seen("Вечерние новости"));
 }
 
 void tst_Recipes::focusedCard()
@@ -272,8 +287,107 @@ void tst_Recipes::memoryBudget()
     QCOMPARE(holders(), QList<bool>({false, true, true}));
     decide(tracker, 79'999, {450, 50});
     QCOMPARE(holders(), QList<bool>({false, false, true}));
+    QCOMPARE(items[0].status(), State::Cleared);
     decide(tracker, 0, {450, 50});
     QCOMPARE(holders(), QList<bool>({false, false, false}));
+
+    const Item never({600, 0, 100, 100});
+    decide(tracker, 0, {450, 50});
+    QCOMPARE(never.status(), State::CreationDenied);
+}
+
+void tst_Recipes::posterRow()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("poster.ppm");
+    QImage picture(20, 12, QImage::Format_RGB32);
+    picture.fill(Qt::darkRed);
+    QVERIFY(picture.save(file));
+    InstalledTracker tracker;
+
+    // Cards of 200 x 112 pixels every 212 pixels; two are on the screen.
+    PosterRow row(tracker, {0, 0, 400, 112}, QList<QUrl>(4, QUrl::fromLocalFile(file)));
+    const QSignalSpy changed(&row, &PosterRow::changed);
+    const auto statuses = [&tracker] {
+        QList<State::Status> result;
+        for (const ovelin::ResourceInfo &resource : tracker.resources())
+            result += resource.ownerState->status;
+        return result;
+    };
+    const auto redAt = [&row] {
+        const QImage image = painted([&row](QPainter &painter) { row.paint(painter); });
+        QList<int> result;
+        for (int x = 0; x < image.width(); ++x) {
+            const bool isRed = image.pixelColor(x, 10) == QColor(Qt::darkRed);
+            const bool wasRed = x > 0 && image.pixelColor(x - 1, 10) == QColor(Qt::darkRed);
+            if (isRed != wasRed)
+                result += x;
+        }
+        return result;
+    };
+    const auto requested = State::CreationRequested;
+    const auto allowed = State::CreationAllowed;
+    const auto denied = State::CreationDenied;
+    const auto cleared = State::Cleared;
+
+    // The decision is made by the event loop.
+    QCOMPARE(statuses(), QList({requested, requested, requested, requested}));
+    QVERIFY(QTest::qWaitFor([&] { return statuses().constFirst() != requested; }));
+    QCOMPARE(statuses(), QList({allowed, allowed, denied, denied}));
+    QVERIFY(!changed.isEmpty());
+    const QImage throbbers = painted([&row](QPainter &painter) { row.paint(painter); });
+    QVERIFY(!isBlank(throbbers, {76, 32, 48, 48}));
+    QVERIFY(!isBlank(throbbers, {288, 32, 48, 48}));
+    QVERIFY(QTest::qWaitFor([&] { return redAt() == QList<int>{0, 200, 212, 400}; }));
+
+    // The first card leaves the screen, the third one enters it.
+    row.scrollTo(212);
+    QVERIFY(QTest::qWaitFor([&] { return statuses() == QList({cleared, allowed, allowed, denied}); }));
+    QVERIFY(QTest::qWaitFor([&] { return redAt() == QList<int>{0, 200, 212, 400}; }));
+    row.scrollTo(0);
+    QVERIFY(QTest::qWaitFor([&] { return statuses() == QList({allowed, allowed, cleared, denied}); }));
+}
+
+void tst_Recipes::posterRowWithoutATracker()
+{
+    ovelin::SceneResourceTracker notInstalled;
+    PosterRow row(notInstalled, {0, 0, 400, 112}, {QUrl("file:///poster.png")});
+    row.scrollTo(10);
+    QVERIFY(notInstalled.owners().empty());
+    const QImage image = painted([&row](QPainter &painter) { row.paint(painter); });
+    QVERIFY(isBlank(image, image.rect()));
+}
+
+void tst_Recipes::decisionAllowsOwnersToLeave()
+{
+    class Leaving : public Item
+    {
+    public:
+        Leaving(std::array<std::unique_ptr<Item>, 2> &items)
+            : Item({0, 0, 10, 10})
+            , m_items(items)
+        {
+        }
+
+        // Removes the other item.
+        void allowResources() override
+        {
+            for (auto &item : m_items) {
+                if (item.get() != this)
+                    item.reset();
+            }
+        }
+
+    private:
+        std::array<std::unique_ptr<Item>, 2> &m_items;
+    };
+
+    InstalledTracker tracker;
+    std::array<std::unique_ptr<Item>, 2> items;
+    for (auto &item : items)
+        item = std::make_unique<Leaving>(items);
+    allowOnScreen(tracker, {0, 0, 100, 100});
+    QCOMPARE(tracker.owners().size(), std::size_t(1));
 }
 
 QTEST_MAIN(tst_Recipes)

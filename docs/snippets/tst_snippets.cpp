@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QtMath>
 
 #include <algorithm>
 #include <array>
@@ -25,7 +26,11 @@ class Poster : public QObject, public ovelin::AbstractResourceOwner
 {
 public:
     bool show(const QUrl &url) { return registerImage(1, url); }
-    void hide() { unregisterResources(); }
+    void hide()
+    {
+        m_image = {};
+        unregisterResources();
+    }
 
     QObject *resourceOwnerObject() override { return this; }
     void allowResources() override { m_image = QImage(120, 180, QImage::Format_RGB32); }
@@ -37,6 +42,19 @@ private:
     QImage m_image;
 };
 //! [owner]
+
+class ChangingPoster : public Poster
+{
+public:
+    //! [change]
+    void change(const QUrl &url)
+    {
+        releaseResources(); // drops the old picture
+        if (registerImage(1, url) && isResourcesAllowed())
+            allowResources(); // creates the new one
+    }
+    //! [change]
+};
 
 //! [decide]
 using StatePointer = QSharedPointer<ovelin::ResourceOwnerState>;
@@ -110,6 +128,10 @@ class tst_Snippets : public QObject
 private Q_SLOTS:
     void resources();
     void releasing();
+    void hiding();
+    void anotherPicture();
+    void anotherPictureThatIsNotAllowed();
+    void newRecordAfterLeaving();
     void entries();
     void decisionsAllowOwnersToLeave_data();
     void decisionsAllowOwnersToLeave();
@@ -119,6 +141,11 @@ private Q_SLOTS:
     void text();
     void textFromElsewhere();
     void newlinesAndTheLineLimit();
+    void newlinesOnOneLine();
+    void heightOfLines_data();
+    void heightOfLines();
+    void emptyText();
+    void pixelRatio();
     void lookingAtALayout();
     void throbber();
     void throbberByHand();
@@ -172,6 +199,75 @@ void tst_Snippets::releasing()
     //! [release]
     QVERIFY(!poster.hasImage());
     QVERIFY(!poster.isResourcesAllowed());
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+// Shows that unregistering does not call releaseResources(), as the guide says.
+void tst_Snippets::hiding()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    Poster poster;
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    decide(tracker);
+    poster.unregisterResources();
+    QVERIFY(poster.hasImage());
+
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    poster.hide();
+    QVERIFY(!poster.hasImage());
+    QVERIFY(tracker.owners().empty());
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+void tst_Snippets::anotherPicture()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    ChangingPoster poster;
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    decide(tracker);
+
+    poster.releaseResources();
+    QVERIFY(poster.show(QUrl("qrc:/another.png")));
+    decide(tracker);
+    QVERIFY(poster.isResourcesAllowed());
+    QVERIFY(!poster.hasImage()); // nobody told the item again
+
+    poster.change(QUrl("qrc:/third.png"));
+    QVERIFY(poster.hasImage());
+    QCOMPARE(tracker.resources().front().url, QUrl("qrc:/third.png"));
+    ovelin::setSceneResourceTracker(nullptr);
+}
+
+void tst_Snippets::anotherPictureThatIsNotAllowed()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    ChangingPoster poster;
+    poster.change(QUrl("qrc:/poster.png"));
+    QVERIFY(!poster.hasImage());
+    ovelin::setSceneResourceTracker(nullptr);
+
+    ChangingPoster refused;
+    refused.change(QUrl("qrc:/poster.png"));
+    QVERIFY(!refused.hasImage());
+}
+
+void tst_Snippets::newRecordAfterLeaving()
+{
+    ovelin::SceneResourceTracker tracker;
+    ovelin::setSceneResourceTracker(&tracker);
+    Poster poster;
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    decide(tracker);
+    tracker.owners().at(&poster)->geometry = {10, 20, 120, 180};
+
+    poster.hide();
+    QVERIFY(poster.show(QUrl("qrc:/poster.png")));
+    const auto state = tracker.owners().at(&poster);
+    QCOMPARE(state->status, ovelin::ResourceOwnerState::CreationRequested);
+    QCOMPARE(state->geometry, QRect());
     ovelin::setSceneResourceTracker(nullptr);
 }
 
@@ -372,7 +468,7 @@ void tst_Snippets::textFromElsewhere()
 
     //! [elsewhere]
     text.setTextFormat(Qt::PlainText);
-    text.setText(title);
+    text.setText(title.simplified());
     //! [elsewhere]
 
     QVERIFY(!isBlank(asMarkup));
@@ -394,6 +490,86 @@ void tst_Snippets::newlinesAndTheLineLimit()
     QCOMPARE(lines(), 4);
     renderer.setText(text.simplified());
     QCOMPARE(lines(), 3);
+}
+
+// Shows that nothing parts the words at a newline if the limit is 1, as the guide says.
+void tst_Snippets::newlinesOnOneLine()
+{
+    const auto width = [](const QString &text) {
+        ovelin::TextRenderer renderer;
+        renderer.setTextFont(sampleFont());
+        renderer.setText(text);
+        return renderer.boundingSize().width();
+    };
+    QCOMPARE(width("Один\nДва"), width("ОдинДва"));
+}
+
+void tst_Snippets::heightOfLines_data()
+{
+    QTest::addColumn<int>("pixelSize");
+
+    for (const int pixelSize : {11, 13, 20, 24, 31})
+        QTest::addRow("%d pixels", pixelSize) << pixelSize;
+}
+
+void tst_Snippets::heightOfLines()
+{
+    QFETCH(const int, pixelSize);
+    QFont font = sampleFont();
+    font.setPixelSize(pixelSize);
+    const int lineCount = 4;
+
+    //! [height]
+    const int height = lineCount * qCeil(QFontMetricsF(font).height());
+    //! [height]
+
+    ovelin::TextRenderer renderer;
+    renderer.setTextFont(font);
+    renderer.setTextWidth(200);
+    renderer.setMaxLineCount(lineCount);
+    renderer.setText("один\nдва\nтри\nчетыре");
+    QCOMPARE(renderer.boundingSize().height(), height);
+}
+
+// Shows what a renderer reports for an empty text, as the guide says.
+void tst_Snippets::emptyText()
+{
+    ovelin::TextRenderer renderer;
+    renderer.setTextFont(sampleFont());
+    renderer.relayout();
+    QVERIFY(!renderer.isValid());
+    QVERIFY(renderer.boundingSize().height() > 0);
+
+    renderer.setText(sampleText());
+    const int height = renderer.boundingSize().height();
+    renderer.setText({});
+    QCOMPARE(renderer.boundingSize(), QSize(0, height));
+    QCOMPARE(renderer.displayText(), sampleText());
+    QVERIFY(!renderer.isValid());
+}
+
+void tst_Snippets::pixelRatio()
+{
+    ovelin::TextRenderer text;
+    text.setTextFont(sampleFont());
+    text.setText(sampleText());
+    text.relayout();
+    const auto painted = [&text](double ratio) {
+        QImage image = canvas();
+        image.setDevicePixelRatio(ratio);
+        QPainter painter(&image);
+        painter.setPen(Qt::white);
+        //! [ratio]
+        painter.scale(1 / ratio, 1 / ratio);
+        text.draw(painter);
+        //! [ratio]
+        painter.end();
+        image.setDevicePixelRatio(1);
+        return image;
+    };
+    QVERIFY(!isBlank(painted(1)));
+    QCOMPARE(painted(1.5), painted(1));
+    QCOMPARE(painted(2), painted(1));
 }
 
 void tst_Snippets::lookingAtALayout()
