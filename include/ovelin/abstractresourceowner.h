@@ -13,6 +13,7 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
+// The base class of items that register their pictures. Guide: "The road of a resource".
 class OVELIN_EXPORT AbstractResourceOwner : public IResourceOwner
 {
 public:

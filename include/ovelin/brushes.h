@@ -12,6 +12,7 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
+// Gradients as small textures that a brush tiles. Lengths are in pixels. Guide: "Gradients and textures".
 [[nodiscard]] OVELIN_EXPORT int chooseGradientLength(int length);
 [[nodiscard]] OVELIN_EXPORT QPixmap createBrushImage(const QBrush &brush, const QSize &size);
 [[nodiscard]] OVELIN_EXPORT QBrush createTexturedBrush(const QSize &size,

@@ -14,6 +14,7 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
+// Tiled pixmaps of the platform plug-in. Guide: "The platform plug-in's functions".
 class OVELIN_EXPORT PlatformNativeInterface
 {
 public:

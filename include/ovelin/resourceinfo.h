@@ -14,6 +14,7 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
+// What the tracker calls in an item; AbstractResourceOwner implements the rest of an owner.
 class OVELIN_EXPORT IResourceOwner
 {
 public:
@@ -24,6 +25,7 @@ public:
     virtual void releaseResources() = 0;
 };
 
+// The record of one owner: the application's decision, and the owner's rectangle in device pixels.
 struct OVELIN_EXPORT ResourceOwnerState
 {
     enum Status : qint32 {
@@ -42,6 +44,7 @@ struct OVELIN_EXPORT ResourceOwnerState
     QRect geometry;
 };
 
+// One resource in the tracker's list.
 struct OVELIN_EXPORT ResourceInfo
 {
     enum Type : qint32 {

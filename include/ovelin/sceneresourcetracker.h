@@ -16,11 +16,13 @@ namespace ovelin {
 
 class SceneResourceTrackerPrivate;
 
+// The list of the pictures that items hold or ask for. Guide: "The road of a resource".
 class OVELIN_EXPORT SceneResourceTracker : public QObject
 {
     Q_OBJECT
 
 public:
+    // One event of the log, as texts that can be shown as they are.
     struct OVELIN_EXPORT Message
     {
         enum Event : qint32 {

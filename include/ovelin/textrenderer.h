@@ -24,6 +24,8 @@ namespace ovelin {
 
 struct TextRendererPrivate;
 
+// A text that is laid out once and painted with one call. All lengths, and the size of the font, are in
+// device pixels. Guide: "How a text is laid out".
 class OVELIN_EXPORT TextRenderer
 {
 public:

@@ -18,6 +18,7 @@ namespace ovelin {
 
 struct ThrobberRendererPrivate;
 
+// A busy indicator. Lengths are in pixels of the painter, angles in degrees. Guide: "The throbber's cycle".
 class OVELIN_EXPORT ThrobberRenderer : public QObject
 {
     Q_OBJECT

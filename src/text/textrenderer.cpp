@@ -144,7 +144,8 @@ BrokenText TextRendererPrivate::breakText(double limit) const
         {.width = limit, .maxLineCount = maxLineCount, .hyphenationEnabled = hyphenationEnabled});
 }
 
-// The text is aligned as a whole by moving it, not by Qt inside the static text.
+// Qt aligns each line inside the static text, whose width is that of the text. This function aligns the text
+// as a whole in the box by moving it.
 void TextRendererPrivate::updateAlignedTextTopLeft()
 {
     const QSizeF size = staticText.size();
@@ -346,12 +347,13 @@ Qt::Alignment TextRenderer::textAlignment() const
     Sets the alignment of the text in its box to \a alignment; does nothing when it is the same. Takes
     effect on what is painted and measured at once, before the next relayout().
 
-    Qt::AlignHCenter and Qt::AlignRight move the text as a whole inside textWidth(), Qt::AlignVCenter
-    and Qt::AlignBottom inside the available height; other flags leave it where it is, also where an
+    Qt::AlignHCenter and Qt::AlignRight align each line inside the width of the text, and move the text
+    as a whole inside textWidth(). Qt::AlignVCenter and Qt::AlignBottom move the text inside the
+    available height. Other flags leave the text where it is, also where an
     earlier alignment moved it: setTextTopLeft() with another position puts it back.
 
-    Without a textWidth() nothing moves across, also with a maxTextWidth(); a wrapped text counts as
-    wide as the box. Qt::AlignBottom moves only a text that is less high than the box. Where
+    Without a textWidth() the text does not move across, also with a maxTextWidth(); a wrapped text
+    counts as wide as the box. Qt::AlignBottom moves only a text that is less high than the box. Where
     alignments contradict each other, centring goes before both.
 */
 void TextRenderer::setTextAlignment(Qt::Alignment alignment)
@@ -487,7 +489,7 @@ QPoint TextRenderer::textTopLeft() const
 
 /*!
     Sets the position of the box to \a topLeft and forgets the alignment of the text in it, which the
-    next relayout() finds anew; does nothing when it is the same.
+    next relayout() finds anew; does nothing when it is the same. To scroll, call move().
 
     \sa move()
 */

@@ -282,7 +282,7 @@ void ThrobberRenderer::addAngles(int rotationDegrees, int spanDegrees)
 /*!
     Draws the circle and the arc with \a painter into the rectangle of setRenderRect(). The pen of
     the arc stays set. The function changes nothing else of the painter: a brush that is set fills
-    the circle.
+    the circle, and the edges are jagged unless QPainter::Antialiasing is set.
 */
 void ThrobberRenderer::draw(QPainter &painter)
 {
