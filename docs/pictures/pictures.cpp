@@ -17,6 +17,7 @@ QList<Picture> allPictures()
         {"recipe-languages", {760, 170}, drawLanguages},
         {"recipe-posters", {760, 190}, drawPosters},
         {"recipe-budget", {760, 232}, drawBudget},
+        {"recipe-onscreen", {760, 170}, drawOnScreen},
         {"recipe-log", {760, 250}, drawLog},
     };
 }

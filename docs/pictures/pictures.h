@@ -29,6 +29,7 @@ void drawTicker(Canvas &canvas);
 void drawLanguages(Canvas &canvas);
 void drawPosters(Canvas &canvas);
 void drawBudget(Canvas &canvas);
+void drawOnScreen(Canvas &canvas);
 void drawLog(Canvas &canvas);
 
 #endif

@@ -6,6 +6,7 @@
 #include "recipes/languages.h"
 #include "recipes/loadedposter.h"
 #include "recipes/logtable.h"
+#include "recipes/posterrow.h"
 #include "recipes/ticker.h"
 
 #include <ovelin/throbberrenderer.h>
@@ -188,6 +189,52 @@ void drawBudget(Canvas &canvas)
         canvas.painter().drawRect(focus.adjusted(-4, -4, 4, 4));
         top += 112;
     }
+}
+
+void drawOnScreen(Canvas &canvas)
+{
+    constexpr int step = PosterRow::cardSize.width() + PosterRow::gap;
+    constexpr QRect screen(step, 0, 2 * step - PosterRow::gap, PosterRow::cardSize.height());
+    constexpr double scale = 0.68;
+    constexpr QPoint corner(20, 50);
+    const auto decideAndLoad = [] {
+        QCoreApplication::processEvents();
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
+    };
+
+    QList<QUrl> files;
+    for (const char *name : {"balloon", "dam", "forest", "icebreaker", "balloon"})
+        files.append(QUrl::fromLocalFile(posterFile(name)));
+    InstalledTracker tracker;
+    PosterRow row(tracker, screen, files);
+    decideAndLoad();
+    row.scrollTo(step);
+    decideAndLoad();
+
+    QPainter &painter = canvas.painter();
+    painter.save();
+    painter.translate(corner);
+    painter.scale(scale, scale);
+    row.paint(painter);
+    painter.restore();
+
+    const auto shown = [&](const QRect &rect) {
+        return QRectF(corner + QPointF(rect.topLeft()) * scale, QSizeF(rect.size()) * scale);
+    };
+    for (const ovelin::ResourceInfo &resource : tracker.resources()) {
+        const State &state = *resource.ownerState;
+        const QRectF place = shown(state.geometry);
+        canvas.frame(place);
+        canvas.label(place.bottomLeft() + QPointF(0, 22),
+                     state.status == State::CreationAllowed  ? "CreationAllowed"
+                     : state.status == State::CreationDenied ? "CreationDenied"
+                                                             : "Cleared");
+    }
+    canvas.label({shown(screen).left(), 28}, "the screen, after scrollTo(212)");
+    painter.setPen(QPen(QColor(colours::accent), 3));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(shown(screen).adjusted(-5, -5, 5, 5));
 }
 
 void drawLog(Canvas &canvas)

@@ -92,6 +92,8 @@ private Q_SLOTS:
     void memoryBudget();
     void posterRow();
     void posterRowWithoutATracker();
+    void memoryIsReleasedFirst();
+    void decisionAllowsOwnersToLeave_data();
     void decisionAllowsOwnersToLeave();
 };
 
@@ -342,10 +344,15 @@ void tst_Recipes::posterRow()
 
     // The first card leaves the screen, the third one enters it.
     row.scrollTo(212);
-    QVERIFY(QTest::qWaitFor([&] { return statuses() == QList({cleared, allowed, allowed, denied}); }));
+    QVERIFY(
+        QTest::qWaitFor([&] { return statuses() == QList({cleared, allowed, allowed, denied}); }));
     QVERIFY(QTest::qWaitFor([&] { return redAt() == QList<int>{0, 200, 212, 400}; }));
     row.scrollTo(0);
-    QVERIFY(QTest::qWaitFor([&] { return statuses() == QList({allowed, allowed, cleared, denied}); }));
+    QVERIFY(
+        QTest::qWaitFor([&] { return statuses() == QList({allowed, allowed, cleared, denied}); }));
+
+    const Item late({500, 0, 100, 100});
+    QVERIFY(QTest::qWaitFor([&] { return late.status() == denied; }));
 }
 
 void tst_Recipes::posterRowWithoutATracker()
@@ -358,36 +365,75 @@ void tst_Recipes::posterRowWithoutATracker()
     QVERIFY(isBlank(image, image.rect()));
 }
 
-void tst_Recipes::decisionAllowsOwnersToLeave()
+void tst_Recipes::memoryIsReleasedFirst()
 {
-    class Leaving : public Item
+    class Recorded : public Item
     {
     public:
-        Leaving(std::array<std::unique_ptr<Item>, 2> &items)
+        Recorded(const QRect &geometry, QStringList &calls)
+            : Item(geometry)
+            , m_calls(calls)
+        {
+        }
+
+        void allowResources() override { m_calls += "allow"; }
+        void releaseResources() override { m_calls += "release"; }
+
+    private:
+        QStringList &m_calls;
+    };
+
+    InstalledTracker tracker;
+    QStringList calls;
+    const Recorded left({0, 0, 10, 10}, calls);
+    const Recorded right({100, 0, 10, 10}, calls);
+    allowOnScreen(tracker, {0, 0, 50, 50});
+    allowOnScreen(tracker, {100, 0, 50, 50});
+    allowOnScreen(tracker, {100, 0, 50, 50});
+    QCOMPARE(calls, QStringList({"allow", "release", "allow"}));
+}
+
+void tst_Recipes::decisionAllowsOwnersToLeave_data()
+{
+    QTest::addColumn<bool>("returns");
+    QTest::addColumn<std::size_t>("ownersLeft");
+
+    QTest::newRow("for good") << false << std::size_t(1);
+    QTest::newRow("and to return with a new state") << true << std::size_t(2);
+}
+
+void tst_Recipes::decisionAllowsOwnersToLeave()
+{
+    // Removes the other item when it is allowed.
+    class Jealous : public Item
+    {
+    public:
+        explicit Jealous(std::array<Jealous, 2> &items)
             : Item({0, 0, 10, 10})
             , m_items(items)
         {
         }
 
-        // Removes the other item.
         void allowResources() override
         {
-            for (auto &item : m_items) {
-                if (item.get() != this)
-                    item.reset();
-            }
+            Item::allowResources();
+            QFETCH(const bool, returns);
+            Jealous &other = m_items[this == &m_items[0] ? 1 : 0];
+            other.unregisterResources();
+            if (returns)
+                other.registerResource(1, "item", ovelin::ResourceInfo::PaintedItem);
         }
 
     private:
-        std::array<std::unique_ptr<Item>, 2> &m_items;
+        std::array<Jealous, 2> &m_items;
     };
 
+    QFETCH(const std::size_t, ownersLeft);
     InstalledTracker tracker;
-    std::array<std::unique_ptr<Item>, 2> items;
-    for (auto &item : items)
-        item = std::make_unique<Leaving>(items);
+    std::array<Jealous, 2> items{Jealous(items), Jealous(items)};
     allowOnScreen(tracker, {0, 0, 100, 100});
-    QCOMPARE(tracker.owners().size(), std::size_t(1));
+    QCOMPARE(tracker.owners().size(), ownersLeft);
+    QVERIFY(items[0].holds != items[1].holds);
 }
 
 QTEST_MAIN(tst_Recipes)

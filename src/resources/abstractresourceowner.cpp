@@ -55,6 +55,10 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
     answers whether the item may hold its resources. The item implements resourceOwnerObject(),
     allowResources() and releaseResources(). Owners cannot be copied.
 
+    allowResources() is not called again when an owner that is allowed registers another resource.
+    Neither does unregistering call releaseResources(). The owner creates and drops these resources
+    itself.
+
     \since Ovelin 1.0
     \sa SceneResourceTracker
 */
@@ -115,6 +119,8 @@ bool AbstractResourceOwner::registerResource(int id, const QString &name, Resour
     Unregisters the resource \a id. The item leaves the tracker with its last resource. Does nothing
     if no tracker is installed or nothing is registered. A tracker never blocks this. Emits what
     SceneResourceTracker::unregisterResource() emits.
+
+    Does not call releaseResources(): the item drops the resource itself.
 */
 void AbstractResourceOwner::unregisterResource(int id)
 {
@@ -136,6 +142,8 @@ void AbstractResourceOwner::unregisterResource(int id)
     Unregisters all resources: the item leaves the tracker. Does nothing if no tracker is installed
     or nothing is registered. A tracker never blocks this. Emits what
     SceneResourceTracker::unregisterResources() emits.
+
+    Does not call releaseResources(): the item drops its resources itself.
 */
 void AbstractResourceOwner::unregisterResources()
 {

@@ -70,8 +70,8 @@ IResourceOwner::~IResourceOwner() = default;
 
     \value CreationRequested The owner waits for a decision. The tracker sets no other status.
     \value CreationAllowed   The owner may hold its resources.
-    \value CreationDenied    The owner may not create its resources.
-    \value Cleared           The owner had to release its resources.
+    \value CreationDenied    The owner asked, and may not create its resources.
+    \value Cleared           The owner held its resources, and had to release them.
     \value Ignored           The application leaves the owner alone: it may hold its resources.
 */
 
@@ -108,8 +108,8 @@ IResourceOwner::~IResourceOwner() = default;
 
 /*!
     \variable ovelin::ResourceOwnerState::geometry
-    \brief The owner's rectangle on the screen in device pixels. The application writes it, and the
-    tracker's messages show it. Initially the null rectangle.
+    \brief The owner's rectangle on the screen in device pixels, initially the null rectangle. The
+    owner or the application writes it. The library only shows it in messages.
 */
 
 /*!

@@ -335,8 +335,9 @@ SceneResourceTracker::SceneResourceTracker(QObject *parent)
 SceneResourceTracker::~SceneResourceTracker() = default;
 
 /*!
-    Returns the owners that have resources in this tracker, each with its state. The reference is
-    valid as long as the tracker exists; registrations and unregistrations change what it refers to.
+    Returns the owners that have resources in this tracker, each with its state, in no order;
+    resources() has an order. The reference is valid as long as the tracker exists; registrations and
+    unregistrations change what it refers to.
 */
 const std::unordered_map<IResourceOwner *, QSharedPointer<ResourceOwnerState>> &
 SceneResourceTracker::owners() const
@@ -414,7 +415,7 @@ QSharedPointer<ResourceOwnerState> SceneResourceTracker::registerResource(IResou
 /*!
     Removes the resource \a id of \a owner. The owner leaves owners() with its last resource, that
     is when ResourceOwnerState::resourceCount becomes 0. Does nothing if the owner has no resource
-    \a id.
+    \a id. Does not call the owner's releaseResources().
 
     Emits, in this order: messagesAdded() if the log is enabled, and resourceOwnerRemoved() if the
     owner left, both while the entry is still in the list; then resourcesChanged() without the
@@ -449,7 +450,8 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
 
 /*!
     Removes all resources of \a owner, and the owner. ResourceOwnerState::resourceCount does not
-    change. An owner that registers again gets a new state.
+    change. An owner that registers again gets a new state. Does not call the owner's
+    releaseResources().
 
     Emits, in this order: messagesAdded() for each resource while it is still in the list, if the
     log is enabled; resourceOwnerRemoved() if the owner was in owners(); resourcesChanged() if a
