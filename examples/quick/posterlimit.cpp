@@ -46,15 +46,16 @@ void PosterLimit::decide()
     for (const StatePointer &state : std::as_const(states)) {
         if (!isListed(*m_tracker, state))
             continue;
-        const bool isAllowed = left-- > 0;
-        const auto status =
-            isAllowed ? ResourceOwnerState::CreationAllowed : ResourceOwnerState::CreationDenied;
-        if (state->status == status)
-            continue;
-        m_tracker->setStatus(state, status);
-        if (isAllowed)
+        const bool fits = left-- > 0;
+        const bool isAllowed = state->status == ResourceOwnerState::CreationAllowed;
+        if (fits && !isAllowed) {
+            m_tracker->setStatus(state, ResourceOwnerState::CreationAllowed);
             m_tracker->allowResources(state);
-        else
+        } else if (!fits && isAllowed) {
+            m_tracker->setStatus(state, ResourceOwnerState::Cleared);
             m_tracker->releaseResources(state);
+        } else if (!fits && state->status == ResourceOwnerState::CreationRequested) {
+            m_tracker->setStatus(state, ResourceOwnerState::CreationDenied);
+        }
     }
 }

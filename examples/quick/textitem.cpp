@@ -10,6 +10,7 @@
 
 namespace {
 
+//! [natural width]
 // Returns the width that the longest paragraph needs on one line, in device pixels.
 int naturalWidth(const ovelin::TextRenderer &renderer)
 {
@@ -22,6 +23,7 @@ int naturalWidth(const ovelin::TextRenderer &renderer)
         width = std::max(width, ovelin::TextRenderer::fineTextWidth(paragraph, metrics));
     return width;
 }
+//! [natural width]
 
 } // namespace
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+//! [create]
 ThrobberItem::ThrobberItem(QQuickItem *parent)
     : QQuickPaintedItem(parent)
 {
@@ -16,6 +17,7 @@ ThrobberItem::ThrobberItem(QQuickItem *parent)
         update();
     });
 }
+//! [create]
 
 //! [throbber]
 void ThrobberItem::turnWhileSeen()

@@ -1,5 +1,6 @@
 #include "installedtracker.h"
 #include "posteritem.h"
+#include "quickowners.h"
 #include "textitem.h"
 #include "throbberitem.h"
 
@@ -15,6 +16,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -173,6 +176,10 @@ private Q_SLOTS:
     void posterWithoutAPictureWarns();
     void posterOutsideOfAWindowKeepsItsPicture();
     void posterWithoutATrackerIsBlank();
+
+    void ownedTextObeysTheDecision();
+    void positionsFollowTheParents();
+    void decisionFollowsTheFrames();
 
     void throbberIsPaintedInTheItem();
     void throbberTurns();
@@ -428,6 +435,7 @@ void tst_Quick::posterObeysTheDecision()
     };
     const auto allowed = ResourceOwnerState::CreationAllowed;
     const auto denied = ResourceOwnerState::CreationDenied;
+    const auto cleared = ResourceOwnerState::Cleared;
     QObject *limit = scene.item->findChild<QObject *>(u"limit"_s);
 
     QVERIFY(show(true, false));
@@ -438,7 +446,7 @@ void tst_Quick::posterObeysTheDecision()
     QCOMPARE(changes.count(), 0);
     limit->setProperty("limit", 0);
     QVERIFY(show(false, false));
-    QCOMPARE(statuses(), QList({denied, denied}));
+    QCOMPARE(statuses(), QList({cleared, cleared}));
 
     // The place of an item that leaves is given to the next one.
     limit->setProperty("limit", 1);
@@ -534,6 +542,78 @@ void tst_Quick::posterWithoutATrackerIsBlank()
     Scene scene(u"Item { PosterLimit { limit: 1 } "
                 "PosterItem { width: 160; height: 90; source: '%1' } }"_s.arg(balloon.toString()));
     QVERIFY(scene.isBlank());
+}
+
+void tst_Quick::ownedTextObeysTheDecision()
+{
+    Scene scene(u"Item { width: 200; height: 40 }"_s);
+    auto *text = new OwnedTextItem;
+    text->setParent(scene.item.get());
+    text->setParentItem(scene.item.get());
+    text->setProperty("text", u"Новости"_s);
+    text->setProperty("font", sampleFont(1));
+    const auto decide = [this](ResourceOwnerState::Status status) {
+        const auto state = m_tracker->resources().front().ownerState;
+        m_tracker->setStatus(state, status);
+        if (status == ResourceOwnerState::CreationAllowed)
+            m_tracker->allowResources(state);
+        else
+            m_tracker->releaseResources(state);
+    };
+    QCOMPARE(m_tracker->resources().front().type, ResourceInfo::PaintedItem);
+    QVERIFY(scene.isBlank());
+
+    decide(ResourceOwnerState::CreationAllowed);
+    const QImage shown = scene.image();
+    QVERIFY(!scene.isBlank());
+    decide(ResourceOwnerState::Cleared);
+    QVERIFY(scene.isBlank());
+    text->setProperty("color", QColor(Qt::red));
+    QVERIFY(scene.isBlank());
+
+    text->setProperty("color", QColor(Qt::black));
+    decide(ResourceOwnerState::CreationAllowed);
+    QCOMPARE(scene.image(), shown);
+    m_tracker->setMessagesEnabled(true);
+    delete text;
+    QVERIFY(m_tracker->owners().empty());
+    QCOMPARE(m_tracker->messages().constLast().className, u"OwnedTextItem"_s);
+    QVERIFY(scene.isBlank());
+}
+
+void tst_Quick::positionsFollowTheParents()
+{
+    const Scene scene(
+        u"Item { x: 10; Item { objectName: 'row'; y: 5; "
+        "PosterItem { x: 20; width: 100; height: 90; source: '%1' } } }"_s.arg(balloon.toString()));
+    const auto state = m_tracker->resources().front().ownerState;
+    readPositions(*m_tracker);
+    QCOMPARE(state->geometry, QRect(30, 5, 100, 90));
+    scene.item->findChild<QQuickItem *>(u"row"_s)->setX(-200);
+    readPositions(*m_tracker);
+    QCOMPARE(state->geometry, QRect(-170, 5, 100, 90));
+}
+
+// Shows that the signal is emitted in the GUI thread, and that an item that moves leads to a frame.
+void tst_Quick::decisionFollowsTheFrames()
+{
+    const Scene scene(
+        u"Item { PosterItem { width: 100; height: 90; source: '%1' } }"_s.arg(balloon.toString()));
+    const auto state = m_tracker->resources().front().ownerState;
+    QTimer decision;
+    decision.setSingleShot(true);
+    decision.setInterval(0);
+    connect(&decision, &QTimer::timeout, this, [this] { readPositions(*m_tracker); });
+    connect(
+        &scene.window, &QQuickWindow::afterAnimating, &decision,
+        [&decision] {
+            if (QThread::currentThread() == qApp->thread())
+                decision.start();
+        },
+        Qt::DirectConnection);
+
+    scene.item->setX(40);
+    QVERIFY(QTest::qWaitFor([&state] { return state->geometry == QRect(40, 0, 100, 90); }));
 }
 
 void tst_Quick::throbberIsPaintedInTheItem()
