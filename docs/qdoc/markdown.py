@@ -10,6 +10,11 @@ import sys
 from pathlib import Path
 
 PAGES = {"CHANGELOG.md": "changes"}
+BRIEFS = {
+    "box.html": "The costs of the library on the device, and their budgets.",
+    "changes.html": "What each version changed.",
+    "performance.html": "The speed of the library against that of Qt.",
+}
 
 
 def inline(text):
@@ -54,7 +59,8 @@ class Page:
         title = self.lines.pop(0)
         if not title.startswith("# "):
             sys.exit(f"{self.name}: the first line is no heading")
-        self.out += ["/*!", f"\\page {self.name}", f"\\title {title[2:]}", r"\ingroup background"]
+        self.out += ["/*!", f"\\page {self.name}", f"\\title {title[2:]}"]
+        self.out += [f"\\brief {BRIEFS[self.name]}", r"\ingroup background"]
         while self.lines:
             self.block()
         self.out.append("*/")

@@ -62,6 +62,7 @@ int main(int argc, char *argv[])
     font.setPixelSize(22);
     ovelin::TextRenderer description;
     description.setTextFont(font);
+    description.setTextFormat(Qt::PlainText); // does not read the text as markup
     description.setTextWidth(300);
     description.setMaxLineCount(4);
     description.setText("Путешествие на воздушном шаре: четыре исследователя поднимаются над "
@@ -84,6 +85,5 @@ int main(int argc, char *argv[])
     std::printf("card.png: %zu resource, %s, %s\n", tracker.resources().size(),
                 poster.isResourcesAllowed() ? "allowed" : "not allowed",
                 description.isTextElided() ? "text elided" : "text complete");
-    poster.unregisterResources();
     ovelin::setSceneResourceTracker(nullptr);
 }
