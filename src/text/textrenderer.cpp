@@ -211,18 +211,22 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
 
     \section1 The lines
 
-    A text breaks at a space, at a line separator, and at a hyphen that no digit follows, which then
-    begins the new line. With a maxLineCount() of 2 or more, newlines in the text become line
-    separators (U+2028), and stay so. A word that does not fit at the end of a line is hyphenated, if
-    hyphenationEnabled(), by rules made for Russian. Where these find no place, a word of nine
-    characters or more, its separator counted, or one that fits on no line, is split without a hyphen
-    so that at least five characters, the separator counted, go to the next line. A word whose places
-    all leave too much on the line moves as a whole. On the last line allowed the text is cut with an
-    ellipsis, and spaces and punctuation before the ellipsis are dropped. No line begins inside a
-    surrogate pair. With a line limit of 0 or less nothing is split or elided.
+    A line can end at a space, at a line separator (U+2028), and before a hyphen that no digit follows;
+    the hyphen then begins the next line. With a maxLineCount() of 2 or more the newlines in the text
+    become line separators, and stay so.
 
-    Every layout ends: a word that fits on no line and cannot be split is cut at the line limit,
-    however large, or, where there is none, stands on its line as if it fitted.
+    With hyphenationEnabled(), a word that does not fit at the end of a line is hyphenated by rules made
+    for Russian. If all its hyphenation points leave too much on the line, the word moves as a whole. A
+    word without hyphenation points is split without a hyphen if it has nine characters or more, its
+    separator counted, or if it fits on no line. At least five characters, the separator counted, then
+    go to the next line.
+
+    On the last line allowed the text is cut with an ellipsis, and spaces and punctuation before the
+    ellipsis are dropped. No line begins inside a surrogate pair. With a line limit of 0 or less nothing
+    is split or elided.
+
+    Every layout ends. A word that fits on no line and cannot be split is cut at the line limit, however
+    large that is. Without a line limit the word stands on its line as if it fitted.
 
     A renderer is a value: it can be copied, and copies are independent. It cannot be assigned. For the
     GUI thread.
@@ -442,14 +446,16 @@ int TextRenderer::maxLineCount() const
 }
 
 /*!
-    Sets the maximal number of lines to \a count; does nothing when it is the same. With 0 or less
-    there is no limit, and no word is hyphenated or split. INT_MAX gives as many lines as the text
-    needs, with hyphenation; a word that fits on no line and cannot be split cuts the text there. A text
-    is cut where the last line allowed would be exceeded; if a paragraph ends just there, after a word
-    that had to move, it is cut by the length of the line before, and Qt may wrap the rest once more.
+    Sets the maximal number of lines to \a count; does nothing when it is the same. A text that needs
+    more lines is cut on the last one.
 
-    From 2 on the newlines in the text become line separators; a lower limit set later does not turn
-    them back.
+    With 0 or less there is no limit, and no word is hyphenated or split. INT_MAX gives as many lines
+    as the text needs, with hyphenation; a word that fits on no line and cannot be split cuts the text
+    there.
+
+    From 2 on the newlines in the text become line separators, and a lower limit set later does not
+    turn them back. A paragraph whose last word moves to the next line counts one line more than it
+    shows: such a text can be cut early, and it can show more lines than \a count.
 */
 void TextRenderer::setMaxLineCount(int count)
 {
@@ -460,7 +466,7 @@ void TextRenderer::setMaxLineCount(int count)
 }
 
 /*!
-    Returns whether words are hyphenated; initially true.
+    Returns true if words are hyphenated; initially true.
 */
 bool TextRenderer::hyphenationEnabled() const
 {
@@ -469,7 +475,8 @@ bool TextRenderer::hyphenationEnabled() const
 
 /*!
     Sets whether words are hyphenated at the end of a line to \a enabled; does nothing when it is the
-    same. A word that fits on no line is hyphenated or split even if not.
+    same. A word that begins its line and does not fit there is hyphenated or split also if \a enabled
+    is false.
 */
 void TextRenderer::setHyphenationEnabled(bool enabled)
 {
@@ -511,7 +518,7 @@ QPoint TextRenderer::alignedTextTopLeft() const
 }
 
 /*!
-    Returns whether there is a text, and a font with a size in pixels.
+    Returns true if there is a text, and a font with a size in pixels.
 */
 bool TextRenderer::isValid() const
 {
@@ -519,7 +526,7 @@ bool TextRenderer::isValid() const
 }
 
 /*!
-    Returns whether the layout is out of date; false for a new renderer.
+    Returns true if the layout is out of date; false for a new renderer.
 */
 bool TextRenderer::isNeedRelayout() const
 {
@@ -527,8 +534,8 @@ bool TextRenderer::isNeedRelayout() const
 }
 
 /*!
-    Returns whether the last layout cut the text with an ellipsis. A layout without a width, or of rich
-    text, leaves the answer as it was.
+    Returns true if the last layout that broke lines cut the text with an ellipsis. A layout without a
+    width, or of rich text, breaks none and does not change this.
 */
 bool TextRenderer::isTextElided() const
 {
@@ -572,8 +579,8 @@ void TextRenderer::move(const QPoint &topLeft)
 }
 
 /*!
-    Lays the text out, if that is needed. A renderer that is not valid stays as it is, and goes on
-    needing it.
+    Lays the text out if isNeedRelayout() is true. If the renderer is not valid, this does nothing, and
+    isNeedRelayout() stays true.
 */
 void TextRenderer::relayout()
 {
