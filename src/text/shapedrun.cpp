@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace ovelin {
 
@@ -36,7 +37,8 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of its script, or of the script of
 // the first mark. Within the run they can have a letter of another script before them.
 constexpr double foreignSignInEms = 2;
-constexpr double qtUnit = 1.0 / 64; // Qt rounds advances to multiples of it
+// In pixels. Some fonts give two glyphs greater advances, which only add up in Qt's sums of 32 bits.
+constexpr double greatestGlyphAdvance = 1 << 20;
 
 double scaledEm(const QFont &font)
 {
@@ -184,7 +186,8 @@ bool ShapedRun::beginsFreely(qsizetype position) const
 bool ShapedRun::hasOwnAdvance(qsizetype position) const
 {
     const QChar c = m_text.at(position - m_begin);
-    if (c.isMark()) // may get a dotted circle to stand on
+    // A mark may get a dotted circle to stand on, and not each space has word spacing.
+    if (c.isMark() || (c.isSpace() && m_font->wordSpacing != 0))
         return false;
     const double alone = m_font->metrics.horizontalAdvance(c) + m_font->letterSpacing;
     return std::abs(advance(position, position + 1) - alone) <= qtUnit;
@@ -221,8 +224,9 @@ void ShapedRun::addItem(const QStackTextEngine &engine, int index)
 
 void ShapedRun::addTab(const QStackTextEngine &engine, int index, Position *begin)
 {
-    const QFixed left = QFixed::fromReal(begin->advance);
-    begin[1] = {.advance = begin->advance + engine.calculateTabWidth(index, left).toReal(),
+    const auto left = QFixed::fromFixed(static_cast<int>(begin->advance));
+    const QFixed tab = engine.calculateTabWidth(index, left);
+    begin[1] = {.advance = begin->advance + static_cast<quint32>(tab.value()),
                 .tolerance = begin->tolerance + tabStopDistance,
                 .endTolerance = m_font->kernedEnd};
 }
@@ -237,21 +241,25 @@ void ShapedRun::addCharacters(const QStackTextEngine &engine, int index, Positio
     const bool joins = !standsSideBySide(QChar::Script(item.analysis.script));
     const auto isSpace = [this](qsizetype at) { return m_text.at(at).isSpace(); };
 
-    double advance = begin->advance;
     for (int i = 0; i < length; ++i) {
+        quint32 advance = 0;
         const bool isLast = i + 1 == length;
         const int nextGlyph = isLast ? glyphs.numGlyphs : clusters[i + 1];
         for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
-            advance += glyphs.effectiveAdvance(glyph).toReal();
+            advance += static_cast<quint32>(glyphs.effectiveAdvance(glyph).value());
+
+        m_hasNegativeAdvance = m_hasNegativeAdvance || inPixels(advance) < 0;
 
         const qsizetype character = item.position + i;
         const bool isJoined = !isLast
                               && (clusters[i + 1] == clusters[i]
                                   || (joins && !isSpace(character) && !isSpace(character + 1)));
         begin[i].script = item.analysis.script;
-        begin[i + 1] = {.advance = advance,
+        begin[i + 1] = {.advance = begin[i].advance + advance,
                         .tolerance = begin[i].tolerance + characterTolerance(character),
                         .endTolerance = isJoined ? m_font->joinedEnd : m_font->kernedEnd};
+        if (std::abs(inPixels(advance)) > greatestGlyphAdvance)
+            begin[i + 1].endTolerance = std::numeric_limits<double>::infinity();
     }
 }
 
@@ -274,9 +282,9 @@ double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
     const qsizetype signs = letter - from;
     if (signs == 0)
         return 0;
-    int ownScript = QChar::script(characterAt(m_text, from - m_begin));
-    if (ownScript <= QChar::Script_Common)
-        ownScript = letter < to ? at(letter).script : QChar::Script_Common;
+    int ownScript = QChar::Script_Common;
+    for (qsizetype i = from; i < to && ownScript <= QChar::Script_Common; ++i)
+        ownScript = QChar::script(characterAt(m_text, i - m_begin));
     return at(from).script == ownScript ? 0 : double(signs) * m_font->foreignSign;
 }
 

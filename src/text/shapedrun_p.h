@@ -26,6 +26,9 @@ struct Reading
 // read.
 constexpr qsizetype longestPiece = 4096;
 
+// In pixels. Qt counts advances in multiples of it.
+constexpr double qtUnit = 1.0 / 64;
+
 // In pixels. A tab reaches up to the next multiple from the beginning of the range.
 constexpr double tabStopDistance = 80;
 
@@ -72,7 +75,10 @@ public:
         return from >= m_begin && from <= m_lastBegin && to <= end();
     }
 
-    double advance(qsizetype from, qsizetype to) const { return at(to).advance - at(from).advance; }
+    double advance(qsizetype from, qsizetype to) const
+    {
+        return inPixels(at(to).advance - at(from).advance);
+    }
     Reading read(qsizetype from, qsizetype to) const;
 
     // The same with less tolerance at an end whose character is not kerned. This costs a look at the font.
@@ -90,17 +96,22 @@ public:
     // must begin freely.
     bool isExact(qsizetype from, qsizetype to) const;
 
+    // True if a character of the run moves the next one back.
+    bool hasNegativeAdvance() const { return m_hasNegativeAdvance; }
+
     // True if no characters of the range join, stack or share a glyph.
     bool hasSeparateGlyphs(qsizetype from, qsizetype to) const;
 
 private:
     struct Position
     {
-        double advance = 0;
+        quint32 advance = 0; // in multiples of qtUnit; it wraps as Qt's sums do
         double tolerance = 0;
         double endTolerance = 0; // of a range that begins or ends here
         int script = 0;          // of the character behind the position, as it was shaped
     };
+
+    static double inPixels(quint32 advance) { return static_cast<qint32>(advance) * qtUnit; }
 
     // Adds the advances and tolerances of an item of Qt's engine to the sums.
     void addItem(const QStackTextEngine &engine, int index);
@@ -119,6 +130,7 @@ private:
     qsizetype m_lastBegin = -1;    // the last position at which a range that can be read begins
     qsizetype m_firstLetter = 0;   // the end of the run if it has none
     bool m_mayScriptFollow = true; // behind the run
+    bool m_hasNegativeAdvance = false;
     std::vector<Position> m_positions;
     const RunFont *m_font = nullptr;
 };

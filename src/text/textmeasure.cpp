@@ -28,9 +28,9 @@ constexpr int usualLines = 16;
 // together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
-// A comparison that is made to check the font has at most this many characters. They are enough, because a
-// wrong reading comes from the ends of a range.
-constexpr qsizetype longestCheck = 8;
+// A comparison that is made to check the font has a word, of at most this many characters. They are enough,
+// because a wrong reading comes from the ends of a range.
+constexpr qsizetype longestCheck = 16;
 
 // The cut of an elided line is looked for in this many characters before the one that overflows, and in this
 // many from it on. An ellipsis is as wide as one to four of them.
@@ -76,6 +76,20 @@ bool isSpecialInElision(QChar c)
            || (c >= u'\u2060' && c <= u'\u206f') || c == u'\u061c' || c == endOfMeasuredText;
 }
 
+bool isBehindLetter(QStringView text, qsizetype position)
+{
+    return position > 0 && text.at(position - 1).isLetterOrNumber();
+}
+
+// Returns the position of the first space behind a letter or a digit, or -1.
+qsizetype firstSpaceBehindLetter(QStringView text, qsizetype from)
+{
+    qsizetype space = text.indexOf(u' ', from);
+    while (space >= 0 && !isBehindLetter(text, space))
+        space = text.indexOf(u' ', space + 1);
+    return space;
+}
+
 } // namespace
 
 QChar SourceText::at(qsizetype position) const
@@ -101,9 +115,9 @@ TextMeasure::TextMeasure(const SourceText &text, const QFont &font, double lineW
     : m_text(text)
     , m_font(font)
     , m_lineWidth(lineWidth)
-    , m_charactersTakeRoom(charactersTakeRoom(font))
     , m_longestRunSize(method == Method::MeasureAll ? 0 : longestRunSize(m_font))
     , m_usualRunSize(usualRunSize(font, lineWidth, maxLineCount, text.size()))
+    , m_charactersTakeRoom(charactersTakeRoom(font))
 {
 }
 
@@ -143,6 +157,7 @@ bool TextMeasure::shape(qsizetype from, qsizetype size)
     const bool readsMore = !characters.isEmpty() && !m_run.covers(from, from + characters.size());
     if (readsMore) {
         m_run = ShapedRun(characters.toString(), from, m_font, rest.sliced(characters.size()));
+        m_charactersTakeRoom = m_charactersTakeRoom && !m_run.hasNegativeAdvance();
         noteWholeAdvance();
     }
     return readsMore;
@@ -182,21 +197,27 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     const double advance = measure(from, to);
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
-    if (m_text.at(to) == u' ' && to < m_run.end())
+    // A tolerance for the other end could hide what the font does at the space.
+    const bool isClose = reading.tolerance <= m_font.kernedEnd + m_font.freeEnd;
+    if (isClose && m_text.at(to) == u' ' && to < m_run.end()
+        && isBehindLetter(m_text.withoutLastSpace(), to))
         m_isComparedAtSpace = true;
     return advance;
 }
 
-// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range ends
-// before a space that the run contains.
+// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range is a
+// word before a space that the run contains.
 bool TextMeasure::findsWrongReading()
 {
     const QStringView text = m_text.withoutLastSpace();
-    qsizetype space = text.indexOf(u' ', m_run.begin() + 1);
+    qsizetype space = firstSpaceBehindLetter(text, m_run.begin() + 1);
+    if (space < 0)
+        space = firstSpaceBehindLetter(text, 0);
     if (space < 0)
         space = text.lastIndexOf(u' ');
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
-    const qsizetype from = std::max(begin, space - longestCheck);
+    const qsizetype word = text.first(std::max<qsizetype>(0, space)).lastIndexOf(u' ') + 1;
+    const qsizetype from = std::max({begin, word, space - longestCheck});
     const bool canBeChecked = space > from && space - from < m_longestRunSize;
     if (!m_isComparedAtSpace && canBeChecked) {
         if (!m_run.covers(from, space + 1))
@@ -238,7 +259,9 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     while (first > from && !m_run.beginsFreely(first))
         --first;
     const qsizetype last = std::min(end, overflow + charactersFromOverflow);
-    if (overflow == end || !m_run.hasSeparateGlyphs(first, last) || !m_run.isExact(from, last))
+    const bool isExact = m_run.hasSeparateGlyphs(first, last) && m_run.isExact(first, last)
+                         && m_run.isExact(from, last);
+    if (overflow == end || !isExact)
         return std::nullopt;
     // The space behind the text is in no run; with it the line may fit.
     const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();

@@ -81,10 +81,10 @@ private:
     const SourceText &m_text;
     const RunFont m_font;
     const double m_lineWidth;
-    const bool m_charactersTakeRoom;  // no spacing makes an advance negative
     const qsizetype m_longestRunSize; // in characters; 0 if nothing is read
     const qsizetype m_usualRunSize;   // in characters
 
+    bool m_charactersTakeRoom; // no advance is negative, as far as is known
     ShapedRun m_run;
     std::optional<double> m_wholeAdvance;
     bool m_isComparedAtSpace = false;

@@ -220,6 +220,7 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
     row("a mirrored sign", u"xа∈бx"_s, 1, 4, 0.05 + 2 + 0.05);
     row("a regional indicator", u"xа\U0001F1F7бx"_s, 1, 5, 0.05 + 2 + 0.05);
     row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
+    row("a mark of another script behind signs", u"τ12\u093c/τx"_s, 1, 6, 0.05 + 4 * 2 + 0.05);
     row("signs before the script of the run", u"a—…kx"_s, 1, 4, 0.05 + 0.05);
     row("capital first letters", u"xабвx"_s, 1, 4, 0.05 + 1 + 0.05 + 1,
         capitalizedFont(QFont::Capitalize));
@@ -394,6 +395,8 @@ void tst_ShapedRun::beginsFreely_data()
     };
     row("the beginning of the run", u"AV"_s, 0, true);
     row("a letter", u"xан"_s, 1, true);
+    row("a space", u"x н"_s, 1, true);
+    row("a space with word spacing", u"元 2"_s, 1, false, fontWithWordSpacing(30));
     row("the last letter", u"xан"_s, 2, true);
     row("a kerned letter", u"xAVx"_s, 1, false);
     row("behind a kerned letter", u"xAVx"_s, 2, true);

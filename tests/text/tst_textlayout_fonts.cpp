@@ -201,6 +201,15 @@ QList<FontOfScripts> fonts()
     };
 }
 
+QString packageOf(QByteArrayView family)
+{
+    for (const FontOfScripts &font : fonts()) {
+        if (font.family == family)
+            return QString::fromLatin1(font.package);
+    }
+    return {};
+}
+
 void addRows()
 {
     QTest::addColumn<QString>("family");
@@ -251,6 +260,8 @@ private Q_SLOTS:
     void agreesWithThePlainFormulation();
     void agreesInBoxesThatAPrefixJustFits_data();
     void agreesInBoxesThatAPrefixJustFits();
+    void agreesOnTextsThatWereWrong_data();
+    void agreesOnTextsThatWereWrong();
 };
 
 void tst_TextLayoutFonts::initTestCase()
@@ -332,6 +343,48 @@ void tst_TextLayoutFonts::agreesInBoxesThatAPrefixJustFits()
         }
     }
     verifyVariety(counts);
+}
+
+void tst_TextLayoutFonts::agreesOnTextsThatWereWrong_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QString>("package");
+    QTest::addColumn<Script>("script");
+    QTest::addColumn<ReferenceInput>("input");
+
+    const auto row = [](const char *name, const char *family, Script script, int pixelSize,
+                        double letterSpacing, double wordSpacing, const QString &text, int width,
+                        int lines) {
+        ReferenceInput input;
+        input.text = text;
+        input.font = QFont(QString::fromLatin1(family));
+        input.font.setPixelSize(pixelSize);
+        input.font.setLetterSpacing(QFont::AbsoluteSpacing, letterSpacing);
+        input.font.setWordSpacing(wordSpacing);
+        input.maxLineCount = lines;
+        input.textWidth = width;
+        input.format = Qt::PlainText;
+        QTest::newRow(name) << input.font.family() << packageOf(family) << script << input;
+    };
+    row("two glyphs whose advances add up", "Awami Nastaliq", Script::Arabic, 24, -1, 0,
+        u"قاراشا\u0308\u200d word  "_s, 43, 2);
+    row("a mark behind digits", "EB Garamond", Script::Greek, 31, 1, 9,
+        u"Τετάρτη 18 Σεπτεμβ מילה ρίου \n2024\u093c/Τετάρτη 12 Ιουνίου 2024, Τετάρτη 18 "
+        u"Σεπτεμβρίου "
+        u"2024\n"_s,
+        719, 2);
+    row("a space without word spacing", "WenQuanYi Micro Hei", Script::Chinese, 30, 0, 9,
+        u"港元 2024年7月14日 星期日 中國澳門特別行政區"_s, 152, 1);
+    row("digits that are kerned in their script", "Amiri", Script::Latin, 33, 0.296875, 0,
+        u"srijeda, 12. juni 2024. 2024 ođđajagemánnu 2"_s, 354, 1);
+    row("a mark behind a sign", "WenQuanYi Micro Hei", Script::Japanese, 44, 0, 0,
+        u"日\u0301本√\u0902語5,5»\n木曜日"_s, 105, 3);
+}
+
+void tst_TextLayoutFonts::agreesOnTextsThatWereWrong()
+{
+    QFETCH(ReferenceInput, input);
+    compareLayout(input);
 }
 
 QTEST_MAIN(tst_TextLayoutFonts)

@@ -399,6 +399,7 @@ void tst_TextMeasure::elidesAsQtDoes_data()
     row("letter spacing 150 %", u"Документальный"_s, spacedFont(QFont::PercentageSpacing, 150));
     row("word spacing 30", u"и в и на и"_s, fontWithWordSpacing(30));
     row("word spacing -30", u"и в и на и"_s, fontWithWordSpacing(-30));
+    row("word spacing 30 in Chinese", u"港元 2024年7月14日 星期日"_s, fontWithWordSpacing(30));
     row("capitals", u"новости дня и ночи, погода"_s, capitalizedFont(QFont::AllUppercase));
     row("small capitals", u"Новости дня и ночи, погода"_s, capitalizedFont(QFont::SmallCaps));
     row("capital first letters", u"новости дня и ночи, погода"_s,
