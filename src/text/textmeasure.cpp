@@ -28,8 +28,8 @@ constexpr int usualLines = 16;
 // together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
-// A comparison that is made to check the font has a word, of at most this many characters. They are enough,
-// because a wrong reading comes from the ends of a range.
+// A comparison that is made to check the font has at most this many characters. They are enough, because a
+// wrong reading comes from the ends of a range.
 constexpr qsizetype longestCheck = 16;
 
 // The cut of an elided line is looked for in this many characters before the one that overflows, and in this
@@ -205,8 +205,8 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     return advance;
 }
 
-// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range is a
-// word before a space that the run contains.
+// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range ends
+// between a letter and a space.
 bool TextMeasure::findsWrongReading()
 {
     const QStringView text = m_text.withoutLastSpace();
@@ -216,8 +216,9 @@ bool TextMeasure::findsWrongReading()
     if (space < 0)
         space = text.lastIndexOf(u' ');
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
-    const qsizetype word = text.first(std::max<qsizetype>(0, space)).lastIndexOf(u' ') + 1;
-    const qsizetype from = std::max({begin, word, space - longestCheck});
+    qsizetype from = std::max(begin, space - longestCheck);
+    if (from > begin) // the tolerance is smaller where a word begins
+        from += text.sliced(from, space - from).indexOf(u' ') + 1;
     const bool canBeChecked = space > from && space - from < m_longestRunSize;
     if (!m_isComparedAtSpace && canBeChecked) {
         if (!m_run.covers(from, space + 1))
@@ -242,7 +243,7 @@ TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
 std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype from, qsizetype to)
 {
     const QStringView line = QStringView(m_text.withoutLastSpace()).mid(from, to - from);
-    const bool isPlain = m_charactersTakeRoom && m_font.font.capitalization() == QFont::MixedCase
+    const bool isPlain = m_font.font.capitalization() == QFont::MixedCase
                          && std::ranges::none_of(line, isSpecialInElision);
     if (!isPlain || m_longestRunSize == 0)
         return std::nullopt;
@@ -259,8 +260,8 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     while (first > from && !m_run.beginsFreely(first))
         --first;
     const qsizetype last = std::min(end, overflow + charactersFromOverflow);
-    const bool isExact = m_run.hasSeparateGlyphs(first, last) && m_run.isExact(first, last)
-                         && m_run.isExact(from, last);
+    const bool isExact = m_charactersTakeRoom && m_run.hasSeparateGlyphs(first, last)
+                         && m_run.isExact(first, last) && m_run.isExact(from, last);
     if (overflow == end || !isExact)
         return std::nullopt;
     // The space behind the text is in no run; with it the line may fit.

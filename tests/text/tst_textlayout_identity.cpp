@@ -245,6 +245,8 @@ private Q_SLOTS:
     void agreesWithThePlainFormulation();
     void agreesInStronglyKernedFonts_data();
     void agreesInStronglyKernedFonts();
+    void agreesOnTextsInKernedFontsThatWereWrong_data();
+    void agreesOnTextsInKernedFontsThatWereWrong();
     void agreesInLongTextsCutAtAnyLine_data();
     void agreesInLongTextsCutAtAnyLine();
     void agreesInCapitalizedText_data();
@@ -377,6 +379,63 @@ void tst_TextLayoutIdentity::agreesInStronglyKernedFonts()
             if (QTest::currentTestFailed())
                 return;
         }
+    }
+}
+
+void tst_TextLayoutIdentity::agreesOnTextsInKernedFontsThatWereWrong_data()
+{
+    QTest::addColumn<int>("beforeSpace");
+    QTest::addColumn<QFont>("font");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("lines");
+
+    const auto sized = [](int pixelSize, int stretch) {
+        QFont font;
+        font.setPixelSize(pixelSize);
+        font.setStretch(stretch);
+        return font;
+    };
+    const auto spaced = [](QFont font, QFont::SpacingType type, double spacing) {
+        font.setLetterSpacing(type, spacing);
+        return font;
+    };
+    QTest::newRow("compared behind a hyphen")
+        << -1400 << spaced(sized(20, 600), QFont::PercentageSpacing, 400)
+        << QStringLiteral("на на на- выход") << 767 << 2;
+    QTest::newRow("compared in the middle of a word")
+        << 1400 << spaced(sized(20, 100), QFont::PercentageSpacing, 2000)
+        << QStringLiteral("eggs  mmmmmmm gsgsibixgwi mmmmmmm AVAVAV") << 963 << 6;
+    QTest::newRow("a comma moves back")
+        << -1400 << sized(16, 50)
+        << QStringLiteral("xigxbc, wcgsaicxis sbxscgwaicab, sxw the www -gsgsgs") << 13 << 3;
+    QTest::newRow("compared in a word of one letter")
+        << -1400 << spaced(sized(40, 100), QFont::AbsoluteSpacing, -2.5)
+        << QStringLiteral("-\t gsgsgs-Щ, - а - телеканала") << 127 << 3;
+}
+
+void tst_TextLayoutIdentity::agreesOnTextsInKernedFontsThatWereWrong()
+{
+    QFETCH(int, beforeSpace);
+    QFETCH(QFont, font);
+    QFETCH(QString, text);
+    QFETCH(int, width);
+    QFETCH(int, lines);
+
+    const QString family = QStringLiteral("Kerned before spaces by %1").arg(beforeSpace);
+    const int id = QFontDatabase::addApplicationFontFromData(
+        kernedFont(family, Kerning{.beforeSpace = beforeSpace}));
+    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
+    font.setFamily(family);
+
+    ReferenceInput input;
+    input.text = text;
+    input.font = font;
+    input.textWidth = width;
+    input.maxLineCount = lines;
+    for (const bool hyphenationEnabled : {false, true}) {
+        input.hyphenationEnabled = hyphenationEnabled;
+        compare(input);
     }
 }
 
