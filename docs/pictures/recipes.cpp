@@ -222,14 +222,16 @@ void drawOnScreen(Canvas &canvas)
     const auto shown = [&](const QRect &rect) {
         return QRectF(corner + QPointF(rect.topLeft()) * scale, QSizeF(rect.size()) * scale);
     };
+    const QMap<State::Status, QString> names = {
+        {State::CreationAllowed, "CreationAllowed"},
+        {State::CreationDenied, "CreationDenied"},
+        {State::Cleared, "Cleared"},
+    };
     for (const ovelin::ResourceInfo &resource : tracker.resources()) {
         const State &state = *resource.ownerState;
         const QRectF place = shown(state.geometry);
         canvas.frame(place);
-        canvas.label(place.bottomLeft() + QPointF(0, 22),
-                     state.status == State::CreationAllowed  ? "CreationAllowed"
-                     : state.status == State::CreationDenied ? "CreationDenied"
-                                                             : "Cleared");
+        canvas.label(place.bottomLeft() + QPointF(0, 22), names.value(state.status));
     }
     canvas.label({shown(screen).left(), 28}, "the screen, after scrollTo(212)");
     painter.setPen(QPen(QColor(colours::accent), 3));

@@ -71,6 +71,59 @@ public:
     bool holds = false;
 };
 
+constexpr auto allowed = State::CreationAllowed;
+constexpr auto denied = State::CreationDenied;
+constexpr auto cleared = State::Cleared;
+
+// A red picture in a file.
+class RedPoster
+{
+public:
+    RedPoster()
+    {
+        QImage picture(20, 12, QImage::Format_RGB32);
+        picture.fill(Qt::darkRed);
+        picture.save(file());
+    }
+
+    QUrl url() const { return QUrl::fromLocalFile(file()); }
+
+private:
+    QString file() const { return m_folder.filePath("poster.ppm"); }
+
+    QTemporaryDir m_folder;
+};
+
+QList<State::Status> statuses(const ovelin::SceneResourceTracker &tracker)
+{
+    QList<State::Status> result;
+    for (const ovelin::ResourceInfo &resource : tracker.resources())
+        result += resource.ownerState->status;
+    return result;
+}
+
+bool decides(const ovelin::SceneResourceTracker &tracker, const QList<State::Status> &expected)
+{
+    return QTest::qWaitFor([&] { return statuses(tracker) == expected; });
+}
+
+// Waits until red posters begin and end at these places of a line of pixels.
+bool showsPosters(PosterRow &row, const QList<int> &edges)
+{
+    return QTest::qWaitFor([&] {
+        const QImage image = painted([&row](QPainter &painter) { row.paint(painter); });
+        QList<int> found;
+        bool wasRed = false;
+        for (int x = 0; x < image.width(); ++x) {
+            const bool isRed = image.pixelColor(x, 10) == QColor(Qt::darkRed);
+            if (isRed != wasRed)
+                found += x;
+            wasRed = isRed;
+        }
+        return found == edges;
+    });
+}
+
 } // namespace
 
 class tst_Recipes : public QObject
@@ -91,6 +144,7 @@ private Q_SLOTS:
     void logTable();
     void memoryBudget();
     void posterRow();
+    void posterRowScrolls();
     void posterRowWithoutATracker();
     void memoryIsReleasedFirst();
     void decisionAllowsOwnersToLeave_data();
@@ -300,59 +354,39 @@ void tst_Recipes::memoryBudget()
 
 void tst_Recipes::posterRow()
 {
-    const QTemporaryDir folder;
-    const QString file = folder.filePath("poster.ppm");
-    QImage picture(20, 12, QImage::Format_RGB32);
-    picture.fill(Qt::darkRed);
-    QVERIFY(picture.save(file));
     InstalledTracker tracker;
-
-    // Cards of 200 x 112 pixels every 212 pixels; two are on the screen.
-    PosterRow row(tracker, {0, 0, 400, 112}, QList<QUrl>(4, QUrl::fromLocalFile(file)));
+    const RedPoster poster;
+    PosterRow row(tracker, {0, 0, 400, 112}, QList<QUrl>(4, poster.url()));
     const QSignalSpy changed(&row, &PosterRow::changed);
-    const auto statuses = [&tracker] {
-        QList<State::Status> result;
-        for (const ovelin::ResourceInfo &resource : tracker.resources())
-            result += resource.ownerState->status;
-        return result;
-    };
-    const auto redAt = [&row] {
-        const QImage image = painted([&row](QPainter &painter) { row.paint(painter); });
-        QList<int> result;
-        for (int x = 0; x < image.width(); ++x) {
-            const bool isRed = image.pixelColor(x, 10) == QColor(Qt::darkRed);
-            const bool wasRed = x > 0 && image.pixelColor(x - 1, 10) == QColor(Qt::darkRed);
-            if (isRed != wasRed)
-                result += x;
-        }
-        return result;
-    };
-    const auto requested = State::CreationRequested;
-    const auto allowed = State::CreationAllowed;
-    const auto denied = State::CreationDenied;
-    const auto cleared = State::Cleared;
 
     // The decision is made by the event loop.
-    QCOMPARE(statuses(), QList({requested, requested, requested, requested}));
-    QVERIFY(QTest::qWaitFor([&] { return statuses().constFirst() != requested; }));
-    QCOMPARE(statuses(), QList({allowed, allowed, denied, denied}));
+    const auto requested = State::CreationRequested;
+    QCOMPARE(statuses(tracker), QList({requested, requested, requested, requested}));
+    QVERIFY(QTest::qWaitFor([&] { return statuses(tracker).constFirst() != requested; }));
+    QCOMPARE(statuses(tracker), QList({allowed, allowed, denied, denied}));
     QVERIFY(!changed.isEmpty());
     const QImage throbbers = painted([&row](QPainter &painter) { row.paint(painter); });
     QVERIFY(!isBlank(throbbers, {76, 32, 48, 48}));
     QVERIFY(!isBlank(throbbers, {288, 32, 48, 48}));
-    QVERIFY(QTest::qWaitFor([&] { return redAt() == QList<int>{0, 200, 212, 400}; }));
-
-    // The first card leaves the screen, the third one enters it.
-    row.scrollTo(212);
-    QVERIFY(
-        QTest::qWaitFor([&] { return statuses() == QList({cleared, allowed, allowed, denied}); }));
-    QVERIFY(QTest::qWaitFor([&] { return redAt() == QList<int>{0, 200, 212, 400}; }));
-    row.scrollTo(0);
-    QVERIFY(
-        QTest::qWaitFor([&] { return statuses() == QList({allowed, allowed, cleared, denied}); }));
+    QVERIFY(showsPosters(row, {0, 200, 212, 400}));
 
     const Item late({500, 0, 100, 100});
     QVERIFY(QTest::qWaitFor([&] { return late.status() == denied; }));
+}
+
+void tst_Recipes::posterRowScrolls()
+{
+    InstalledTracker tracker;
+    const RedPoster poster;
+    PosterRow row(tracker, {0, 0, 400, 112}, QList<QUrl>(4, poster.url()));
+    QVERIFY(showsPosters(row, {0, 200, 212, 400}));
+
+    // The first card leaves the screen, the third one enters it.
+    row.scrollTo(212);
+    QVERIFY(decides(tracker, {cleared, allowed, allowed, denied}));
+    QVERIFY(showsPosters(row, {0, 200, 212, 400}));
+    row.scrollTo(0);
+    QVERIFY(decides(tracker, {allowed, allowed, cleared, denied}));
 }
 
 void tst_Recipes::posterRowWithoutATracker()
@@ -418,7 +452,7 @@ void tst_Recipes::decisionAllowsOwnersToLeave()
         {
             Item::allowResources();
             QFETCH(const bool, returns);
-            Jealous &other = m_items[this == &m_items[0] ? 1 : 0];
+            Jealous &other = m_items[this == m_items.data() ? 1 : 0];
             other.unregisterResources();
             if (returns)
                 other.registerResource(1, "item", ovelin::ResourceInfo::PaintedItem);

@@ -40,7 +40,7 @@ int main(int argc, char *argv[])
     // Resources: the application decides which items may hold pictures.
     ovelin::SceneResourceTracker tracker;
     ovelin::setSceneResourceTracker(&tracker);
-    Poster poster;
+    const Poster poster;
     const auto owners = tracker.owners(); // a copy: an owner that is told may unregister itself
     for (const auto &[owner, state] : owners) {
         tracker.setStatus(state, ovelin::ResourceOwnerState::CreationAllowed);
