@@ -37,7 +37,8 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of its script, or of the script of
 // the first mark. Within the run they can have a letter of another script before them.
 constexpr double foreignSignInEms = 2;
-// In pixels. Some fonts give two glyphs greater advances, which only add up in Qt's sums of 32 bits.
+// In pixels. A font can give two glyphs huge advances of opposite sign. Only the sum of both is right, and only if
+// it wraps at 32 bits, as Qt's sums do. So a range that ends between the two is always measured.
 constexpr double greatestGlyphAdvance = 1 << 20;
 
 double scaledEm(const QFont &font)
@@ -247,7 +248,6 @@ void ShapedRun::addCharacters(const QStackTextEngine &engine, int index, Positio
         const int nextGlyph = isLast ? glyphs.numGlyphs : clusters[i + 1];
         for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
             advance += static_cast<quint32>(glyphs.effectiveAdvance(glyph).value());
-
         m_hasNegativeAdvance = m_hasNegativeAdvance || inPixels(advance) < 0;
 
         const qsizetype character = item.position + i;

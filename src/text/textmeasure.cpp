@@ -205,9 +205,16 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     return advance;
 }
 
+bool TextMeasure::findsWrongReading()
+{
+    if (!m_isComparedAtSpace)
+        compareAtSpace();
+    return m_isReadWrong;
+}
+
 // A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range ends
 // between a letter and a space.
-bool TextMeasure::findsWrongReading()
+void TextMeasure::compareAtSpace()
 {
     const QStringView text = m_text.withoutLastSpace();
     qsizetype space = firstSpaceBehindLetter(text, m_run.begin() + 1);
@@ -219,13 +226,12 @@ bool TextMeasure::findsWrongReading()
     qsizetype from = std::max(begin, space - longestCheck);
     if (from > begin) // the tolerance is smaller where a word begins
         from += text.sliced(from, space - from).indexOf(u' ') + 1;
-    const bool canBeChecked = space > from && space - from < m_longestRunSize;
-    if (!m_isComparedAtSpace && canBeChecked) {
-        if (!m_run.covers(from, space + 1))
-            m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
-        measureAndCompare(from, space, m_run.readClosely(from, space));
-    }
-    return m_isReadWrong;
+    const bool canBeCompared = space > from && space - from < m_longestRunSize;
+    if (!canBeCompared)
+        return;
+    if (!m_run.covers(from, space + 1))
+        m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
+    measureAndCompare(from, space, m_run.readClosely(from, space));
 }
 
 TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)

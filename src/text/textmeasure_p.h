@@ -76,6 +76,7 @@ private:
     void noteWholeAdvance();
     double measure(qsizetype from, qsizetype to) const;
     double measureAndCompare(qsizetype from, qsizetype to, const Reading &reading);
+    void compareAtSpace();
     std::optional<ElidedLine> elideByReading(qsizetype from, qsizetype to);
 
     const SourceText &m_text;
