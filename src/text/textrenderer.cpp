@@ -125,7 +125,8 @@ void TextRendererPrivate::breakAtLimit()
     const double limit = staticText.textWidth();
     const BrokenText broken = breakText(limit);
     textElided = broken.elided;
-    if (broken.fineWidth) {
+    // Letter spacing can make half a surrogate pair wider than the replacement character.
+    if (broken.fineWidth && textIsWellFormed) {
         fineWidth = broken.fineWidth;
         effectiveWidth = std::min(*fineWidth, toInt(limit));
     }

@@ -663,6 +663,9 @@ void tst_TextLayoutIdentity::agreesOnRareWords_data()
     QTest::newRow("signs behind a mark of another script")
         << QStringLiteral("ह\u05b7") + QString(100, u'.')
         << spacedFont(QFont::AbsoluteSpacing, -6.3);
+    QTest::newRow("half a surrogate pair that is not as wide as U+FFFD")
+        << QStringLiteral("\u0627") + QChar(0xd83d) + QStringLiteral("\u0483")
+        << spacedFont(QFont::PercentageSpacing, 24);
     QTest::newRow("hyphenation points far from each other")
         << QStringLiteral("сообщение") + QString(250, u'т') + QStringLiteral("сообщение")
                + QString(100, u'ш')
