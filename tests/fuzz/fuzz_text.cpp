@@ -179,6 +179,7 @@ void Subject::compare() const
     input.maxTextWidth = m_renderer.maxTextWidth();
     input.hyphenationEnabled = m_renderer.hyphenationEnabled();
     input.format = m_renderer.textFormat();
+    input.alignment = m_renderer.textAlignment();
     const ReferenceLayout expected = referenceLayoutAtAnyLimit(input, candidateBudget);
     if (expected.ended)
         requireNone(referenceViolation(m_renderer, expected));

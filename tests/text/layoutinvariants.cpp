@@ -123,13 +123,14 @@ constexpr qint64 measurementsPerLine = 1 + 1 + 1 + 1 + 4 + 2;
 bool isOrdinary(const TextRenderer &renderer)
 {
     constexpr double leastAdvance = 1; // pixels
+    constexpr int largestFont = 10'000; // pixels; in greater fonts the advances of short texts overflow
     const QFont font = renderer.textFont();
     const auto isOrdinaryCharacter = [](QChar c) {
         return (c >= u' ' && c <= u'~') || (c >= u'А' && c <= u'я') || c == newline
                || c == lineSeparator;
     };
     return std::ranges::all_of(renderer.text(), isOrdinaryCharacter) && font.letterSpacing() == 0
-           && font.wordSpacing() == 0
+           && font.wordSpacing() == 0 && font.pixelSize() <= largestFont
            && QFontMetricsF(font).horizontalAdvance(u'i') >= leastAdvance;
 }
 
@@ -408,9 +409,15 @@ QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &
     const QSizeF size(std::ceil(expected.size.width()), std::ceil(expected.size.height()));
     constexpr double highest = std::numeric_limits<int>::max();
     const QSizeF bounded = size.boundedTo({highest, highest});
-    if (QSizeF(renderer.boundingSize()) != bounded)
-        return QStringLiteral("not the size of the reference layout");
-    return {};
+    const QSize actual = renderer.boundingSize();
+    if (QSizeF(actual) == bounded)
+        return {};
+    return QStringLiteral("not the size of the reference layout: %1 x %2, not %3 x %4, for %5")
+        .arg(actual.width())
+        .arg(actual.height())
+        .arg(bounded.width(), 0, 'f', 0)
+        .arg(bounded.height(), 0, 'f', 0)
+        .arg(quoted(renderer.text()));
 }
 
 QString layoutViolation(TextRenderer &renderer, int availableHeight)

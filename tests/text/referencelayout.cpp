@@ -61,7 +61,7 @@ ReferenceLayout referenceLayout(const ReferenceInput &input, int candidateBudget
     const auto finish = [&](const QString &finalText, double staticTextWidth) {
         QStaticText staticText;
         staticText.setTextFormat(input.format);
-        staticText.setTextOption(QTextOption(Qt::AlignLeft));
+        staticText.setTextOption(QTextOption(input.alignment));
         staticText.setTextWidth(staticTextWidth);
         staticText.setText(finalText);
         staticText.prepare(QTransform(), input.font);

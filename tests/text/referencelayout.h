@@ -16,6 +16,7 @@ struct ReferenceInput
     int maxTextWidth = 0;
     bool hyphenationEnabled = true;
     Qt::TextFormat format = Qt::AutoText;
+    Qt::Alignment alignment = Qt::AlignLeft;
 };
 
 struct ReferenceLayout

@@ -6,6 +6,8 @@
 # replays one input:
 #
 #   ./dev fuzz text build/fuzz/text/crash-0123abcd
+#
+# OVELIN_FUZZ_SEED=N makes the random input begin the same each time.
 
 readonly fuzzer_sources=$repository/tests/fuzz
 readonly fuzzer_results=$repository/build/fuzz
@@ -48,6 +50,7 @@ fuzz()
     mkdir --parents "$results/corpus"
     say "Fuzzing $target for $seconds seconds; its log is $(short_path "$log")"
     fuzzer_run "$target" "$results/corpus" "$corpus" "-dict=$fuzzer_sources/$target.dict" \
+        "-seed=${OVELIN_FUZZ_SEED:-0}" \
         "-max_total_time=$seconds" "-timeout=$most_seconds_per_input" \
         "-max_len=$longest_input" -print_final_stats=1 >"$log" 2>&1 \
         || fuzzing_failed "$target" "$log"
@@ -64,7 +67,8 @@ fuzzing_failed()
         --regexp='^Violation' --regexp='runtime error' --regexp='^==[0-9]*== *ERROR' "$2" >&2 || tail "$2" >&2
     [[ -n $input ]] || fail "The fuzzer of $1 did not run; its message is above."
     fail "The fuzzer of $1 found a fault: see above and $(short_path "$2")." \
-        "Replay it: ./dev fuzz $1 $(short_path "$input")"
+        "Replay it: ./dev fuzz $1 $(short_path "$input")" \
+        "The input in base64, for another machine: $(base64 --wrap=0 "$input")"
 }
 
 targets=()
