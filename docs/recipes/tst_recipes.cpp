@@ -161,7 +161,7 @@ void tst_Recipes::cardList_data()
     QTest::newRow("half a card further") << 100 << QList<int>{-80, 132, 344};
     QTest::newRow("two pixels of a card") << 410 << QList<int>{-178, 34};
     QTest::newRow("the last card") << 424 << QList<int>{20};
-    QTest::newRow("behind the end") << 1000 << QList<int>{};
+    QTest::newRow("after the end") << 1000 << QList<int>{};
 }
 
 void tst_Recipes::cardList()

@@ -159,7 +159,7 @@ void XmltvReader::readDocument()
             m_xml.skipCurrentElement();
     }
 
-    // Text behind the guide, such as a second guide, is a fault of the file.
+    // Text after the guide, such as a second guide, is a fault of the file.
     while (!m_xml.atEnd())
         m_xml.readNext();
 }

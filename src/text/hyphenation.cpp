@@ -107,7 +107,7 @@ int lastPointThatFits(QStringView word,
         return -1;
 
     qsizetype point = 0;
-    // A hyphen of the word itself counts like an inserted one: the points behind it lie one character early.
+    // A hyphen of the word itself counts like an inserted one: the points after it lie one character early.
     for (qsizetype hyphens = 0; candidate != -1 && fitsWithHyphen(candidate - hyphens); ++hyphens) {
         point = candidate - hyphens;
         candidate = classes.indexOf(hyphen, candidate + 1);

@@ -135,7 +135,7 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font, 
     , m_positions(size_t(text.size()) + 1)
     , m_font(&font)
 {
-    // A range that begins behind a direction control lacks it, so that its direction can be another one.
+    // A range that begins after a direction control lacks it, so that its direction can be another one.
     const auto control = std::ranges::find_if(text, isDirectionControl);
     m_lastBegin = text.size() > longestPiece ? begin : begin + (control - text.cbegin());
 
@@ -172,7 +172,7 @@ Reading ShapedRun::readClosely(qsizetype from, qsizetype to) const
 double ShapedRun::leastAdvanceOfLonger(qsizetype from) const
 {
     Reading reading = read(from, end());
-    // Characters behind the run may give all of these signs another script.
+    // Characters after the run may give all of these signs another script.
     if (m_mayScriptFollow && !hasLetter(from, end()))
         reading.tolerance += double(end() - from) * m_font->foreignSign;
     return reading.advance - reading.tolerance - m_font->joinedEnd;

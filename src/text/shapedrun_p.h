@@ -62,7 +62,7 @@ class ShapedRun
 {
 public:
     ShapedRun() = default;
-    // `rest` is the text behind the run. In both, each high surrogate has a low one behind it.
+    // `rest` is the text after the run. In both, each high surrogate has a low one after it.
     ShapedRun(const QString &text, qsizetype begin, const RunFont &font, QStringView rest = {});
 
     qsizetype begin() const { return m_begin; }
@@ -85,7 +85,7 @@ public:
     Reading readClosely(qsizetype from, qsizetype to) const;
 
     // Returns a lower bound for the advance of every text that begins with the characters from `from` to the
-    // end of the run. The characters behind the run must have advances of 0 or more.
+    // end of the run. The characters after the run must have advances of 0 or more.
     double leastAdvanceOfLonger(qsizetype from) const;
 
     // True if the first character of a range that begins there has the advance that is read: nothing before
@@ -108,7 +108,7 @@ private:
         quint32 advance = 0; // in multiples of qtUnit; it wraps as Qt's sums do
         double tolerance = 0;
         double endTolerance = 0; // of a range that begins or ends here
-        int script = 0;          // of the character behind the position, as it was shaped
+        int script = 0;          // of the character after the position, as it was shaped
     };
 
     static double inPixels(quint32 advance) { return static_cast<qint32>(advance) * qtUnit; }
@@ -129,7 +129,7 @@ private:
     qsizetype m_begin = 0;
     qsizetype m_lastBegin = -1;    // the last position at which a range that can be read begins
     qsizetype m_firstLetter = 0;   // the end of the run if it has none
-    bool m_mayScriptFollow = true; // behind the run
+    bool m_mayScriptFollow = true; // after the run
     bool m_hasNegativeAdvance = false;
     std::vector<Position> m_positions;
     const RunFont *m_font = nullptr;

@@ -56,8 +56,8 @@ public:
     qsizetype inserted() const { return m_inserted; }
 
     QString withoutLastSpace() const;
-    // The text up to a position of the source, and an ellipsis unless the position is behind the source.
-    // Spaces and punctuation before the ellipsis are removed. If the last insertion is behind the position,
+    // The text up to a position of the source, and an ellipsis unless the position is after the source.
+    // Spaces and punctuation before the ellipsis are removed. If the last insertion is after the position,
     // the end of what was inserted is cut off.
     QString elidedAt(qsizetype position) const;
 
@@ -300,14 +300,14 @@ void LineBreaker::wrapWord()
     breakAfter(m_lineStart);
 }
 
-// Begins a new line behind the position if the word of the candidate ends its paragraph.
+// Begins a new line after the position if the word of the candidate ends its paragraph.
 void LineBreaker::breakAfter(qsizetype position)
 {
     if (m_candidate.endsParagraph && countLine())
         m_lineStart = position + 1;
 }
 
-// Breaks the line before the hyphen: the hyphen begins the next line. If the word behind the hyphen does not
+// Breaks the line before the hyphen: the hyphen begins the next line. If the word after the hyphen does not
 // fit there either, the hyphen moves again, line after line; all these moves are made at once. After the last
 // allowed move nothing is changed: the next wrap repeats the state, and WrapGuard notices the circle.
 void LineBreaker::moveHyphenToNextLine()
@@ -356,12 +356,12 @@ int LineBreaker::hyphenationPoint()
     const auto fitsWithHyphen = [this, hyphenWidth](double advance) {
         return fineWidth(advance) + hyphenWidth < m_limits.width;
     };
-    // Points can lie behind the word: some letters are two characters in lower case.
+    // Points can lie after the word: some letters are two characters in lower case.
     const auto prefixFits = [&](qsizetype kept) {
         return kept <= m_candidate.wordSize()
                && m_measure.decide(m_lineStart, m_wordStart + kept, fitsWithHyphen);
     };
-    // The last word comes without the space behind the text.
+    // The last word comes without the space after the text.
     const auto word =
         QStringView(m_source.withoutLastSpace()).mid(m_wordStart, m_candidate.wordSize());
     const int point = ovelin::hyphenationPoint(word, prefixFits);

@@ -13,11 +13,11 @@ QT_END_NAMESPACE
 //
 // advance        The distance in pixels from the beginning of a text to where the next glyph would stand.
 // fine width     The advance in whole pixels, rounded up, with two pixels of margin.
-// limit          The width in pixels that a line must stay below.
+// width limit    The width in pixels that a line must stay below.
 // line limit     The number of lines that a text may have.
 // separator      A space, a line separator (U+2028), or a hyphen that no digit follows: a word ends with it.
 // candidate      A separator at which the line may end, with the word before it.
-// overflow       A line overflows if its advance, without its separator, is not below the limit.
+// overflow       A line overflows if its advance, without its separator, is not below the width limit.
 // wrap           To move a word that overflows to the next line.
 // split          To break a word, at a hyphenation point or, forced, between any two characters.
 // elide          To cut the text on its last line with an ellipsis.
@@ -28,7 +28,7 @@ namespace ovelin {
 
 struct LineLimits
 {
-    double width;     // the limit
+    double width;     // the width limit
     int maxLineCount; // the line limit; 0 and below: none
     bool hyphenationEnabled;
 };
@@ -37,8 +37,8 @@ struct BrokenText
 {
     QString text;
     bool elided;
-    // The fine width of the whole text. If that is greater than the limit, this can be any other width that
-    // is greater than the limit. Nothing if the layout did not come to know it.
+    // The fine width of the whole text. If that is greater than the width limit, this can be any other width
+    // that is greater. Nothing if the layout did not come to know it.
     std::optional<int> fineWidth;
 };
 

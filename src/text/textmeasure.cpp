@@ -76,16 +76,16 @@ bool isSpecialInElision(QChar c)
            || (c >= u'\u2060' && c <= u'\u206f') || c == u'\u061c' || c == endOfMeasuredText;
 }
 
-bool isBehindLetter(QStringView text, qsizetype position)
+bool isAfterLetter(QStringView text, qsizetype position)
 {
     return position > 0 && text.at(position - 1).isLetterOrNumber();
 }
 
-// Returns the position of the first space behind a letter or a digit, or -1.
-qsizetype firstSpaceBehindLetter(QStringView text, qsizetype from)
+// Returns the position of the first space after a letter or a digit, or -1.
+qsizetype firstSpaceAfterLetter(QStringView text, qsizetype from)
 {
     qsizetype space = text.indexOf(u' ', from);
-    while (space >= 0 && !isBehindLetter(text, space))
+    while (space >= 0 && !isAfterLetter(text, space))
         space = text.indexOf(u' ', space + 1);
     return space;
 }
@@ -200,7 +200,7 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     // A tolerance for the other end could hide what the font does at the space.
     const bool isClose = reading.tolerance <= m_font.kernedEnd + m_font.freeEnd;
     if (isClose && m_text.at(to) == u' ' && to < m_run.end()
-        && isBehindLetter(m_text.withoutLastSpace(), to))
+        && isAfterLetter(m_text.withoutLastSpace(), to))
         m_isComparedAtSpace = true;
     return advance;
 }
@@ -217,9 +217,9 @@ bool TextMeasure::findsWrongReading()
 void TextMeasure::compareAtSpace()
 {
     const QStringView text = m_text.withoutLastSpace();
-    qsizetype space = firstSpaceBehindLetter(text, m_run.begin() + 1);
+    qsizetype space = firstSpaceAfterLetter(text, m_run.begin() + 1);
     if (space < 0)
-        space = firstSpaceBehindLetter(text, 0);
+        space = firstSpaceAfterLetter(text, 0);
     if (space < 0)
         space = text.lastIndexOf(u' ');
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
@@ -270,7 +270,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
                          && m_run.isExact(first, last) && m_run.isExact(from, last);
     if (overflow == end || !isExact)
         return std::nullopt;
-    // The space behind the text is in no run; with it the line may fit.
+    // The space after the text is in no run; with it the line may fit.
     const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();
     if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
         return std::nullopt;

@@ -111,7 +111,7 @@ void TextRendererPrivate::performLayout()
     staticText.setTextWidth(limit ? *limit : effectiveTextWidth());
     // Qt wraps rich text by itself.
     if (limit && staticText.textFormat() != Qt::RichText)
-        breakAtLimit();
+        breakAtWidthLimit();
     else
         staticText.setText(text);
 
@@ -120,7 +120,7 @@ void TextRendererPrivate::performLayout()
     needRelayout = false;
 }
 
-void TextRendererPrivate::breakAtLimit()
+void TextRendererPrivate::breakAtWidthLimit()
 {
     const double limit = staticText.textWidth();
     const BrokenText broken = breakText(limit);
@@ -208,7 +208,7 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     \section1 The width
 
     The lines are as wide as textWidth() if that is at least 1, else maxTextWidth() if that is at least
-    1, else as wide as the text needs on one line. A line exactly as wide as the limit does not fit.
+    1, else as wide as the text needs on one line. A line of exactly this width does not fit.
 
     \section1 The lines
 
@@ -326,8 +326,8 @@ Qt::TextFormat TextRenderer::textFormat() const
     Sets the format of the text to \a format; does nothing when it is the same. Takes effect on what
     is painted and measured at once, before the next relayout().
 
-    Qt::RichText is left to Qt, which wraps it at the limit: it is neither elided nor hyphenated, and
-    isTextElided() keeps what the last layout of another format found.
+    Qt::RichText is left to Qt, which wraps it at the width limit: it is neither elided nor hyphenated,
+    and isTextElided() keeps what the last layout of another format found.
 
     Any other format is broken as plain text, markup counted as characters, and Qt then reads the
     result by its format. Set Qt::PlainText for texts from elsewhere.

@@ -22,7 +22,7 @@ struct TextRendererPrivate
     void markDirty();
     void applyLineSeparators();
     void performLayout();
-    void breakAtLimit();
+    void breakAtWidthLimit();
     BrokenText breakText(double limit) const;
     void updateAlignedTextTopLeft();
 
@@ -44,8 +44,8 @@ struct TextRendererPrivate
     bool lineSeparatorsApplied = false;
     bool textIsWellFormed = true;
     std::optional<qint32> effectiveWidth;
-    // The fine width of the text. If that is greater than the limit, this can be any other width that is greater
-    // than the limit.
+    // The fine width of the text. If that is greater than the width limit, this can be any other width that is
+    // greater.
     std::optional<qint32> fineWidth;
 };
 

@@ -146,7 +146,7 @@ void Writer::startElement(const Element &element)
     }
 }
 
-// Leaves the root element open: text behind it would be a fault of the file.
+// Leaves the root element open: text after it would be a fault of the file.
 void Writer::endElement()
 {
     if (m_open.size() == 1)

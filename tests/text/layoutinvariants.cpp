@@ -123,7 +123,8 @@ constexpr qint64 measurementsPerLine = 1 + 1 + 1 + 1 + 4 + 2;
 bool isOrdinary(const TextRenderer &renderer)
 {
     constexpr double leastAdvance = 1; // pixels
-    constexpr int largestFont = 10'000; // pixels; in greater fonts the advances of short texts overflow
+    constexpr int largestFont =
+        10'000; // pixels; in greater fonts the advances of short texts overflow
     const QFont font = renderer.textFont();
     const auto isOrdinaryCharacter = [](QChar c) {
         return (c >= u' ' && c <= u'~') || (c >= u'А' && c <= u'я') || c == newline

@@ -44,7 +44,7 @@ QStringList englishNames()
     return names;
 }
 
-// Returns lines from all parts of a file, without the flags behind a dictionary's words; nothing without
+// Returns lines from all parts of a file, without the flags after a dictionary's words; nothing without
 // the file.
 QStringList linesOf(const QString &path)
 {

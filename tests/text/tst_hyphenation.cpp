@@ -102,7 +102,7 @@ void tst_Hyphenation::wordsEndAtSpacesSeparatorsAndHyphensBeforeNoDigit_data()
     QTest::newRow("no-break space") << QStringLiteral("ab\u00a0c") << 0 << 4;
     QTest::newRow("tab and newline") << QStringLiteral("a\tb\nc") << 0 << 5;
     QTest::newRow("from the separator on") << QStringLiteral("a b c") << 1 << 1;
-    QTest::newRow("behind the separator") << QStringLiteral("a b c") << 2 << 3;
+    QTest::newRow("after the separator") << QStringLiteral("a b c") << 2 << 3;
     QTest::newRow("digit and hyphen at the end") << QStringLiteral("ab-1-") << 0 << 4;
 }
 
@@ -112,7 +112,7 @@ void tst_Hyphenation::wordsEndAtSpacesSeparatorsAndHyphensBeforeNoDigit()
     QFETCH(int, from);
     QFETCH(int, expected);
 
-    // A space stands behind the text.
+    // A space stands after the text.
     QCOMPARE(int((text + u' ').indexOf(wordBreakPattern, from)), expected);
     QCOMPARE(int(wordEnd(text, from)), expected);
 }
@@ -229,8 +229,8 @@ void tst_Hyphenation::countsCharactersOfTheLowerCasedWord_data()
     QTest::newRow("one longer letter") << QStringLiteral("İпрограмма ") << 9;
     QTest::newRow("two longer letters") << QStringLiteral("İİпрограмма ") << 11;
     QTest::newRow("point at the end of the word") << QStringLiteral("İİ--") << 4;
-    QTest::newRow("point behind the end of the word") << QStringLiteral("İİİ-") << 0;
-    QTest::newRow("second point behind the end") << QStringLiteral("программаİİİ-") << 7;
+    QTest::newRow("point after the end of the word") << QStringLiteral("İİİ-") << 0;
+    QTest::newRow("second point after the end") << QStringLiteral("программаİİİ-") << 7;
 }
 
 void tst_Hyphenation::countsCharactersOfTheLowerCasedWord()

@@ -220,7 +220,7 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
     row("a mirrored sign", u"xа∈бx"_s, 1, 4, 0.05 + 2 + 0.05);
     row("a regional indicator", u"xа\U0001F1F7бx"_s, 1, 5, 0.05 + 2 + 0.05);
     row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
-    row("a mark of another script behind signs", u"τ12\u093c/τx"_s, 1, 6, 0.05 + 4 * 2 + 0.05);
+    row("a mark of another script after signs", u"τ12\u093c/τx"_s, 1, 6, 0.05 + 4 * 2 + 0.05);
     row("signs before the script of the run", u"a—…kx"_s, 1, 4, 0.05 + 0.05);
     row("capital first letters", u"xабвx"_s, 1, 4, 0.05 + 1 + 0.05 + 1,
         capitalizedFont(QFont::Capitalize));
@@ -252,16 +252,16 @@ void tst_ShapedRun::covers_data()
     row("all", u"abcdef"_s, 10, 16, true);
     row("a part", u"abcdef"_s, 12, 14, true);
     row("begins before it", u"abcdef"_s, 9, 14, false);
-    row("ends behind it", u"abcdef"_s, 12, 17, false);
+    row("ends after it", u"abcdef"_s, 12, 17, false);
     row("all, with a control", u"ab\u202edef"_s, 10, 16, true);
     row("before the control", u"ab\u202edef"_s, 11, 12, true);
     row("from before the control", u"ab\u202edef"_s, 11, 16, true);
     row("from the control", u"ab\u202edef"_s, 12, 16, true);
-    row("behind the control", u"ab\u202edef"_s, 13, 14, false);
-    row("behind the first embedding", u"ab\u202adef"_s, 13, 16, false);
-    row("behind the first isolate", u"ab\u2066def"_s, 13, 16, false);
-    row("behind the last isolate", u"ab\u2069def"_s, 13, 16, false);
-    row("behind a mark that turns nothing", u"ab\u200fdef"_s, 13, 16, true);
+    row("after the control", u"ab\u202edef"_s, 13, 14, false);
+    row("after the first embedding", u"ab\u202adef"_s, 13, 16, false);
+    row("after the first isolate", u"ab\u2066def"_s, 13, 16, false);
+    row("after the last isolate", u"ab\u2069def"_s, 13, 16, false);
+    row("after a mark that turns nothing", u"ab\u200fdef"_s, 13, 16, true);
 }
 
 void tst_ShapedRun::covers()
@@ -323,14 +323,14 @@ void tst_ShapedRun::isExact_data()
     };
     row("letters", u"абв"_s, 2, true);
     row("a sign before the first letter", u"«абв»"_s, 1, false);
-    row("the first letter behind a sign", u"«абв»"_s, 2, true);
+    row("the first letter after a sign", u"«абв»"_s, 2, true);
     row("signs without letters", u"1-2…"_s, 4, false);
     row("before a tab", u"а\tб"_s, 1, true);
-    row("behind a tab", u"а\tб"_s, 2, false);
+    row("after a tab", u"а\tб"_s, 2, false);
     row("before the direction changes", u"абש"_s, 1, true);
     row("where the direction changes", u"абש"_s, 2, false);
-    row("behind a mirrored sign", u"а∈б"_s, 2, false);
-    row("behind a regional indicator", u"а\U0001F1F7б"_s, 3, false);
+    row("after a mirrored sign", u"а∈б"_s, 2, false);
+    row("after a regional indicator", u"а\U0001F1F7б"_s, 3, false);
 }
 
 void tst_ShapedRun::isExact()
@@ -365,7 +365,7 @@ void tst_ShapedRun::hasSeparateGlyphs_data()
     row("from inside a ligature", u"fix"_s, 1, 3, false);
     row("a ligature", u"xfix"_s, 1, 3, false);
     row("a mark", u"ае\u0301б"_s, 0, 4, false);
-    row("behind a mark", u"ае\u0301б"_s, 3, 4, true);
+    row("after a mark", u"ае\u0301б"_s, 3, 4, true);
     row("a surrogate pair", u"a\U0001F600"_s, 0, 3, false);
 }
 
@@ -399,11 +399,11 @@ void tst_ShapedRun::beginsFreely_data()
     row("a space with word spacing", u"元 2"_s, 1, false, fontWithWordSpacing(30));
     row("the last letter", u"xан"_s, 2, true);
     row("a kerned letter", u"xAVx"_s, 1, false);
-    row("behind a kerned letter", u"xAVx"_s, 2, true);
+    row("after a kerned letter", u"xAVx"_s, 2, true);
     row("before a ligature", u"xfix"_s, 1, false);
     row("in a ligature", u"xfix"_s, 2, false);
     row("a mark", u"xк\u093cx"_s, 2, false);
-    row("behind a mark", u"xк\u093cx"_s, 3, true);
+    row("after a mark", u"xк\u093cx"_s, 3, true);
     row("joined", u"سلام"_s, 2, false);
     row("letter spacing", u"xан"_s, 1, true, spacedFont(QFont::AbsoluteSpacing, 3));
     row("letter spacing, kerned", u"xAVx"_s, 1, false, spacedFont(QFont::AbsoluteSpacing, 3));

@@ -95,7 +95,7 @@ private Q_SLOTS:
     void splitsNoSurrogatePair();
     void splitsInFrontOfASurrogatePair();
     void cutsNoSurrogatePairIfTheEllipsisOverhangs();
-    void usesNoHyphenationPointBehindTheWord();
+    void usesNoHyphenationPointAfterTheWord();
     void breaksATextWithHalfASurrogatePair();
     void laysOutLongTexts_data();
     void laysOutLongTexts();
@@ -157,7 +157,7 @@ void tst_TextLayout::richTextIsAsWideAsTheBox()
 
 void tst_TextLayout::cutsOneCharacterMoreIfTheEllipsisOverhangs()
 {
-    // elidedText() does not count the letter spacing behind the ellipsis.
+    // elidedText() does not count the letter spacing after the ellipsis.
     QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
     const QFontMetricsF metrics(font);
     const QString line = QStringLiteral("aaaaaaaa ");
@@ -223,7 +223,7 @@ void tst_TextLayout::removesSpaceAndPunctuationBeforeTheEllipsis()
 {
     QFETCH(QString, removed);
 
-    // Qt cuts this line right behind the removed characters at one of these widths. The rest of the text is one
+    // Qt cuts this line right after the removed characters at one of these widths. The rest of the text is one
     // word, so that the line is not cut at an earlier break opportunity.
     const QString kept = QStringLiteral("a,a");
     const QString text = kept + removed + QStringLiteral("bbbbbbbbbb");
@@ -401,7 +401,7 @@ void tst_TextLayout::movesAHyphenOnceWithoutLineLimit_data()
     QTest::newRow("at the beginning") << QStringLiteral("-wwww") << QStringLiteral("\n-wwww");
     QTest::newRow("wide paragraph")
         << QStringLiteral("x-wwww\u2028i x") << QStringLiteral("x\n-wwww\ni x");
-    QTest::newRow("spaces behind it")
+    QTest::newRow("spaces after it")
         << QStringLiteral("x-wwww  i") << QStringLiteral("x\n-wwww  i");
 }
 
@@ -540,7 +540,7 @@ void tst_TextLayout::cutsNoSurrogatePairIfTheEllipsisOverhangs()
     constexpr int width = 51;
     const QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
     const QString face = QStringLiteral("\U0001F600");
-    // Qt leaves the letter spacing behind the ellipsis out.
+    // Qt leaves the letter spacing after the ellipsis out.
     const QString elided = QFontMetricsF(font).elidedText(face.repeated(8), Qt::ElideRight, width);
     QCOMPARE(elided, face + ellipsisText);
     QVERIFY(advance(elided, font) > width);
@@ -549,7 +549,7 @@ void tst_TextLayout::cutsNoSurrogatePairIfTheEllipsisOverhangs()
 }
 
 // In lower case each U+0130 is two characters, so that the word seems to have four more.
-void tst_TextLayout::usesNoHyphenationPointBehindTheWord()
+void tst_TextLayout::usesNoHyphenationPointAfterTheWord()
 {
     const QFont font = spacedFont(QFont::AbsoluteSpacing, -10);
     const Shown shown =

@@ -5,7 +5,7 @@
 //
 // A line fits if it is narrower than the box: N characters need 10 N + 1 pixels. The part of a word that
 // stays on a line is measured with two pixels of margin: N characters need 10 N + 3 pixels, with a hyphen
-// behind them 10 N + 13 pixels.
+// after them 10 N + 13 pixels.
 
 #include "kernedfont.h"
 #include "support/paintrecorder.h"
@@ -76,7 +76,7 @@ const Example examples[] = {
     {"as wide as the line, in two lines",    u"аб вг",                50,       2, on, {u"аб вг"},                   whole},
     // The second space does not fit. So the layout moves the word before it to the next line; Qt does not.
     {"two spaces where the line is full",    u"аб вгд  е",            65,       2, on, {u"аб вгд", u"е"},            whole},
-    // The separator behind the first word does not fit. So the word moves to the next line, where the same
+    // The separator after the first word does not fit. So the word moves to the next line, where the same
     // happens, until the line limit cuts the text.
     {"two spaces, first word",               u"слово  да",            51,       3, on, {u"слов…"},                   elided},
     {"hyphen and space, first word",         u"слово- да",            51,       3, on, {u"слов…"},                   elided},
@@ -134,7 +134,7 @@ const Example examples[] = {
     {"last word wraps, three lines",         u"аб вг\nде",    45,           3, on, {u"аб", u"вг…"},           elided},
     {"last word wraps, two lines",           u"аб вг\nде",    45,           2, on, {u"аб", u"вг…"},           elided},
     // If the second count reaches the limit, the first line is elided to N characters, and the second line is
-    // cut behind N characters. In the last row the text ends before, and a space stands for the ellipsis.
+    // cut after N characters. In the last row the text ends before, and a space stands for the ellipsis.
     {"cut at the end of the text",           u"аб вгд\n",     55,           2, on, {u"аб", u"вгд…"},          elided},
     {"cut next to the end of the text",      u"абв гд\n",     55,           2, on, {u"абв", u"гд…"},          elided},
     {"cut beyond the end of the text",       u"абвг д\n",     55,           2, on, {u"абвг", u"д "},          elided},
@@ -237,10 +237,10 @@ const Example examples[] = {
     {"eight characters, as wide as the box", u"да abcdefh",      82,       2, on,  {u"да", u"abcdefh"},         whole},
     {"eight characters, wider than the box", u"да abcdefh",      81,       2, on,  {u"да abc", u"defh"},        whole},
     {"splits no word on the last line",      u"abcdefhijklm",    60,       1, on,  {u"abcd…"},                  elided},
-    {"newline behind the word counts",       u"да abcdefhi\nя", 100,       3, on,  {u"да abcd", u"efhi", u"я"}, whole},
+    {"newline after the word counts",       u"да abcdefhi\nя", 100,       3, on,  {u"да abcd", u"efhi", u"я"}, whole},
 
     // Surrogate pairs stay whole. Half a pair is shown as U+FFFD.
-    {"pair behind the split",             u"😀😀😀😀я",     50, 2, on, {u"😀😀", u"😀😀я"}, whole},
+    {"pair after the split",             u"😀😀😀😀я",     50, 2, on, {u"😀😀", u"😀😀я"}, whole},
     {"pair in front of the ellipsis",     u"😀😀😀😀",      40, 1, on, {u"😀😀…"},          elided},
     {"pair at the cut of a wrapped word", u"аб 😀😀\nв",    45, 2, on, {u"аб", u"😀…"},     elided},
     {"high half",                         u"а\xD83D" u"б", 101, 1, on, {u"а\uFFFDб"},       whole},

@@ -368,7 +368,7 @@ void tst_TextLayoutFonts::agreesOnTextsThatWereWrong_data()
     };
     row("two glyphs whose advances add up", "Awami Nastaliq", Script::Arabic, 24, -1, 0,
         u"قاراشا\u0308\u200d word  "_s, 43, 2);
-    row("a mark behind digits", "EB Garamond", Script::Greek, 31, 1, 9,
+    row("a mark after digits", "EB Garamond", Script::Greek, 31, 1, 9,
         u"Τετάρτη 18 Σεπτεμβ מילה ρίου \n2024\u093c/Τετάρτη 12 Ιουνίου 2024, Τετάρτη 18 "
         u"Σεπτεμβρίου "
         u"2024\n"_s,
@@ -377,7 +377,7 @@ void tst_TextLayoutFonts::agreesOnTextsThatWereWrong_data()
         u"港元 2024年7月14日 星期日 中國澳門特別行政區"_s, 152, 1);
     row("digits that are kerned in their script", "Amiri", Script::Latin, 33, 0.296875, 0,
         u"srijeda, 12. juni 2024. 2024 ođđajagemánnu 2"_s, 354, 1);
-    row("a mark behind a sign", "WenQuanYi Micro Hei", Script::Japanese, 44, 0, 0,
+    row("a mark after a sign", "WenQuanYi Micro Hei", Script::Japanese, 44, 0, 0,
         u"日\u0301本√\u0902語5,5»\n木曜日"_s, 105, 3);
 }
 

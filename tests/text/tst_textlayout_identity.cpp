@@ -400,7 +400,7 @@ void tst_TextLayoutIdentity::agreesOnTextsInKernedFontsThatWereWrong_data()
         font.setLetterSpacing(type, spacing);
         return font;
     };
-    QTest::newRow("compared behind a hyphen")
+    QTest::newRow("compared after a hyphen")
         << -1400 << spaced(sized(20, 600), QFont::PercentageSpacing, 400)
         << QStringLiteral("на на на- выход") << 767 << 2;
     QTest::newRow("compared in the middle of a word")
@@ -542,7 +542,7 @@ void tst_TextLayoutIdentity::agreesOnTextsWithAStringTerminator()
     input.text = QStringLiteral("a\u009c\u2028wwww ww ww w");
     input.font = pixelFont();
     compareInBoxes(input, widthsBelow(150), {5});
-    // elidedText() takes the characters behind U+009C for a shorter form of the text.
+    // elidedText() takes the characters after U+009C for a shorter form of the text.
     input.text = QStringLiteral("wwwwwwwwwwww\u009cab");
     compareInBoxes(input, widthsBelow(250), {1});
 }
@@ -603,7 +603,7 @@ void tst_TextLayoutIdentity::agreesAtHighLineLimits_data()
     QTest::newRow("hyphen and separator") << QStringLiteral("ww-\nww");
     QTest::newRow("hyphen and wide word") << QStringLiteral("x-www");
     QTest::newRow("hyphens and wide words") << QStringLiteral("i-www-www www-i");
-    QTest::newRow("hyphen and wide word behind others") << QStringLiteral("i i\ni x-wwww\ni");
+    QTest::newRow("hyphen and wide word after others") << QStringLiteral("i i\ni x-wwww\ni");
     QTest::newRow("hyphen and wide paragraph") << QStringLiteral("x-www\nwww");
     QTest::newRow("hyphen, wide word and spaces") << QStringLiteral("x-wwww  i");
     QTest::newRow("digits") << QStringLiteral("i 1-2-3 -4");
@@ -656,11 +656,11 @@ void tst_TextLayoutIdentity::agreesOnRareWords_data()
         << pixelFont();
     QTest::newRow("512 characters")
         << QStringLiteral("слово ").repeated(85) + QStringLiteral("да") << pixelFont();
-    QTest::newRow("first hyphenation point far behind the line")
+    QTest::newRow("first hyphenation point far after the end of the line")
         << QString(300, u'ш') + QStringLiteral("сообщение") << pixelFont();
     QTest::newRow("surrogate pairs between letters")
         << QStringLiteral("\U0001F600ш").repeated(6) << pixelFont(60);
-    QTest::newRow("signs behind a mark of another script")
+    QTest::newRow("signs after a mark of another script")
         << QStringLiteral("ह\u05b7") + QString(100, u'.')
         << spacedFont(QFont::AbsoluteSpacing, -6.3);
     QTest::newRow("half a surrogate pair that is not as wide as U+FFFD")

@@ -178,7 +178,7 @@ private Q_SLOTS:
     void shapesNoMoreThanTheLinesShownOfALongWord();
     void doesNotShapeTheTextBeyondTheLineLimit();
     void shapesFewPrefixesOfAWordThatIsSplit();
-    void readsBehindAMovedHyphenFromTheSameRun();
+    void readsAfterAMovedHyphenFromTheSameRun();
     void shaperCallsGrowLinearlyWithMeasuredWords();
 };
 
@@ -418,7 +418,7 @@ void tst_TextLayoutInvariants::shapesFewPrefixesOfAWordThatIsSplit()
     QVERIFY(calls < maxLineCount * lettersPerLine / 2);
 }
 
-void tst_TextLayoutInvariants::readsBehindAMovedHyphenFromTheSameRun()
+void tst_TextLayoutInvariants::readsAfterAMovedHyphenFromTheSameRun()
 {
     constexpr int width = 400;
     constexpr int maxLineCount = 3;

@@ -94,7 +94,7 @@ void tst_TextMeasure::takesPartsOfTheSource_data()
     QTest::newRow("all") << qsizetype(0) << qsizetype(6) << u"ab cd "_s;
     QTest::newRow("the text") << qsizetype(0) << qsizetype(5) << u"ab cd"_s;
     QTest::newRow("a part") << qsizetype(1) << qsizetype(4) << u"b c"_s;
-    QTest::newRow("the space behind the text") << qsizetype(5) << qsizetype(6) << u" "_s;
+    QTest::newRow("the space after the text") << qsizetype(5) << qsizetype(6) << u" "_s;
     QTest::newRow("nothing") << qsizetype(2) << qsizetype(2) << u""_s;
 }
 
@@ -120,7 +120,7 @@ void tst_TextMeasure::isInsidePair_data()
 
     QTest::newRow("before") << u"a\U0001F600b"_s << qsizetype(1) << false;
     QTest::newRow("inside") << u"a\U0001F600b"_s << qsizetype(2) << true;
-    QTest::newRow("behind") << u"a\U0001F600b"_s << qsizetype(3) << false;
+    QTest::newRow("after") << u"a\U0001F600b"_s << qsizetype(3) << false;
     QTest::newRow("the beginning") << u"\U0001F600"_s << qsizetype(0) << false;
     QTest::newRow("the end") << u"\U0001F600"_s << qsizetype(2) << false;
     QTest::newRow("between two pairs") << u"\U0001F600\U0001F600"_s << qsizetype(2) << false;
@@ -323,7 +323,7 @@ void tst_TextMeasure::noticesThatReadingsAreWrong_data()
     row("a space at the end", {.beforeSpace = 1400}, u"qqqqqqqq "_s, true);
     row("a long word before the space", {.beforeSpace = 1400}, u"q"_s.repeated(300) + u" w"_s,
         true);
-    row("a long word behind the space", {.beforeSpace = 1400}, u"q w"_s + u"q"_s.repeated(300),
+    row("a long word after the space", {.beforeSpace = 1400}, u"q w"_s + u"q"_s.repeated(300),
         true);
 }
 

@@ -424,7 +424,7 @@ void tst_XmltvReader::reportsFilesThatCannotBeDecoded_data()
                               << unknown;
     QTest::newRow("encoding in single quotes")
         << QByteArray("<?xml version='1.0' encoding = 'x-none'?><tv/>") << unknown;
-    QTest::newRow("encoding behind a byte order mark")
+    QTest::newRow("encoding after a byte order mark")
         << QByteArray("\xef\xbb\xbf<?xml version='1.0' encoding='x-none'?><tv/>") << unknown;
 
     const QString notUtf8 = u": the text is not UTF-8: declare its encoding or convert the file"_s;
