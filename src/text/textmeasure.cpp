@@ -9,11 +9,6 @@ namespace ovelin {
 
 namespace {
 
-// Qt counts 64ths of a pixel in an int: greater advances overflow.
-constexpr double greatestAdvance = 1 << 25;
-// The average advance of a text's characters is at most this.
-constexpr double widestAverageInEms = 4;
-
 // Qt measures a text up to this control character only.
 constexpr char16_t endOfMeasuredText = u'\u009c';
 
@@ -42,21 +37,13 @@ bool charactersTakeRoom(const QFont &font)
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-// Returns how many characters Qt can measure without overflow, even if all of them are tabs.
-qsizetype longestRunSize(const RunFont &font)
-{
-    const double widestAverage =
-        widestAverageInEms * font.em + std::abs(font.letterSpacing) + std::abs(font.wordSpacing);
-    return static_cast<qsizetype>(greatestAdvance / std::max(tabStopDistance, widestAverage));
-}
-
 // Returns the size of a first run: the expected characters of the lines, and a quarter of a line more, because
 // letters can be narrow and a word overflows. A run of several lines has at most one piece.
 qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
-    const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
+    const double characters = lineWidth / (usualCharacterInEms * font.pixelSize());
     const auto line = static_cast<qsizetype>(std::clamp(characters, 0.0, double(textSize)));
-    const qsizetype more = line / 4 + 1;
+    const qsizetype more = line / 4;
     const int lines = maxLineCount >= 1 ? std::min(maxLineCount, usualLines) : usualLines;
     return std::max(line + more, std::min(longestPiece, lines * line + more));
 }
@@ -68,12 +55,12 @@ qsizetype sizeUpTo(QChar end, QStringView characters)
     return position < 0 ? characters.size() : position;
 }
 
-// True if the character makes QFontMetricsF::elidedText() do more than cut the end: it keeps control characters
-// of the part that it cuts away, and U+009C separates shorter forms of a text.
+// True if the character makes QFontMetricsF::elidedText() do more than cut the end: it keeps controls of the
+// direction of the part that it cuts away, and U+009C separates shorter forms of a text.
 bool isSpecialInElision(QChar c)
 {
-    return (c >= u'\u200b' && c <= u'\u200f') || (c >= u'\u202a' && c <= u'\u202e')
-           || (c >= u'\u2060' && c <= u'\u206f') || c == u'\u061c' || c == endOfMeasuredText;
+    return (c >= u'\u200e' && c <= u'\u200f') || (c >= u'\u202a' && c <= u'\u202e')
+           || (c >= u'\u2066' && c <= u'\u2069') || c == endOfMeasuredText;
 }
 
 bool isAfterLetter(QStringView text, qsizetype position)
@@ -115,7 +102,7 @@ TextMeasure::TextMeasure(const SourceText &text, const QFont &font, double lineW
     : m_text(text)
     , m_font(font)
     , m_lineWidth(lineWidth)
-    , m_longestRunSize(method == Method::MeasureAll ? 0 : longestRunSize(m_font))
+    , m_readsRuns(method == Method::ReadRuns)
     , m_usualRunSize(usualRunSize(font, lineWidth, maxLineCount, text.size()))
     , m_charactersTakeRoom(charactersTakeRoom(font))
 {
@@ -147,7 +134,7 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
 bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
     const QStringView rest = QStringView(m_text.withoutLastSpace()).sliced(from);
-    QStringView characters = rest.first(std::min({size, m_longestRunSize, rest.size()}));
+    QStringView characters = rest.first(m_readsRuns ? std::min(size, rest.size()) : 0);
     characters.truncate(sizeUpTo(endOfMeasuredText, characters));
     // A run that is longer than a piece reads its first line only. That line ends with the paragraph.
     if (characters.size() > longestPiece)
@@ -175,8 +162,7 @@ qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
 void TextMeasure::noteWholeAdvance()
 {
     const qsizetype size = m_text.withoutLastSpace().size();
-    const bool canTell = m_run.begin() == 0 && size <= m_longestRunSize;
-    if (!canTell)
+    if (m_run.begin() != 0)
         return;
     if (m_run.end() == size) {
         m_wholeAdvance = m_run.advance(0, size);
@@ -207,7 +193,7 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
 
 bool TextMeasure::findsWrongReading()
 {
-    if (!m_isComparedAtSpace)
+    if (m_readsRuns && !m_isComparedAtSpace)
         compareAtSpace();
     return m_isReadWrong;
 }
@@ -226,8 +212,7 @@ void TextMeasure::compareAtSpace()
     qsizetype from = std::max(begin, space - longestCheck);
     if (from > begin) // the tolerance is smaller where a word begins
         from += text.sliced(from, space - from).indexOf(u' ') + 1;
-    const bool canBeCompared = space > from && space - from < m_longestRunSize;
-    if (!canBeCompared)
+    if (space <= from)
         return;
     if (!m_run.covers(from, space + 1))
         m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
@@ -251,7 +236,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     const QStringView line = QStringView(m_text.withoutLastSpace()).mid(from, to - from);
     const bool isPlain = m_font.font.capitalization() == QFont::MixedCase
                          && std::ranges::none_of(line, isSpecialInElision);
-    if (!isPlain || m_longestRunSize == 0)
+    if (!m_readsRuns || !isPlain)
         return std::nullopt;
     if (!m_run.covers(from, from + 1) || !m_run.beginsFreely(from)) {
         m_run = ShapedRun(); // otherwise shape() would keep it

@@ -82,8 +82,8 @@ private:
     const SourceText &m_text;
     const RunFont m_font;
     const double m_lineWidth;
-    const qsizetype m_longestRunSize; // in characters; 0 if nothing is read
-    const qsizetype m_usualRunSize;   // in characters
+    const bool m_readsRuns;
+    const qsizetype m_usualRunSize; // in characters
 
     bool m_charactersTakeRoom; // no advance is negative, as far as is known
     ShapedRun m_run;

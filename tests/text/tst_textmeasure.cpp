@@ -389,6 +389,10 @@ void tst_TextMeasure::elidesAsQtDoes_data()
     row("a tab", u"абвгдежзиклмно\tгде ёжзик"_s);
     row("a direction control", u"ab \u202eshalom\u202c cd ef"_s);
     row("a mark of a direction", u"abc def ghi jkl mno\u200f pqr stu"_s);
+    for (const QChar control : {u'\u200e', u'\u200f', u'\u202a', u'\u202e', u'\u2066', u'\u2069'}) {
+        QTest::addRow("U+%04X in the part cut away", control.unicode())
+            << u"абвгдежзи"_s + control + u"клмн"_s << pixelFont();
+    }
     row("a word joiner", u"abc\u2060def ghi jkl"_s);
     row("a string terminator", u"абвг\u009cде жз"_s);
     row("a line separator", u"абвг\u2028де жз"_s);
