@@ -1,7 +1,7 @@
 // ovelin_instructions RUNS
 //
-// Runs each work of a list RUNS times. Callgrind writes the instructions of each work with its name.
-// instructions.txt describes the works.
+// Runs each operation of a list RUNS times. Callgrind writes the instructions of each operation with its name.
+// instructions.txt describes the operations.
 
 #include "support/canvas.h"
 #include "support/renderers.h"
@@ -25,10 +25,10 @@ using namespace ovelin::benchmarks;
 
 namespace {
 
-using Work = std::function<void()>;
+using Operation = std::function<void()>;
 
 template<TextCase textCase>
-Work relayout()
+Operation relayout()
 {
     return relayoutOf(makeRenderer(textCase));
 }
@@ -45,12 +45,12 @@ constexpr TextCase linesSpaced{
 constexpr TextCase linesEndless{
     .script = Script::Russian, .wordCount = 2000, .maxLineCount = 4, .endless = true};
 
-Work hyphenation()
+Operation hyphenation()
 {
     return hyphenationOf(description(Script::Russian, 60));
 }
 
-Work draw()
+Operation draw()
 {
     return [renderer = makeRenderer({Script::Russian, 20, 4}),
             canvas = std::make_shared<Canvas>(QSize(boxWidth, boxHeight))] {
@@ -60,7 +60,7 @@ Work draw()
 
 constexpr int usualResourceCount = 1024;
 
-Work registration()
+Operation registration()
 {
     return [scene = std::make_shared<Scene>(usualResourceCount, false)] {
         scene->registerAnother();
@@ -68,12 +68,12 @@ Work registration()
     };
 }
 
-Work reregistration()
+Operation reregistration()
 {
     return [scene = std::make_shared<Scene>(usualResourceCount, false)] { scene->registerLast(); };
 }
 
-Work messages()
+Operation messages()
 {
     constexpr int fewResources = 4;
     constexpr int messageCount = 10;
@@ -83,7 +83,7 @@ Work messages()
     };
 }
 
-Work throbberFrame()
+Operation throbberFrame()
 {
     constexpr int side = 160;
     auto throbber = std::make_shared<ThrobberRenderer>();
@@ -108,25 +108,25 @@ QBrush makePanelBrush()
     return createTexturedBrush(length, gradient);
 }
 
-Work brushMade()
+Operation brushMade()
 {
     return [] { static_cast<void>(makePanelBrush()); };
 }
 
-Work brushFill()
+Operation brushFill()
 {
     return [brush = makePanelBrush(), canvas = std::make_shared<Canvas>(panel)] {
         canvas->painter.fillRect(canvas->image.rect(), brush);
     };
 }
 
-struct NamedWork
+struct NamedOperation
 {
     const char *name;
-    Work (*make)();
+    Operation (*make)();
 };
 
-constexpr NamedWork works[] = {
+constexpr NamedOperation operations[] = {
     {"relayout-6-2", relayout<TextCase{Script::Russian, 6, 2}>},
     {"relayout-20-4", relayout<TextCase{Script::Russian, 20, 4}>},
     {"relayout-20-4-no-hyphens", relayout<TextCase{Script::Russian, 20, 4, false}>},
@@ -152,18 +152,18 @@ constexpr NamedWork works[] = {
 // The first runs fill caches and bind functions, so they are not counted.
 constexpr int runsBefore = 3;
 
-void run(const Work &work, int runs)
+void run(const Operation &operation, int runs)
 {
     for (int i = 0; i < runs; ++i)
-        work();
+        operation();
 }
 
-void count(const NamedWork &named, int runs)
+void count(const NamedOperation &named, int runs)
 {
-    const Work work = named.make();
-    run(work, runsBefore);
+    const Operation operation = named.make();
+    run(operation, runsBefore);
     CALLGRIND_ZERO_STATS;
-    run(work, runs);
+    run(operation, runs);
     CALLGRIND_DUMP_STATS_AT(named.name);
 }
 
@@ -173,6 +173,6 @@ int main(int argc, char *argv[])
 {
     const QGuiApplication application(argc, argv);
     const int runs = argc > 1 ? std::atoi(argv[1]) : 1;
-    for (const NamedWork &work : works)
-        count(work, runs);
+    for (const NamedOperation &operation : operations)
+        count(operation, runs);
 }

@@ -25,36 +25,36 @@ std::shared_ptr<Scenes> makeScenes(int resourceCount, bool messagesEnabled)
     return scenes;
 }
 
-template<typename Operation>
-std::function<void()> inEach(const std::shared_ptr<Scenes> &scenes, Operation operation)
+template<typename Member>
+std::function<void()> inEach(const std::shared_ptr<Scenes> &scenes, Member member)
 {
-    return [scenes, operation] {
+    return [scenes, member] {
         for (const auto &scene : *scenes)
-            (scene.get()->*operation)();
+            (scene.get()->*member)();
     };
 }
 
-struct Work
+struct Operation
 {
     const char *name;
-    void (Scene::*operation)();
+    void (Scene::*run)();
     void (Scene::*bareWalk)() const;
     void (Scene::*undo)() = nullptr;
 };
 
-constexpr Work works[] = {
+constexpr Operation operations[] = {
     {"registration", &Scene::registerAnother, &Scene::walkToAnother, &Scene::unregisterAnother},
     {"re-registration", &Scene::registerLast, &Scene::walkToLast},
     {"unregistration", &Scene::unregisterLast, &Scene::walkToLast, &Scene::registerLast},
     {"setStatus", &Scene::setLastStatus, &Scene::walkOverOwned},
 };
 
-Comparison compareTracker(const Work &work, int resourceCount, bool messagesEnabled)
+Comparison compareTracker(const Operation &operation, int resourceCount, bool messagesEnabled)
 {
     const auto scenes = makeScenes(resourceCount, messagesEnabled);
-    return {.work = inEach(scenes, work.operation),
-            .contenders = {{"bare walk", inEach(scenes, work.bareWalk)}},
-            .undoWork = work.undo ? inEach(scenes, work.undo) : std::function<void()>()};
+    return {.operation = inEach(scenes, operation.run),
+            .contenders = {{"bare walk", inEach(scenes, operation.bareWalk)}},
+            .undo = operation.undo ? inEach(scenes, operation.undo) : std::function<void()>()};
 }
 
 } // namespace
@@ -62,11 +62,11 @@ Comparison compareTracker(const Work &work, int resourceCount, bool messagesEnab
 void registerResources()
 {
     for (const bool messagesEnabled : {false, true}) {
-        for (const Work &work : works) {
+        for (const Operation &operation : operations) {
             for (const int resourceCount : {16, 64, 256, 1024, 4096, 16384}) {
-                compare(std::string("tracker: ") + work.name + " among "
+                compare(std::string("tracker: ") + operation.name + " among "
                             + std::to_string(resourceCount) + (messagesEnabled ? ", log on" : ""),
-                        [=] { return compareTracker(work, resourceCount, messagesEnabled); });
+                        [=] { return compareTracker(operation, resourceCount, messagesEnabled); });
             }
         }
     }

@@ -88,12 +88,12 @@ Renderers makeRenderers()
     return renderers;
 }
 
-std::string recordKey(const char *work)
+std::string recordKey(const char *operation)
 {
     qsizetype wordCount = 0;
     for (const ShownText &shown : screenful)
         wordCount += QString::fromUtf8(shown.text).count(u' ') + 1;
-    return std::string("Russian,") + work + "," + std::to_string(wordCount);
+    return std::string("Russian,") + operation + "," + std::to_string(wordCount);
 }
 
 std::function<void()> allOf(std::vector<std::function<void()>> actions)
@@ -127,7 +127,7 @@ Comparison compareLayout()
     std::vector<std::function<void()>> relayouts;
     for (const auto &renderer : renderers)
         relayouts.push_back(relayoutOf(renderer));
-    return {.work = allOf(std::move(relayouts)),
+    return {.operation = allOf(std::move(relayouts)),
             .contenders = contendersFor(renderers, textContenders),
             .recordedAs = recordKey("a screenful laid out")};
 }
@@ -139,7 +139,7 @@ Comparison comparePainting()
     const auto painters = [canvas](const TextRenderer &renderer) {
         return textPainters(renderer, canvas);
     };
-    return {.work =
+    return {.operation =
                 [renderers, canvas] {
                     for (const auto &renderer : renderers)
                         renderer->draw(canvas->painter);

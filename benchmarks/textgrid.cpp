@@ -12,8 +12,8 @@ namespace {
 Comparison compareCell(GridCell cell)
 {
     const auto renderer = makeRenderer(cell.textCase());
-    Comparison comparison{.work = relayoutOf(renderer), .recordedAs = cell.recordKey()};
-    // It comes right after the work, before others fill the processor's caches with long texts.
+    Comparison comparison{.operation = relayoutOf(renderer), .recordedAs = cell.recordKey()};
+    // It comes right after the operation, before others fill the processor's caches with long texts.
     if (cell.box->cuts && cell.wordCount == longText) {
         cell.wordCount = shortText;
         comparison.contenders.push_back({growthName, relayoutOf(makeRenderer(cell.textCase()))});

@@ -16,7 +16,7 @@ inline constexpr auto lineLoopName = "QTextLayout loop";
 inline constexpr auto pangoName = "Pango";
 inline constexpr auto documentName = "QTextDocument";
 
-// Returns the works that a renderer is compared with: the floor, and other layouts of its text in its box, with
+// Returns the operations that a renderer is compared with: the floor, and other layouts of its text in its box, with
 // its font and line limit. Only QTextDocument knows no line limit. Pango is missing if the program was built
 // without it.
 std::vector<Contender> textContenders(const TextRenderer &renderer);

@@ -94,7 +94,7 @@ private:
 
 void run(const Comparison &comparison, benchmark::State &state, Seconds time)
 {
-    std::vector<Measurement> measurements{Measurement(comparison.work, comparison.undoWork)};
+    std::vector<Measurement> measurements{Measurement(comparison.operation, comparison.undo)};
     for (const Contender &contender : comparison.contenders)
         measurements.emplace_back(contender.run);
 
@@ -115,10 +115,10 @@ void run(const Comparison &comparison, benchmark::State &state, Seconds time)
     }
 
     state.SetLabel(comparison.recordedAs);
-    const Measurement &work = measurements.front();
-    state.counters[workCounter] = work.medianSeconds();
+    const Measurement &operation = measurements.front();
+    state.counters[operationCounter] = operation.medianSeconds();
     for (std::size_t i = 0; i < comparison.contenders.size(); ++i)
-        state.counters[comparison.contenders[i].name] = work.ratioTo(measurements[i + 1]);
+        state.counters[comparison.contenders[i].name] = operation.ratioTo(measurements[i + 1]);
 }
 
 template<typename Function>
@@ -148,7 +148,7 @@ void countShaping(const std::string &name, std::function<std::function<void()>()
 {
     registerBenchmark(name, [makeAction = std::move(makeAction)](benchmark::State &state) {
         const auto action = makeAction();
-        run({.work = action}, state, repetitionTime);
+        run({.operation = action}, state, repetitionTime);
         state.counters[shaperCallsCounter] = tests::countShaperCalls(action);
     });
 }

@@ -7,7 +7,7 @@
 
 namespace ovelin::benchmarks {
 
-// Another way to get the result of a work of the library, to compare the times.
+// Another way to get the result of an operation of the library, to compare the times.
 struct Contender
 {
     std::string name;
@@ -16,14 +16,14 @@ struct Contender
 
 struct Comparison
 {
-    std::function<void()> work;
+    std::function<void()> operation;
     std::vector<Contender> contenders = {};
-    std::function<void()> undoWork = {}; // not timed; for a work that cannot be done twice
-    std::string recordedAs = {}; // text, box and words of its row in the record; empty: no row
+    std::function<void()> undo = {}; // not timed; for an operation that cannot be done twice
+    std::string recordedAs = {};     // text, box and words of its row in the record; empty: no row
 };
 
 // Registers a comparison with Google Benchmark. `makeComparison` is called at the beginning of each repetition. In
-// each round the work and all contenders run right after one another, so that other load on the machine slows
+// each round the operation and all contenders run right after one another, so that other load on the machine slows
 // all of them. The results are the ratios within a round.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);
 
@@ -33,9 +33,9 @@ void compareOnce(const std::string &name, std::function<Comparison()> makeCompar
 // Registers an action whose calls of the text shaper are counted.
 void countShaping(const std::string &name, std::function<std::function<void()>()> makeAction);
 
-// The names of a benchmark's counters: the seconds of the work, and its calls of the text shaper. Each other
-// counter has the name of a contender; it is the time of the work divided by that of the contender.
-inline constexpr auto workCounter = "work";
+// The names of a benchmark's counters: the seconds of the operation, and its calls of the text shaper. Each other
+// counter has the name of a contender; it is the time of the operation divided by that of the contender.
+inline constexpr auto operationCounter = "operation";
 inline constexpr auto shaperCallsCounter = "calls of the text shaper";
 
 double median(std::vector<double> values);

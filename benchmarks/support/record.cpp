@@ -36,13 +36,13 @@ void Record::ReportRuns(const std::vector<Run> &runs)
     for (const Run &run : runs) {
         if (run.report_label.empty())
             continue;
-        const double work = run.counters.at(workCounter);
-        out << run.report_label << ',' << nanoseconds(work);
+        const double operation = run.counters.at(operationCounter);
+        out << run.report_label << ',' << nanoseconds(operation);
         for (const auto *contender : {floorName, lineLoopName, pangoName, documentName}) {
             out << ',';
             const auto ratio = run.counters.find(contender);
             if (ratio != run.counters.end())
-                out << nanoseconds(work / ratio->second);
+                out << nanoseconds(operation / ratio->second);
         }
         out << '\n';
     }

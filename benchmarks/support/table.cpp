@@ -73,29 +73,29 @@ void Table::ReportRuns(const std::vector<Run> &runs)
     if (m_grid.add(name, result->counters, GetOutputStream()))
         return;
 
-    const double seconds = result->counters.at(workCounter);
+    const double seconds = result->counters.at(operationCounter);
     for (const auto &[against, ratio] : result->counters) {
-        if (against != workCounter)
+        if (against != operationCounter)
             printRow(name, seconds, against, ratio);
     }
 }
 
-void Table::printRow(const std::string &work, double seconds, const std::string &against,
+void Table::printRow(const std::string &operation, double seconds, const std::string &against,
                      double ratio)
 {
     std::ostream &out = GetOutputStream();
     if (!m_hasRows)
-        out << "| work | time | against | ratio | target | |\n|---|---:|---|---:|---:|---|\n";
+        out << "| operation | time | against | ratio | target | |\n|---|---:|---|---:|---:|---|\n";
     m_hasRows = true;
-    out << "| " << work << " | " << timeText(seconds) << " | " << against << " | "
+    out << "| " << operation << " | " << timeText(seconds) << " | " << against << " | "
         << numberText(ratio) << " | ";
-    printVerdict(work, against, ratio);
+    printVerdict(operation, against, ratio);
 }
 
-void Table::printVerdict(std::string_view work, std::string_view against, double ratio)
+void Table::printVerdict(std::string_view operation, std::string_view against, double ratio)
 {
     std::ostream &out = GetOutputStream();
-    if (const Target *target = findTarget(work, against)) {
+    if (const Target *target = findTarget(operation, against)) {
         ++m_targets;
         m_targetsMet += ratio <= target->ratio;
         out << targetText(*target) << " | " << verdict(*target, ratio) << " |\n";

@@ -21,10 +21,10 @@ public:
     void Finalize() override;
 
 private:
-    void printRow(const std::string &work, double seconds, const std::string &against,
+    void printRow(const std::string &operation, double seconds, const std::string &against,
                   double ratio);
     void printGridSummary();
-    void printVerdict(std::string_view work, std::string_view against, double ratio);
+    void printVerdict(std::string_view operation, std::string_view against, double ratio);
 
     GridTable m_grid;
     bool m_hasRows = false;

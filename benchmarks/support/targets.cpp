@@ -28,10 +28,10 @@ constexpr Target targets[] = {
 
 } // namespace
 
-const Target *findTarget(std::string_view work, std::string_view against)
+const Target *findTarget(std::string_view operation, std::string_view against)
 {
     const auto found = std::ranges::find_if(targets, [&](const Target &target) {
-        return target.work == work && target.against == against;
+        return target.operation == operation && target.against == against;
     });
     return found == std::end(targets) ? nullptr : found;
 }

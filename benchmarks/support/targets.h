@@ -6,20 +6,20 @@
 
 namespace ovelin::benchmarks {
 
-// The name of the work in targets for numbers of the whole grid.
+// The name of the operation in targets for numbers of the whole grid.
 inline constexpr auto gridName = "grid";
 
-// The highest accepted ratio of a work to a contender, or the highest accepted number of the grid.
+// The highest accepted ratio of an operation to a contender, or the highest accepted number of the grid.
 struct Target
 {
-    std::string_view work;
+    std::string_view operation;
     std::string_view against;
     double ratio;
     std::optional<double> beyond = {}; // a lower ratio that is desired
 };
 
 // Returns the target of a line of the table, or null.
-const Target *findTarget(std::string_view work, std::string_view against);
+const Target *findTarget(std::string_view operation, std::string_view against);
 
 } // namespace ovelin::benchmarks
 

@@ -10,7 +10,8 @@ enum class Script { Russian, Latin, Mixed, Hebrew, Arabic, Chinese };
 
 const char *name(Script script);
 
-// Returns a programme's description of `wordCount` words. A long one repeats its first 60 words.
+// Returns a programme's description of `wordCount` words. A text longer than the
+// sample of the script repeats the sample.
 QString description(Script script, int wordCount);
 
 // Returns the letters of such a description as one word.

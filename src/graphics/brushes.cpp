@@ -84,8 +84,8 @@ QPixmap createBrushImage(const QBrush &brush, const QSize &size)
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns a brush that tiles a texture of \a size pixels with \a gradient. The texture is
-    transparent where the gradient is.
+    Returns a brush that tiles a texture of \a size pixels with \a gradient. The texture
+    keeps the transparency of the gradient's colours.
 
     The points of the gradient are in pixels of the texture: a gradient from (0, 0) to (0, 72) runs
     once over a texture that is 72 pixels high. Returns a brush without a texture if \a size is

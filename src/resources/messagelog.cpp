@@ -90,7 +90,7 @@ Message composed(Message::Event event, const ResourceInfo &info)
 
 } // namespace
 
-// A slot of the signal may erase the entry: only the log is used after the signal.
+// A slot of messagesAdded() may erase the entry that `info` refers to. So `info` is not used after the signal.
 void SceneResourceTrackerPrivate::addMessage(Message::Event event, const ResourceInfo &info)
 {
     if (!messagesEnabled)

@@ -329,8 +329,8 @@ Qt::TextFormat TextRenderer::textFormat() const
     Qt::RichText is left to Qt, which wraps it at the width limit: it is neither elided nor hyphenated,
     and isTextElided() keeps what the last layout of another format found.
 
-    Any other format is broken as plain text, markup counted as characters, and Qt then reads the
-    result by its format. Set Qt::PlainText for texts from elsewhere.
+    A text of any other format is broken into lines like plain text: its markup counts as characters.
+    Qt then reads the result in the format set. Set Qt::PlainText for texts from elsewhere.
 */
 void TextRenderer::setTextFormat(Qt::TextFormat format)
 {

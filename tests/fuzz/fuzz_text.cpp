@@ -23,13 +23,14 @@ using namespace ovelin::tests;
 
 namespace {
 
-// Lengths in characters. Qt shapes a text of 10,000 characters in three pieces. Longer texts and comparisons
-// would find no more faults, and the fuzzer would try fewer inputs.
+// The lengths are in characters. Qt shapes in pieces of 4,096 characters, so a text of 10,000 has three. Greater
+// limits would slow the fuzzer and find no more faults.
 constexpr qsizetype longestText = 10'000;
 constexpr qsizetype longestRichText = 500;
 constexpr qsizetype longestComparedText = 200;
-constexpr int candidateBudget = 500;
 constexpr qsizetype mostCharacters = longestText; // in all layouts of one input together
+
+constexpr int candidateBudget = 500;
 constexpr std::size_t mostRenderers = 4;
 constexpr int mostCalls = 30;
 constexpr int canvasSize = 64;

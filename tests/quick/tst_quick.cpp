@@ -304,7 +304,7 @@ void tst_Quick::textFitsItsImplicitWidth()
     QCOMPARE(qRound(scene.item->height() * scene.ratio() / metrics.height()), lines);
 }
 
-// So that a layout that gives less than the implicit width can give it back.
+// A Qt Quick layout may narrow the item. It needs the unchanged implicit width to widen the item again.
 void tst_Quick::implicitWidthDoesNotDependOnTheWidth()
 {
     Scene scene(u"TextItem { text: 'Четыре исследователя'; maximumLineCount: 3 }"_s);

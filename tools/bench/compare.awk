@@ -1,9 +1,9 @@
 # Compares counted instructions ("name count") with the recorded counts and prints a Markdown table. Exits
-# with 1 if a count has grown by more than the tolerance, or if only one of the two files has the work.
+# with 1 if a count has grown by more than the tolerance, or if only one of the two files has the operation.
 
 BEGIN {
     tolerance = 0.03 # counts of the same program differ by less than this from run to run
-    print "| work | instructions | before | change | |"
+    print "| operation | instructions | before | change | |"
     print "|---|---:|---:|---:|---|"
 }
 
@@ -42,6 +42,6 @@ END {
         }
     }
     if (shrunk)
-        print "\nSome work takes less than recorded. To record the lower count: ./dev bench --update"
+        print "\nSome operation takes less than recorded. To record the lower count: ./dev bench --update"
     exit failed
 }

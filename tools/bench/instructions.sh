@@ -1,4 +1,4 @@
-# Counts the instructions of some works. Other load on the machine does not change the counts.
+# Counts the instructions of some operations. Other load on the machine does not change the counts.
 
 readonly instructions_file=$repository/benchmarks/instructions.txt
 
@@ -36,8 +36,8 @@ instructions_check()
     local verdict=0
     instructions_count "$1" >"$1/instructions.counted"
     awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/bench/compare.awk" "$1/instructions.counted" "$instructions_file" || verdict=$?
-    ((verdict == 0)) || fail "Some work takes more instructions than $(short_path "$instructions_file") records; see the table above." \
-        "Make the work cheaper, or, if the cost is justified, run: ./dev bench --update"
+    ((verdict == 0)) || fail "Some operation takes more instructions than $(short_path "$instructions_file") records; see the table above." \
+        "Make the operation cheaper, or, if the cost is justified, run: ./dev bench --update"
 }
 
 # instructions_update TREE
@@ -45,7 +45,7 @@ instructions_update()
 {
     instructions_count "$1" >"$1/instructions.counted"
     awk -f "$repository/tools/lib/measured.awk" -f "$repository/tools/bench/update.awk" "$1/instructions.counted" "$instructions_file" \
-        >"$1/instructions.updated" || fail "The works counted differ from those in $(short_path "$instructions_file"); see above." \
+        >"$1/instructions.updated" || fail "The operations counted differ from those in $(short_path "$instructions_file"); see above." \
         "Add or remove a line there."
     cp "$1/instructions.updated" "$instructions_file"
     git -C "$repository" diff --stat -- "$instructions_file" >&2

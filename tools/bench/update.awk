@@ -1,4 +1,4 @@
-# Prints the file of recorded counts with the present counts ("name count"). Exits with 1 if a work has no
+# Prints the file of recorded counts with the present counts ("name count"). Exits with 1 if an operation has no
 # line in the file, or a line has no count.
 
 /^[ \t]*(#|$)/ {
