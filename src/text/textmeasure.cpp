@@ -41,7 +41,7 @@ bool charactersTakeRoom(const QFont &font)
 // letters can be narrow and a word overflows. A run of several lines has at most one piece.
 qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
-    const double characters = lineWidth / (usualCharacterInEms * font.pixelSize());
+    const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
     const auto line = static_cast<qsizetype>(std::clamp(characters, 0.0, double(textSize)));
     const qsizetype more = line / 4;
     const int lines = maxLineCount >= 1 ? std::min(maxLineCount, usualLines) : usualLines;

@@ -23,9 +23,9 @@ using namespace ovelin::tests;
 
 namespace {
 
-// The lengths are in characters. Qt shapes in pieces of 4,096 characters, so a text of 10,000 has three. Greater
+// The lengths are in characters. Qt shapes in pieces of 4,096 characters, so a text of 5,000 has two. Greater
 // limits would slow the fuzzer and find no more faults.
-constexpr qsizetype longestText = 10'000;
+constexpr qsizetype longestText = 5'000;
 constexpr qsizetype longestRichText = 500;
 constexpr qsizetype longestComparedText = 200;
 constexpr qsizetype mostCharacters = longestText; // in all layouts of one input together
