@@ -43,7 +43,7 @@ qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qs
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
     const auto line = static_cast<qsizetype>(std::clamp(characters, 0.0, double(textSize)));
-    const qsizetype more = line / 4;
+    const qsizetype more = line / 4 + 1;
     const int lines = maxLineCount >= 1 ? std::min(maxLineCount, usualLines) : usualLines;
     return std::max(line + more, std::min(longestPiece, lines * line + more));
 }
