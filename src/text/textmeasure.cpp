@@ -207,9 +207,7 @@ void TextMeasure::compareAtSpace()
     if (space < 0)
         space = firstSpaceAfterLetter(text, 0);
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
-    qsizetype from = std::max(begin, space - longestCheck);
-    if (from > begin) // the tolerance is smaller where a word begins
-        from += text.sliced(from, space - from).indexOf(u' ') + 1;
+    const qsizetype from = std::max(begin, space - longestCheck);
     if (space <= from)
         return;
     if (!m_run.covers(from, space + 1))
