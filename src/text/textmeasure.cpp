@@ -259,9 +259,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     const double before = m_run.advance(from, first);
     const QString tail = m_text.range(first, last);
     const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
-    const bool isCutInside =
-        shown.size() >= 2 && shown.size() < tail.size() && shown.back() == ellipsis;
-    if (!isCutInside)
+    if (!shown.endsWith(ellipsis))
         return std::nullopt;
     return ElidedLine{.size = first - from + shown.size(),
                       .overflows = before + m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
