@@ -66,6 +66,8 @@ private Q_SLOTS:
     void covers();
     void longerTextIsNotNarrower_data();
     void longerTextIsNotNarrower();
+    void signsMayTakeTheScriptThatFollows_data();
+    void signsMayTakeTheScriptThatFollows();
     void isExact_data();
     void isExact();
     void hasSeparateGlyphs_data();
@@ -218,6 +220,7 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
     row("a tab", u"xа\tбx"_s, 1, 4, 0.05 + 4 + 0.05); // 80 pixels
     row("the direction changes twice", u"xаשбx"_s, 1, 4, 0.05 + 1 + 1 + 0.05);
     row("a mirrored sign", u"xа∈бx"_s, 1, 4, 0.05 + 2 + 0.05);
+    row("after a mirrored sign", u"x∈абx"_s, 2, 4, 0.05 + 0.05);
     row("a regional indicator", u"xа\U0001F1F7бx"_s, 1, 5, 0.05 + 2 + 0.05);
     row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
     row("a mark of another script after signs", u"τ12\u093c/τx"_s, 1, 6, 0.05 + 4 * 2 + 0.05);
@@ -310,6 +313,38 @@ void tst_ShapedRun::longerTextIsNotNarrower()
             QVERIFY2(run.leastAdvanceOfLonger(from) <= advance(longer), qPrintable(longer));
         }
     }
+}
+
+void tst_ShapedRun::signsMayTakeTheScriptThatFollows_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("rest");
+    QTest::addColumn<qsizetype>("from");
+    QTest::addColumn<double>("toleranceInEms");
+
+    const auto row = [](const char *name, const QString &text, const QString &rest, qsizetype from,
+                        double toleranceInEms) {
+        QTest::newRow(name) << text << rest << from << toleranceInEms;
+    };
+    // 4 em for the end of the run, and 2 em a sign.
+    row("no script", u"12"_s, u"34"_s, 0, 4);
+    row("a letter", u"12"_s, u"3а"_s, 0, 4 + 2 * 2);
+    row("a mark of one script", u"12"_s, u"3\u093c"_s, 0, 4 + 2 * 2);
+    // Half an em for the beginning, and 2 em a sign that had the script of the letter before.
+    row("no script after a letter", u"а12"_s, u"34"_s, 1, 4 + 2 * 2 + 0.5 + 2 * 2);
+}
+
+void tst_ShapedRun::signsMayTakeTheScriptThatFollows()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, rest);
+    QFETCH(qsizetype, from);
+    QFETCH(double, toleranceInEms);
+    const RunFont runFont(pixelFont());
+    const ShapedRun run(text, 0, runFont, rest);
+
+    const double least = run.leastAdvanceOfLonger(from);
+    QCOMPARE(run.advance(from, run.end()) - least, toleranceInEms * pixelFont().pixelSize());
 }
 
 void tst_ShapedRun::isExact_data()
