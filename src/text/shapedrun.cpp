@@ -278,10 +278,7 @@ double ShapedRun::characterTolerance(qsizetype index) const
 
 double ShapedRun::foreignSignsTolerance(qsizetype from, qsizetype to) const
 {
-    const qsizetype letter = firstLetter(from, to);
-    const qsizetype signs = letter - from;
-    if (signs == 0)
-        return 0;
+    const qsizetype signs = firstLetter(from, to) - from;
     int ownScript = QChar::Script_Common;
     for (qsizetype i = from; i < to && ownScript <= QChar::Script_Common; ++i)
         ownScript = QChar::script(characterAt(m_text, i - m_begin));

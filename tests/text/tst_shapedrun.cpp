@@ -221,7 +221,8 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
     row("the direction changes twice", u"xаשбx"_s, 1, 4, 0.05 + 1 + 1 + 0.05);
     row("a mirrored sign", u"xа∈бx"_s, 1, 4, 0.05 + 2 + 0.05);
     row("after a mirrored sign", u"x∈абx"_s, 2, 4, 0.05 + 0.05);
-    row("a regional indicator", u"xа\U0001F1F7бx"_s, 1, 5, 0.05 + 2 + 0.05);
+    row("the first regional indicator", u"xа\U0001F1E6бx"_s, 1, 5, 0.05 + 2 + 0.05);
+    row("the last regional indicator", u"xа\U0001F1FFбx"_s, 1, 5, 0.05 + 2 + 0.05);
     row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
     row("a mark of another script after signs", u"τ12\u093c/τx"_s, 1, 6, 0.05 + 4 * 2 + 0.05);
     row("signs before the script of the run", u"a—…kx"_s, 1, 4, 0.05 + 0.05);
