@@ -206,6 +206,8 @@ void TextMeasure::compareAtSpace()
     qsizetype space = firstSpaceAfterLetter(text, m_run.begin() + 1);
     if (space < 0)
         space = firstSpaceAfterLetter(text, 0);
+    if (space < 0)
+        space = text.lastIndexOf(u' ');
     const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
     const qsizetype from = std::max(begin, space - longestCheck);
     if (space <= from)

@@ -321,6 +321,7 @@ void tst_TextMeasure::noticesThatReadingsAreWrong_data()
         Method::MeasureAll);
     row("one word", {.beforeSpace = 1400}, u"qqqqqqqq"_s, false);
     row("a space at the end", {.beforeSpace = 1400}, u"qqqqqqqq "_s, true);
+    row("signs alone before spaces", {.beforeSpace = 1400}, u" q- w"_s, true);
     row("a space at the beginning", {.beforeSpace = 1400}, u" q w"_s, true);
     row("a long word before the space", {.beforeSpace = 1400}, u"q"_s.repeated(300) + u" w"_s,
         true);
