@@ -23,12 +23,12 @@ public:
 
     void printLastBox(std::ostream &out) const;
 
-    // Returns named numbers on the cells of at most 2,000 words, without those that nothing was
-    // measured for.
+    // Returns the names and values of what sums up the cells of at most 2,000 words. A value is left out if none of
+    // its cells was measured.
     std::vector<std::pair<std::string, double>> summary() const;
 
 private:
-    // How many times as long as others the layout takes; NaN where that was not measured.
+    // The time of the layout divided by that of each contender; NaN if that was not measured.
     struct Result
     {
         GridCell cell;

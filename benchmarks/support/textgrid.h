@@ -52,7 +52,8 @@ inline constexpr TextBox gridBoxes[] = {
 inline constexpr int shortText = 200;
 inline constexpr int longText = 2000;
 
-// How many words the texts in a box have. What a box cuts away is to cost nothing: there it has more.
+// Returns the numbers of words of the texts in a box. A box that cuts its text also has a very long one: the part
+// that is cut away should cost nothing.
 std::vector<int> gridLengths(const TextBox &box);
 
 struct GridCell
@@ -68,7 +69,7 @@ struct GridCell
     bool operator==(const GridCell &) const = default;
 };
 
-// What a long text that is cut is compared with in addition.
+// The name of the contender that is a shorter text, for a long text that the box cuts.
 inline constexpr auto growthName = "the same with 200 words";
 
 std::vector<GridCell> gridCells();
