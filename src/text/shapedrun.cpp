@@ -43,8 +43,9 @@ constexpr double greatestGlyphAdvance = 1 << 20;
 
 double scaledEm(const QFont &font)
 {
+    const double stretch = font.stretch() == QFont::AnyStretch ? 1 : font.stretch() / 100.0;
     const bool percentage = font.letterSpacingType() == QFont::PercentageSpacing;
-    return font.pixelSize() * std::max(1.0, font.stretch() / 100.0)
+    return font.pixelSize() * stretch
            * std::max(1.0, percentage ? std::abs(font.letterSpacing()) / 100 : 0);
 }
 

@@ -39,7 +39,7 @@ struct RunFont
 
     const QFont font;
     const QFontMetricsF metrics;
-    const double em; // scaled up if the font is stretched, or spaced in per cent
+    const double em; // scaled as the font is stretched, and up if it is spaced in per cent
     const double letterSpacing;
     const double wordSpacing;
 

@@ -65,10 +65,10 @@ bool isSpecialInElision(QChar c)
 
 bool isAfterLetter(QStringView text, qsizetype position)
 {
-    return position > 0 && text.at(position - 1).isLetterOrNumber();
+    return position > 0 && text.at(position - 1).isLetter();
 }
 
-// Returns the position of the first space after a letter or a digit, or -1.
+// Returns the position of the first space after a letter, or -1.
 qsizetype firstSpaceAfterLetter(QStringView text, qsizetype from)
 {
     qsizetype space = text.indexOf(u' ', from);

@@ -467,7 +467,7 @@ void tst_ShapedRun::scalesTheEm_data()
     QFont both = spacedFont(QFont::PercentageSpacing, 300);
     both.setStretch(150);
     QTest::newRow("plain") << pixelFont() << 1.0;
-    QTest::newRow("narrow") << stretchedFont(50) << 1.0;
+    QTest::newRow("narrow") << stretchedFont(50) << 0.5;
     QTest::newRow("wide") << stretchedFont(150) << 1.5;
     QTest::newRow("letters apart") << spacedFont(QFont::PercentageSpacing, 300) << 3.0;
     QTest::newRow("letters close") << spacedFont(QFont::PercentageSpacing, 50) << 1.0;

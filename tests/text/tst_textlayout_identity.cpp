@@ -409,6 +409,11 @@ void tst_TextLayoutIdentity::agreesOnTextsInKernedFontsThatWereWrong_data()
     QTest::newRow("a comma moves back")
         << -1400 << sized(16, 50)
         << QStringLiteral("xigxbc, wcgsaicxis sbxscgwaicab, sxw the www -gsgsgs") << 13 << 3;
+    QTest::newRow("elided after several words")
+        << -1400 << spaced(sized(20, 100), QFont::AbsoluteSpacing, 10)
+        << QStringLiteral("1-2 «да»- eggs x -т.е. «да»\tсй,г") << 108 << 3;
+    QTest::newRow("a narrow font")
+        << -1400 << sized(16, 50) << QStringLiteral(" телеканала выход -Новости") << 24 << 3;
     QTest::newRow("compared in a word of one letter")
         << -1400 << spaced(sized(40, 100), QFont::AbsoluteSpacing, -2.5)
         << QStringLiteral("-\t gsgsgs-Щ, - а - телеканала") << 127 << 3;
