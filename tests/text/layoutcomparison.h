@@ -12,7 +12,7 @@ class TextRenderer;
 
 namespace ovelin::tests {
 
-// The reference layout gives up after so many break candidates: 20 on each line that it may count.
+// The reference layout gives up after this many break candidates: 20 on each line that it may count.
 constexpr int candidateBudget = 20 * (mostCountedLines + remainderPeriod);
 
 // How many of the compared layouts have each property.

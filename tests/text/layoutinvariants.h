@@ -18,8 +18,8 @@ struct ReferenceLayout;
 // the ellipsis does not fit, nothing is shown. Rich text and text without a width show the source itself.
 QString sourceViolation(const TextRenderer &renderer);
 
-// With a line limit the library makes no more lines. Without a limit it elides nothing. Only newlines of the
-// text shown count here; lines that Qt breaks at a space are compared with the reference layout.
+// The library makes no more lines than the line limit. Without a limit it elides nothing. Only newlines of
+// the text shown count here; lines that Qt breaks at a space are compared with the reference layout.
 QString lineLimitViolation(const TextRenderer &renderer);
 
 // A second layout changes nothing.
@@ -40,8 +40,9 @@ QString moveViolation(TextRenderer &renderer, const QPoint &topLeft);
 QString widthViolation(TextRenderer &renderer, int width);
 
 // The number of shaper calls of a layout is bounded by the number of line ends shown, not by the length of
-// the text. It counts once for each script and font of the text. Texts whose characters must be measured one
-// by one have a bound for each character shown. Texts that Qt reads as a document have no bound.
+// the text. The bound is multiplied by the calls that measure the whole text once: one for each range of one
+// script, direction and font. Texts whose characters must be measured one by one have a bound for each
+// character shown. Texts that Qt reads as a document have no bound.
 QString shapingViolation(TextRenderer &renderer);
 
 // The renderer shows the reference layout.

@@ -44,8 +44,8 @@ QStringList englishNames()
     return names;
 }
 
-// Returns lines from all parts of a file, without the flags after a dictionary's words; nothing without
-// the file.
+// Returns lines from all parts of a file, without the flags after a dictionary's words. Returns nothing if
+// the file is missing.
 QStringList linesOf(const QString &path)
 {
     QFile file(path);

@@ -57,7 +57,7 @@ inline double advance(const QString &text, const QFont &font = pixelFont())
     return QFontMetricsF(font).horizontalAdvance(text);
 }
 
-// Returns the text with U+FFFD for each half of a surrogate pair, as the library shows it.
+// Returns the text with U+FFFD for each lone half of a surrogate pair, as the library shows it.
 inline QString withWholeCharacters(const QString &text)
 {
     QString result;

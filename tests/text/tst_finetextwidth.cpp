@@ -43,7 +43,7 @@ void tst_FineTextWidth::emptyTextHasOnlyTheMargin()
 
 void tst_FineTextWidth::wholeAdvanceIsNotRounded()
 {
-    // Qt measures in 1/64 pixel: the advance of at most 64 equal letters is a whole number.
+    // Qt measures in 1/64 pixel, so the loop ends: the advance of 64 equal letters is a whole number.
     const QFontMetricsF metrics(pixelFont());
     QString text(QStringLiteral("a"));
     while (metrics.horizontalAdvance(text) != std::floor(metrics.horizontalAdvance(text)))

@@ -129,7 +129,8 @@ void tst_Hyphenation::findsThePointsOfAWord_data()
     QTest::addColumn<QString>("word");
     QTest::addColumn<Points>("points");
 
-    // The Latin letters g, s and x count as members of the classes with these names: a class string is a word.
+    // The Latin letters g, s and x count as members of the classes with these names. So each rule's classes,
+    // written as letters, are a word to which the rule applies.
     QTest::newRow("xgg") << QStringLiteral("xgg") << Points{1};
     QTest::newRow("xgs") << QStringLiteral("xgs") << Points{1};
     QTest::newRow("xsg") << QStringLiteral("xsg") << Points{1};

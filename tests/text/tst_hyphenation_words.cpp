@@ -28,8 +28,8 @@ constexpr std::array boxWidths{40, 60, 80, 110, 150};
 
 // Returns how displayText() must begin for the two words: if the second word is hyphenated, with all up to the
 // newline after the hyphen; otherwise with both words, because a break at a space adds no newline. Returns
-// nothing if the rules of hyphenation do not decide. What stays on the line is measured with the first word, if
-// that is on the same line, with the hyphen and with two pixels of margin.
+// nothing if the rules of hyphenation do not decide. The part of the second word that stays on the line is
+// measured with the first word, if that is on the same line, with the hyphen and with two pixels of margin.
 QString expectedStart(const QString &firstWord, const QString &word, int boxWidth)
 {
     static const double hyphenAdvance = advance(QString(hyphen));

@@ -59,8 +59,8 @@ private Q_SLOTS:
     void readsPrefixesOfSeveralPiecesExactly_data();
     void readsPrefixesOfSeveralPiecesExactly();
     void readsRangesOfOnePieceOnly();
-    void toleratesWhatTheTableSays_data();
-    void toleratesWhatTheTableSays();
+    void readingHasTheExpectedTolerance_data();
+    void readingHasTheExpectedTolerance();
 
     void covers_data();
     void covers();
@@ -198,7 +198,7 @@ void tst_ShapedRun::readsRangesOfOnePieceOnly()
     QVERIFY(!longer.covers(1, 2));
 }
 
-void tst_ShapedRun::toleratesWhatTheTableSays_data()
+void tst_ShapedRun::readingHasTheExpectedTolerance_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<qsizetype>("from");
@@ -230,7 +230,7 @@ void tst_ShapedRun::toleratesWhatTheTableSays_data()
         capitalizedFont(QFont::Capitalize));
 }
 
-void tst_ShapedRun::toleratesWhatTheTableSays()
+void tst_ShapedRun::readingHasTheExpectedTolerance()
 {
     QFETCH(QString, text);
     QFETCH(qsizetype, from);

@@ -134,7 +134,7 @@ const Example examples[] = {
     {"last word wraps, three lines",         u"аб вг\nде",    45,           3, on, {u"аб", u"вг…"},           elided},
     {"last word wraps, two lines",           u"аб вг\nде",    45,           2, on, {u"аб", u"вг…"},           elided},
     // If the second count reaches the limit, the first line is elided to N characters, and the second line is
-    // cut after N characters. In the last row the text ends before, and a space stands for the ellipsis.
+    // cut after N characters. In the last row the text ends earlier, and a space stands for the ellipsis.
     {"cut at the end of the text",           u"аб вгд\n",     55,           2, on, {u"аб", u"вгд…"},          elided},
     {"cut next to the end of the text",      u"абв гд\n",     55,           2, on, {u"абв", u"гд…"},          elided},
     {"cut beyond the end of the text",       u"абвг д\n",     55,           2, on, {u"абвг", u"д "},          elided},
@@ -219,7 +219,7 @@ const Example examples[] = {
     {"own hyphen is a point",             u"программа-2000",  140, 2, on, {u"программа-", u"-2000"}, whole},
     // The rules alone would give ТВ-3сери-ал.
     {"own hyphen moves the later points", u"ТВ-3сериал",      100, 2, on, {u"ТВ-3сер-", u"иал"},     whole},
-    // This point does not fit, but a word with a hyphenation point is not split without a hyphen.
+    // The point at the hyphen does not fit, but a word that has a point is not split without a hyphen.
     {"hyphen after the word",             u"abcdefhijklm-да",  63, 3, on, {u"abcde…"},               elided},
 
     // Words without a point: at least five characters go to the next line, the separator counted.

@@ -20,7 +20,8 @@ namespace {
 
 constexpr int most = std::numeric_limits<int>::max();
 
-// With fewer cases for a font, no case may have a reading so wrong that the layout falls back to measuring.
+// The fewest cases for each font. Among fewer cases there may be none with a reading so wrong that the layout
+// falls back to measuring.
 constexpr int fewestFontCases = 25;
 
 class CaseMaker : private RandomChoice
@@ -787,7 +788,7 @@ void tst_TextLayoutIdentity::reusedRendererGivesTheSameAsANewOne()
         TextRenderer fresh;
         apply(fresh, input);
         const QString description = described(input);
-        // setText() replaces newlines by the present line limit, not by an earlier one.
+        // The present line limit decides whether setText() replaces newlines, not an earlier limit.
         QVERIFY2(used.text() == fresh.text(), qPrintable(description));
         QVERIFY2(used.displayText() == fresh.displayText(), qPrintable(description));
         QVERIFY2(used.boundingSize() == fresh.boundingSize(), qPrintable(description));

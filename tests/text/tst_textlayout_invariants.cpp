@@ -237,7 +237,7 @@ void tst_TextLayoutInvariants::keepsTheLineLimit()
     checkRule(400, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
 }
 
-// Russian words with single spaces only: in other texts Qt may break a line where the layout counts none.
+// Tries only Russian words with single spaces: other texts Qt may break where the layout counts no line.
 void tst_TextLayoutInvariants::paintsNoMoreLinesThanAllowed()
 {
     TextRenderer line;

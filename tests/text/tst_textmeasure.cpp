@@ -218,7 +218,7 @@ void tst_TextMeasure::shapesOnceForManyRanges()
 {
     if (!canCountShaperCalls())
         QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
-    // Four lines of 200 pixels hold about 72 letters of 20 pixels.
+    // Four lines of 200 pixels hold about 72 letters in a font of 20 pixels.
     const SourceText source(u"абвгдежз"_s.repeated(9));
     TextMeasure measure(source, pixelFont(), lineWidth, manyLines, Method::ReadRuns);
 
@@ -231,7 +231,7 @@ void tst_TextMeasure::shapesOnceForManyRanges()
     QCOMPARE(calls, 1);
 }
 
-// Each paragraph is a line. A run of the whole text at each of them would take 10,000 calls.
+// Each paragraph is a line. To shape the whole text at each paragraph would take 10,000 calls.
 void tst_TextMeasure::shapesParagraphsOnce()
 {
     if (!canCountShaperCalls())
@@ -361,7 +361,7 @@ void tst_TextMeasure::checksOnce()
     QCOMPARE(countShaperCalls([&] { measure.findsWrongReading(); }), 1);
     QCOMPARE(countShaperCalls([&] { measure.findsWrongReading(); }), 0);
 
-    // A measurement next to the limit has been compared.
+    // A decision next to the limit has compared a measurement already, so the check shapes nothing.
     TextMeasure compared(source, pixelFont(), lineWidth, manyLines, Method::ReadRuns);
     compared.decide(0, 7, fitsInto(advance(u"новости"_s)));
     QCOMPARE(countShaperCalls([&] { compared.findsWrongReading(); }), 0);

@@ -672,7 +672,7 @@ void tst_TextRenderer::anyWidthOfAWrappedTextNeedsALayout()
     TextRenderer renderer;
     prepare(renderer, text, fineWidth(text) - 1, 3);
 
-    // Also the same width needs a layout.
+    // Even the same width needs a layout when it is set again.
     renderer.setTextWidth(fineWidth(text) - 1);
     QVERIFY(renderer.isNeedRelayout());
     renderer.relayout();
@@ -1623,7 +1623,7 @@ void tst_TextRenderer::drawKeepsPenAndBrush()
         renderer.setText(QStringLiteral("a"));
         renderer.relayout();
 
-        // draw() gives the pen the font's point size as width. It is -1 for a font in pixels: QPen refuses it.
+        // draw() gives the pen the font's point size as width. QPen refuses that of a font in pixels: -1.
         if (strikeOut) {
             QTest::ignoreMessage(QtWarningMsg,
                                  "QPen::setWidth: Setting a pen width that is out of range");
