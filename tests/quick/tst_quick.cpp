@@ -49,7 +49,7 @@ QScreen *screenNamed(const QString &name)
     return *std::ranges::find(screens, name, &QScreen::name);
 }
 
-// Paints on a layer of its own, as an item does, over a white window.
+// Paints onto a transparent layer, as an item does, and shows the layer over a white window.
 QImage painted(qreal ratio, const std::function<void(QPainter &)> &paint)
 {
     QImage layer(sceneSize * ratio, QImage::Format_ARGB32_Premultiplied);
@@ -85,7 +85,7 @@ public:
 
     qreal ratio() const { return window.effectiveDevicePixelRatio(); }
 
-    // Returns the pixels of the window; a frame is made for it.
+    // Renders a frame of the window and returns its pixels.
     QImage image()
     {
         QImage image = window.grabWindow().convertToFormat(QImage::Format_RGB32);
@@ -144,7 +144,7 @@ class tst_Quick : public QObject
     Q_OBJECT
 
 public:
-    // Without a graphics processor, and with two screens.
+    // The test needs no graphics processor, and has two screens.
     static void initMain()
     {
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
@@ -197,7 +197,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-// The test is run for two screens.
+// CTest runs the test twice: without QT_SCALE_FACTOR, and with the factor 2.
 void tst_Quick::initTestCase()
 {
     const qreal wanted = qEnvironmentVariable("QT_SCALE_FACTOR", u"1"_s).toDouble();
@@ -280,7 +280,7 @@ void tst_Quick::textFitsItsImplicitWidth_data()
     QTest::newRow("paragraphs") << u"one\\nlongest of all\\ntwo"_s << u"longest of all"_s << 3;
 }
 
-// A layout gives an item its implicit width.
+// A Qt Quick layout sets the width of an item to its implicit width.
 void tst_Quick::textFitsItsImplicitWidth()
 {
     QFETCH(const QString, text);
@@ -392,7 +392,7 @@ void tst_Quick::textFollowsItsScreen()
     QCOMPARE(scene.ratio(), 2 * ratio);
     QCOMPARE(scene.image(), expected(2 * ratio));
 
-    // Into another window, which is on the coarser screen.
+    // The item moves into another window, which is on the coarse screen.
     Scene other(u"Item {}"_s);
     QCOMPARE(other.ratio(), ratio);
     scene.item->setParentItem(other.item.get());
@@ -448,7 +448,7 @@ void tst_Quick::posterObeysTheDecision()
     QVERIFY(show(false, false));
     QCOMPARE(statuses(), QList({cleared, cleared}));
 
-    // The place of an item that leaves is given to the next one.
+    // When an item gives up its picture, the next item may show its own.
     limit->setProperty("limit", 1);
     QVERIFY(show(true, false));
     posters[0]->setProperty("source", QUrl());
@@ -594,7 +594,7 @@ void tst_Quick::positionsFollowTheParents()
     QCOMPARE(state->geometry, QRect(-170, 5, 100, 90));
 }
 
-// Shows that the signal is emitted in the GUI thread, and that an item that moves leads to a frame.
+// Shows that afterAnimating() is emitted in the GUI thread, and that a frame follows when an item moves.
 void tst_Quick::decisionFollowsTheFrames()
 {
     const Scene scene(
@@ -685,7 +685,7 @@ void tst_Quick::galleryShowsAllItems()
     for (qsizetype i = 0; i < 4; ++i)
         QVERIFY(throbbers[i]->isTurning() != posters[i]->hasPicture());
 
-    // Every text is higher than nothing, and none is wider than the window.
+    // Every text has a height and ends left of the window's right edge.
     const QList<TextItem *> texts = view.rootObject()->findChildren<TextItem *>();
     QCOMPARE(texts.size(), 8);
     for (const TextItem *text : texts) {

@@ -58,7 +58,7 @@ private Q_SLOTS:
     void findsProgrammesByTime();
     void coversTheTimeOfItsProgrammes();
     void suggestsAnEvening();
-    void suggestsTheBeginOfAGuideWithoutEvening();
+    void suggestsTheStartOfAGuideWithoutEvening();
 };
 
 void tst_Guide::sortsProgrammes()
@@ -184,7 +184,7 @@ void tst_Guide::suggestsAnEvening()
     QCOMPARE(nextDay.suggestedTime(), at(17, 10) + days(1));
 }
 
-void tst_Guide::suggestsTheBeginOfAGuideWithoutEvening()
+void tst_Guide::suggestsTheStartOfAGuideWithoutEvening()
 {
     const Guide morning = guideOf({programme(QStringLiteral("a"), at(8), at(9))});
     QCOMPARE(morning.suggestedTime(), at(8));

@@ -116,7 +116,7 @@ void tst_PosterItem::writesItsBytesForThePolicy()
     QCOMPARE(stateOf(painted)->geometry, place);
     QCOMPARE(neededBytes(*stateOf(painted)), 160 * 90 * 4);
 
-    // The limit is 640 by 360 pixels.
+    // A file is loaded as a picture of 640 by 360 pixels at most.
     const QUrl url = QUrl::fromLocalFile(savedPicture({1280, 720}));
     PosterItem loaded(PosterItem::Shape::Panel, {u"x"_s, {}, url}, u"loaded"_s);
     loaded.place(place);
@@ -145,7 +145,7 @@ void tst_PosterItem::createsAndReleases()
     QCOMPARE(item.picture().size(), place.size());
     QVERIFY(colours(item.picture().toImage()) > 100);
 
-    // The second allowance leaves nothing to be done.
+    // A second permission asks for nothing: the item has its picture already.
     allow(item);
     QVERIFY(!item.isWanted());
 

@@ -83,7 +83,7 @@ private Q_SLOTS:
     void alwaysAllowsTinyOwnersAndCountsThem();
     void releasedBytesAreGivenToAnotherItem();
     void releasesBeforeItAllows();
-    void tellsNoOwnerTwice();
+    void repeatsNoDecision();
     void decidesOnceForManyRegistrations();
     void decidesFromTheEventLoop();
     void returnsAlthoughAnOwnerRegistersWhenTold();
@@ -219,7 +219,7 @@ void tst_ResourcePolicy::releasesBeforeItAllows()
     QVERIFY(!bothHeld);
 }
 
-void tst_ResourcePolicy::tellsNoOwnerTwice()
+void tst_ResourcePolicy::repeatsNoDecision()
 {
     const Item item(at(100), 60 * kibibyte);
     look();

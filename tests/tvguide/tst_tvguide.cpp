@@ -20,7 +20,7 @@ using namespace tvguide::tests;
 
 namespace {
 
-// In milliseconds. A busy machine with an emulator takes a part of this.
+// In milliseconds: enough for a busy machine with an emulator.
 constexpr int timeout = 120'000;
 
 struct Run
@@ -293,7 +293,7 @@ void tst_TvGuide::drawsTheEmbeddedGuide()
     const QImage picture(fileName);
     QCOMPARE(picture.size(), QSize(1280, 720));
     QVERIFY(colours(picture) > 5000);
-    // The ring around the focus, the mark of the present and the bright letters.
+    // Looks for the colours of the ring around the focus, the mark of the present time, and bright letters.
     const auto has = [&picture](auto &&matches) {
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {

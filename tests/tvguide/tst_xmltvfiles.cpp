@@ -9,8 +9,8 @@ using namespace tvguide;
 using namespace tvguide::tests;
 using namespace Qt::StringLiterals;
 
-// Each file in data/ shows one feature of the format, which its name tells. The table says what a
-// viewer of Russian programmes gets from it: a line for each channel, a line for each of its
+// Each file in data/ shows one feature of the format and is named after it. The table says what a
+// viewer whose language is Russian gets from the file: a line for each channel, a line for each of its
 // programmes with start, stop and title, and a line for each further detail.
 
 namespace {
@@ -101,7 +101,7 @@ void tst_XmltvFiles::readsTheFile_data()
          "ACST, ACDT, AEST, AEDT, CHST, NZST, NZDT, SST, HST, HDT, AKST, AKDT, PST, PDT, MST, MDT, "
          "CST, CDT, EST, EDT, AST, ADT, NST, NDT"_s});
 
-    // A time may end early; the rest of it is its first month, day, hour, minute or second.
+    // A time may leave out its last fields: a missing month or day is 1, a missing hour, minute or second 0.
     row("time-year.xml", {one, u"2025-01-01T00:00:00+00:00 2026-01-01T00:00:00+00:00 All year"_s});
     row("time-month.xml",
         {one, u"2002-09-01T00:00:00+01:00 2002-10-01T00:00:00+01:00 All September"_s});
@@ -113,7 +113,8 @@ void tst_XmltvFiles::readsTheFile_data()
         {u"4:66: programme with an impossible start \"20250230190000\""_s,
          u"7:50: programme with an impossible start \"20250314250000\""_s});
 
-    // Without a stop a programme lasts to the next start on its channel, the last one half an hour.
+    // A programme without a stop lasts until the next one on its channel starts. The last one on a channel
+    // lasts half an hour.
     row("stop-missing.xml", {one, u"2025-03-14T19:00:00+00:00 2025-03-14T19:45:00+00:00 First"_s,
                              u"2025-03-14T19:45:00+00:00 2025-03-14T20:15:00+00:00 Last"_s});
     row("stop-missing-on-two-channels.xml",
@@ -149,7 +150,7 @@ void tst_XmltvFiles::readsTheFile_data()
     row("correction.xml", {one, u"2025-03-14T19:00:00+00:00 2025-03-14T19:45:00+00:00 Corrected"_s},
         {u"7:72: programme that replaces an earlier one with the same channel and start"_s});
 
-    // Languages. The viewer's comes first.
+    // Languages. The viewer's language is preferred.
     const QString evening = u"2025-03-14T19:00:00+00:00 2025-03-14T20:00:00+00:00 "_s;
     row("display-name-languages.xml", {u"channel 1 Первый"_s, evening + u"Программа"_s});
     row("display-name-number.xml", {u"channel 42 Первый"_s, evening + u"Программа"_s});

@@ -225,7 +225,7 @@ void tst_XmltvReader::choosesTheLanguage_data()
                           << u"дом"_s;
     QTest::newRow("another language that begins alike")
         << uR"(<title lang="rus">x</title><title>дом</title>)"_s << u"ru"_s << u"дом"_s;
-    QTest::newRow("none before foreign")
+    QTest::newRow("no language before a foreign one")
         << uR"(<title lang="en">house</title><title>дом</title>)"_s << u"ru"_s << u"дом"_s;
     QTest::newRow("the first of equals")
         << uR"(<title lang="ru">дом</title><title lang="ru">хата</title>)"_s << u"ru"_s << u"дом"_s;
@@ -449,7 +449,7 @@ void tst_XmltvReader::reportsFilesThatCannotBeDecoded()
 
 void tst_XmltvReader::keepsEntriesBeforeAWrongByte()
 {
-    // The parser decodes fewer bytes at once.
+    // The parser decodes fewer bytes at once, so it reads the entry before it meets the wrong byte.
     const QByteArray blank(100'000, '\n');
     const Reading reading =
         readBytes("<tv>" + programme(u"<title>good</title>"_s).toUtf8() + blank + "\xff</tv>");
