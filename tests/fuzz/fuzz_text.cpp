@@ -23,8 +23,8 @@ using namespace ovelin::tests;
 
 namespace {
 
-// The lengths are in characters. Qt shapes in pieces of 4,096 characters, so a text of 5,000 has two. Greater
-// limits would slow the fuzzer and find no more faults.
+// The lengths are in characters. Qt shapes a text in pieces of 4,096 characters, so a text of 5,000 has two
+// pieces. A longer text would have only more of them, and would slow the fuzzer.
 constexpr qsizetype longestText = 5'000;
 constexpr qsizetype longestRichText = 500;
 constexpr qsizetype longestComparedText = 200;
@@ -158,7 +158,7 @@ void Subject::layOut(qsizetype &charactersLeft)
     requireNone(layoutViolation(m_renderer, m_availableHeight));
 }
 
-// Qt's time for a document with many images grows with the square of its length.
+// The time that Qt takes for a document with many images grows with the square of the text's length.
 bool Subject::isTooLongForQt() const
 {
     const QString text = m_renderer.text();

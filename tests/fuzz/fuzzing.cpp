@@ -29,7 +29,7 @@ void requireNone(const QString &violation)
     std::abort();
 }
 
-// The fuzzer leaves by exit(), so the application is never destroyed before.
+// The application is static: it exists until the fuzzer ends the process by exit().
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -57,7 +57,7 @@ QImage paintedByHand(const QBrush &brush, const QSize &size)
     return image;
 }
 
-// A pixmap has as many bits a pixel as the screen.
+// A texture is a pixmap, and a pixmap has as many bits a pixel as the screen.
 int channelTolerance()
 {
     constexpr int roundingOfOneStep = 2;

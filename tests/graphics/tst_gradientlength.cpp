@@ -21,9 +21,9 @@ int tenthOf(int length)
     return length / 10 + (length % 10 > 0);
 }
 
-// Returns the length of the texture for every length up to the longest. It is the shortest that
-// covers the length 3 to 10 times without remainder. If there is none, it is a tenth of the length,
-// rounded up, but at least the shortest texture.
+// Returns the length of the texture for every length up to the longest. The texture is the shortest
+// one that fits into the length exactly 3 to 10 times. If no texture does, its length is a tenth of
+// the length, rounded up, but at least that of the shortest texture.
 std::vector<int> definedLengths()
 {
     std::vector<int> lengths(longestLength + 1, 0);

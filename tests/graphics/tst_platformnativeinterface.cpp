@@ -46,8 +46,8 @@ void paintNothing(QPainter &) {}
 
 } // namespace
 
-// Runs on the platform of the tests with any of its functions, and on platforms without these
-// functions.
+// Runs on the tests' own platform, which offers any of the three functions, and on platforms that
+// have none of them.
 class tst_PlatformNativeInterface : public QObject
 {
     Q_OBJECT
@@ -286,7 +286,7 @@ void tst_PlatformNativeInterface::initCallsCreateTiledBuffer()
         }
     }
 
-    // Each call of init() calls the function, and constructing an instance does not.
+    // Each call of init() calls createTiledBuffer(). Constructing an instance does not.
     PlatformNativeInterface::init();
     const PlatformNativeInterface interface;
     if (offers(createTiledBufferName))
@@ -342,7 +342,7 @@ void tst_PlatformNativeInterface::keepsTheFunctionsOfItsConstruction()
     interface.setupPainterForTiledPixmap(canvas, painter);
     QCOMPARE(m_platform->setupPainterCalls.size(), m_offered.contains(setupPainterName) ? 1 : 0);
 
-    // init() looks the function up each time.
+    // init() looks createTiledBuffer() up each time.
     PlatformNativeInterface::init();
     QCOMPARE(m_platform->createBufferCalls.size(), offers(createTiledBufferName) ? 1 : 0);
 }

@@ -35,7 +35,7 @@ function(consume_by_pkgconfig prefix tree)
         COMMAND_ERROR_IS_FATAL ANY
     )
     separate_arguments(options UNIX_COMMAND "${options}")
-    # Without this build's warnings: Qt's headers would cause some.
+    # This build's warning flags are left out: Qt's headers would cause warnings.
     separate_arguments(flags UNIX_COMMAND "${CMAKE_CXX_FLAGS}")
     list(FILTER flags EXCLUDE REGEX "^-W")
     file(MAKE_DIRECTORY ${tree})

@@ -561,8 +561,8 @@ void TrackerModel::setStatus(Tracker &tracker, int state, int status)
     }
 }
 
-// All states of the item lose it before the first slot runs. They are its states even if the
-// application has written another owner into them. Slots already find the next item at the place.
+// All states of the item stop naming it before the first slot runs, even those into which the
+// application has written another owner. Slots already find the next item at the place.
 void TrackerModel::destroy(ItemAtPlace &place)
 {
     const int item = place.item;
@@ -940,7 +940,7 @@ TrackerSituation::Tracker TrackerSubject::situation(const SceneResourceTracker &
     return result;
 }
 
-// Checks the last message. The address of a destroyed object is not checked.
+// True if the address in the last message is wrong. The address of a destroyed object is not checked.
 bool TrackerSubject::hasWrongAddress(const SceneResourceTracker &tracker) const
 {
     if (tracker.messages().isEmpty())

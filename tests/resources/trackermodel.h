@@ -56,7 +56,7 @@ struct TrackerStep
     int place;
     int id;     // of the resource; the status, the geometry and the count are computed from it
     int number; // the state, the type, the URL and the name are computed from it
-    bool flag;  // the value to set; true also calls a dying item instead of the one at the place
+    bool flag;  // the value to set; if true, a dying item is called instead of the one at the place
 
     ResourceInfo info() const;
     ResourceOwnerState::Status status() const;

@@ -1424,8 +1424,8 @@ void tst_Reentrancy::itemDestroyedWhileItIsUnregistered()
 
 void tst_Reentrancy::itemWithoutStateDestroyedWhileItIsUnregistered_data()
 {
-    // resourcesChanged() is left out: the tracker does not know the owner any more when it is
-    // emitted.
+    // resourcesChanged() is left out: when it is emitted, the tracker does not know the owner any
+    // more.
     addSignalRows(std::array{messagesAdded, ownerRemoved});
 }
 

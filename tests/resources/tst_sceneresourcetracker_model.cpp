@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int highestId = 5; // few, so that calls often use the same id
+constexpr int highestId = 5; // low, so that calls often use the same id
 constexpr int highestNumber = 35;
 constexpr double reactionScale = 0.2; // up to 20 reactions to a step
 
@@ -60,7 +60,7 @@ rc::Gen<TrackerStep::Kind> anyKind(TrackerStep::Kind first, TrackerStep::Kind la
                         [](int kind) { return static_cast<TrackerStep::Kind>(kind); });
 }
 
-// RapidCheck shrinks ranges in small cases, which would then contain nothing but registrations.
+// RapidCheck narrows ranges in its small cases. Those would then contain nothing but registrations.
 rc::Gen<TrackerStep> anyStep(TrackerStep::Kind last)
 {
     const auto kind = rc::gen::weightedOneOf<TrackerStep::Kind>(

@@ -242,7 +242,7 @@ void tst_ThrobberRenderer::drawsCircleThenArc()
     const QList<PaintCall> calls = drawn(throbber);
     QCOMPARE(calls.size(), 2);
 
-    // The integer overload, with left 5, top 5, right 94, bottom 94.
+    // The call is drawEllipse(const QRect &) with left 5, top 5, right 94 and bottom 94.
     QCOMPARE(calls.at(0).kind, PaintCall::Kind::Ellipse);
     QCOMPARE(calls.at(0).rects, QList<QRectF>{QRectF(5, 5, 90, 90)});
 
@@ -331,7 +331,8 @@ void tst_ThrobberRenderer::drawChangesOnlyThePenOfThePainter()
     QCOMPARE(painter.clipBoundingRect(), clipped);
     painter.end();
 
-    // draw() does not save and restore the painter: the recorded calls have its state.
+    // draw() does not save and restore the painter: the recorded calls have the brush, transform
+    // and opacity that are set above.
     QCOMPARE(recorder.calls().size(), 4);
     QCOMPARE(recorder.calls().at(0).brush, brush);
     for (const PaintCall &call : recorder.calls()) {
@@ -377,7 +378,7 @@ void tst_ThrobberRenderer::insetsRenderRectByHalfThePen_data()
     QTest::newRow("cosmetic") << 0 << square << square;
     QTest::newRow("hair") << 1 << square << square;
     QTest::newRow("even") << 2 << square << corners(1, 1, 98, 98);
-    QTest::newRow("odd loses its half") << 3 << square << corners(1, 1, 98, 98);
+    QTest::newRow("odd, rounded down") << 3 << square << corners(1, 1, 98, 98);
     QTest::newRow("four") << 4 << square << corners(2, 2, 97, 97);
     QTest::newRow("five") << 5 << square << corners(2, 2, 97, 97);
     QTest::newRow("default") << 10 << square << corners(5, 5, 94, 94);
@@ -456,7 +457,7 @@ void tst_ThrobberRenderer::setPenWidthInsetsTheNullRect()
 void tst_ThrobberRenderer::refusedPenWidthChangesTheArcRect_data()
 {
     QTest::addColumn<int>("penWidth");
-    QTest::addColumn<QRect>("arcRect"); // of QRect(0, 0, 100, 100)
+    QTest::addColumn<QRect>("arcRect"); // in the render rectangle QRect(0, 0, 100, 100)
 
     const auto outset = [](int by) { return QRect(0, 0, 100, 100).adjusted(-by, -by, by, by); };
     QTest::newRow("-1") << -1 << outset(0);
@@ -756,7 +757,7 @@ void tst_ThrobberRenderer::changesThePhaseExactlyAtTheLimits_data()
 {
     QTest::addColumn<QList<int>>("spans"); // steps in degrees
     QTest::addColumn<int>("length");
-    QTest::addColumn<int>("tail"); // its part of the start angle
+    QTest::addColumn<int>("tail"); // the start angle, clockwise, in 1/16 degree
 
     // The longest arc is 275 degrees longer than the shortest. A step beyond one limit changes the
     // phase, and a long step in the new phase then reaches the other limit.
@@ -811,7 +812,7 @@ void tst_ThrobberRenderer::shrinkingMovesTheStartOfTheArc()
     throbber->addAngles(0, 175);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-(4400 + 80)));
 
-    // It stays while the arc grows, and increases while the arc shrinks again.
+    // The offset stays while the arc grows, and increases while the arc shrinks again.
     throbber->addAngles(0, 275);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-(4400 + 80)));
     throbber->addAngles(0, 275);
@@ -918,7 +919,7 @@ QImage painted(ThrobberRenderer &throbber)
     return canvas;
 }
 
-// Clockwise from three o'clock, as the indicator turns.
+// The degrees count clockwise from three o'clock, as the indicator turns.
 QColor colorOnRing(const QImage &canvas, double degrees, double radius = ringRadius)
 {
     const double radians = degrees * std::acos(-1.0) / 180;
@@ -947,7 +948,7 @@ void tst_ThrobberRenderer::paintsTrackAndArcAtTheirAngles()
     QCOMPARE(resting.pixelColor(2, 2).alpha(), 0);
     QCOMPARE(resting.pixelColor(97, 97).alpha(), 0);
 
-    // Now the arc reaches from 95 to 95 + 142 degrees: a quarter of a turn further, half of the way to the longest.
+    // Now the arc reaches from 95 to 95 + 142 degrees: it has turned by 90 degrees and is half grown.
     throbber.addAngles(90, 137);
     const QImage turned = painted(throbber);
     for (int degrees = 95; degrees <= 95 + 140; degrees += 5)
@@ -991,7 +992,8 @@ void tst_ThrobberRenderer::tickStepsFollowTheInterval_data()
     QTest::newRow("25 ms") << 25ms << 4 << 9;
     QTest::newRow("50 ms") << 50ms << 9 << 18;
     QTest::newRow("99 ms") << 99ms << 17 << 35;
-    // The division comes first: its rounding costs 175 ms and 350 ms one degree.
+    // The interval is divided by the period first. Rounding the quotient costs the span of 175 ms and both
+    // values of 350 ms one degree.
     QTest::newRow("175 ms") << 175ms << 31 << 62;
     QTest::newRow("350 ms") << 350ms << 62 << 125;
     QTest::newRow("1000 ms") << 1000ms << 180 << 360;
@@ -1036,7 +1038,7 @@ void tst_ThrobberRenderer::updateIntervalIsStored_data()
     QTest::newRow("an hour") << std::chrono::milliseconds(1h);
     QTest::newRow("greatest") << std::chrono::milliseconds(maxInt);
 #if QT_VERSION < QT_VERSION_CHECK(6, 10, 0)
-    // Newer versions of QTimer warn.
+    // From Qt 6.10 on, QTimer warns of negative intervals.
     QTest::newRow("negative") << -1ms;
     QTest::newRow("least") << std::chrono::milliseconds(minInt);
 #endif
@@ -1079,7 +1081,7 @@ void tst_ThrobberRenderer::longUpdateIntervalIsNarrowedAsQTimerDoes()
     for (const auto interval : {std::chrono::milliseconds((1LL << 32) + 17),
                                 std::chrono::milliseconds((5LL << 32) + 1)}) {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 10, 0)
-        // Newer versions of QTimer clamp the interval instead of narrowing it, and warn.
+        // From Qt 6.10 on, QTimer clamps the interval instead of narrowing it, and warns.
         const QRegularExpression clamped(QStringLiteral("^QTimer::setInterval: interval exceeds"));
         QTest::ignoreMessage(QtWarningMsg, clamped);
         QTest::ignoreMessage(QtWarningMsg, clamped);
