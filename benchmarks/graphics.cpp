@@ -86,7 +86,7 @@ struct Backdrop
             [brush](QPainter &painter, const QRect &area) { painter.fillRect(area, brush); });
     }
 
-    // The kept picture has the format of the target, just as a window system gives pixmaps that of the screen.
+    // The kept picture has the canvas's format, as the pixmaps of a window system have the screen's format.
     std::function<void()> copyKept() const
     {
         QImage kept(size, format);

@@ -1,7 +1,7 @@
 // ovelin_instructions RUNS
 //
-// Runs each operation of a list RUNS times. Callgrind writes the instructions of each operation with its name.
-// instructions.txt describes the operations.
+// Runs each operation below RUNS times. Callgrind runs this program and writes, for each operation, its name
+// and its instructions. instructions.txt describes the operations.
 
 #include "support/canvas.h"
 #include "support/renderers.h"
@@ -33,7 +33,7 @@ Operation relayout()
     return relayoutOf(makeRenderer(textCase));
 }
 
-// Some cells of the grid.
+// Some cells of the grid in support/textgrid.h.
 constexpr TextCase tickerRussian{
     .script = Script::Russian, .wordCount = 200, .maxLineCount = 1, .width = justWideEnough};
 constexpr TextCase cutTickerArabic{

@@ -32,7 +32,7 @@ struct ShownText
     int maxLineCount;
 };
 
-// The texts of the programme guide in docs/images/tvguide.png, without times and numbers.
+// The heading, the details, and the names of channels and programmes in docs/images/tvguide.png.
 constexpr ShownText screenful[] = {
     {"Программа передач", 24, {48, 34}, 720, 1},
     {"Электростанция на краю света", 32, {421, 96}, 777, 1},
@@ -104,7 +104,7 @@ std::function<void()> allOf(std::vector<std::function<void()>> actions)
     };
 }
 
-// Each contender does for all texts what it does for one.
+// Returns one contender for each name: it runs the contenders of this name for all texts.
 template<typename MakeContenders>
 std::vector<Contender> contendersFor(const Renderers &renderers,
                                      const MakeContenders &makeContenders)

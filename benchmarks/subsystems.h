@@ -3,7 +3,7 @@
 
 namespace ovelin::benchmarks {
 
-// Each function registers the comparisons of a subsystem.
+// Each function registers the comparisons in the source file of its name, such as text.cpp.
 void registerText();
 void registerResources();
 void registerThrobber();

@@ -92,7 +92,8 @@ Comparison compareDraw()
              drawnByPainter(*renderer)}};
 }
 
-// Each call of drawTextRenderer() translates the painter; the translation is undone.
+// drawTextRenderer() translates the painter by the negative position of the text. The translation before each
+// call makes up for that.
 Comparison compareDrawTextRenderer()
 {
     const auto renderer = makeRenderer(usualCase);

@@ -40,7 +40,7 @@ std::shared_ptr<cairo_t> makePicture()
     constexpr int height = 720;
     cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
     std::shared_ptr<cairo_t> picture(cairo_create(surface), cairo_destroy);
-    cairo_surface_destroy(surface); // its other owner is the context
+    cairo_surface_destroy(surface); // the context still holds it
     cairo_set_source_rgb(picture.get(), 1, 1, 1);
     return picture;
 }

@@ -11,7 +11,8 @@ namespace ovelin::benchmarks {
 
 namespace {
 
-// The same width as the renderer chooses: at most the text's own width, unless the text was elided.
+// Returns the width of the renderer's QStaticText: that of the box if the text was elided, otherwise that of
+// the text, but at most that of the box.
 int staticTextWidth(const TextRenderer &renderer)
 {
     if (renderer.isTextElided())

@@ -30,8 +30,8 @@ private:
     QStaticText m_staticText;
 };
 
-// Breaks a text as applications without a renderer do: a QTextLayout creates the lines, and another one the
-// elided last line.
+// Breaks a text as applications without a renderer do: a QTextLayout creates the lines, and another one
+// creates the elided last line.
 class LineLoop
 {
 public:

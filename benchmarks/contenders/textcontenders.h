@@ -17,11 +17,12 @@ inline constexpr auto pangoName = "Pango";
 inline constexpr auto documentName = "QTextDocument";
 
 // Returns the operations that a renderer is compared with: the floor, and other layouts of its text in its box, with
-// its font and line limit. Only QTextDocument knows no line limit. Pango is missing if the program was built
+// its font and line limit. QTextDocument has no line limit. Pango is missing if the program was built
 // without it.
 std::vector<Contender> textContenders(const TextRenderer &renderer);
 
-// Returns the same contenders as painters: they have laid out the text, and paint it at its place.
+// Returns the same contenders with the text laid out already: they only paint the text, where the renderer
+// would paint it.
 std::vector<Contender> textPainters(const TextRenderer &renderer,
                                     const std::shared_ptr<Canvas> &canvas);
 

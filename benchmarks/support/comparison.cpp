@@ -14,7 +14,7 @@ namespace {
 
 using Seconds = std::chrono::duration<double>;
 
-// The least time between two readings of the clock. Reading is a system call, whose time would count in shorter
+// The least time of one measurement. Reading the clock is a system call, whose time would count in shorter
 // measurements.
 constexpr Seconds shortestMeasurement{0.0005};
 
@@ -54,7 +54,7 @@ public:
 
     double medianSeconds() const { return median(m_secondsPerRun); }
 
-    // The time of this measurement divided by that of the other.
+    // Returns the median over all rounds of the time of this measurement divided by that of the other.
     double ratioTo(const Measurement &other) const
     {
         std::vector<double> ratios;
@@ -108,7 +108,7 @@ void run(const Comparison &comparison, benchmark::State &state, Seconds time)
         for (int round = 0; round < fewestRounds || total < time; ++round) {
             for (Measurement *measurement : order)
                 total += measurement->runRound();
-            // The first one in a round may have colder caches.
+            // The first measurement of a round may find colder caches.
             std::ranges::reverse(order);
         }
         state.SetIterationTime(total.count());

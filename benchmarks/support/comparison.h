@@ -19,12 +19,12 @@ struct Comparison
     std::function<void()> operation;
     std::vector<Contender> contenders = {};
     std::function<void()> undo = {}; // not timed; for an operation that cannot be done twice
-    std::string recordedAs = {};     // text, box and words of its row in the record; empty: no row
+    std::string recordedAs = {};     // text, box and words of its row in speed.csv; empty: no row
 };
 
 // Registers a comparison with Google Benchmark. `makeComparison` is called at the beginning of each repetition. In
 // each round the operation and all contenders run right after one another, so that other load on the machine slows
-// all of them. The results are the ratios within a round.
+// all of them. Each ratio divides two times of the same round.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);
 
 // Registers a comparison that is not repeated. It makes few rounds if a round takes long.

@@ -16,8 +16,8 @@ namespace ovelin::benchmarks {
 class GridTable
 {
 public:
-    // Returns false if no cell of the grid has that name. Prints the table of the last box when the
-    // first cell of another one arrives.
+    // Adds the results of a cell. Returns false if no cell of the grid has that name. Prints the table of the
+    // previous box when the first cell of another box arrives.
     bool add(const std::string &cellName, const benchmark::UserCounters &counters,
              std::ostream &out);
 

@@ -46,7 +46,7 @@ std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase)
     return renderer;
 }
 
-// A changed position makes every layout out of date.
+// relayout() does nothing for an unchanged renderer. A changed position makes the layout out of date.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer)
 {
     return [renderer] {

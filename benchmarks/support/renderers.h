@@ -14,7 +14,7 @@ constexpr int boxWidth = 400;
 constexpr int boxHeight = 200;
 constexpr int screenWidth = 1900;
 
-// The width of a box that shows the whole text on one line.
+// In place of a width: the box is just wide enough for the whole text on one line.
 constexpr int justWideEnough = 0;
 
 struct TextCase
@@ -29,13 +29,13 @@ struct TextCase
     double letterSpacing = 0;
 };
 
-// Returns a renderer that has laid out its text in the box.
+// Returns a renderer that has laid out the text of the case.
 std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase);
 
 // Returns an action that lays the text out again.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer);
 
-// Returns an action that searches the hyphenation point of each word of a text; half of the word fits.
+// Returns an action that searches a hyphenation point in the first half of each word of a text.
 std::function<void()> hyphenationOf(const QString &text);
 
 } // namespace ovelin::benchmarks

@@ -20,8 +20,8 @@ private:
     QObject m_object;
 };
 
-// A tracker with images of several owners. Each operation uses the last image in its list, or another image, which
-// is not in the list.
+// A tracker with images of several owners. Each operation uses the last image in the tracker's list, or
+// another image, which is not in the list.
 class Scene
 {
 public:
@@ -33,7 +33,7 @@ public:
     void unregisterAnother();
     void setLastStatus();
 
-    // The least that a tracker without an index does: walk along the list to the image, or to its end.
+    // The least that a tracker without an index does: walk along the list to the image, or to the end.
     void walkToLast() const;
     void walkToAnother() const;
     void walkOverOwned() const;

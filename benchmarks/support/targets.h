@@ -6,7 +6,7 @@
 
 namespace ovelin::benchmarks {
 
-// The name of the operation in targets for numbers of the whole grid.
+// In place of an operation: the target is for a number of the whole grid.
 inline constexpr auto gridName = "grid";
 
 // The highest accepted ratio of an operation to a contender, or the highest accepted number of the grid.

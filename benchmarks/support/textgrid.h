@@ -36,7 +36,7 @@ struct TextBox
     const char *name;
     int width;
     int maxLineCount;
-    bool cuts = false; // longer texts, not all short ones
+    bool cuts = false; // true: long texts do not fit, short ones may
 };
 
 inline constexpr int allLines = std::numeric_limits<int>::max();

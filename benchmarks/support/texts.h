@@ -14,7 +14,7 @@ const char *name(Script script);
 // sample of the script repeats the sample.
 QString description(Script script, int wordCount);
 
-// Returns the letters of such a description as one word.
+// Returns the letters of the same description as one word.
 QString endlessWord(Script script, int wordCount);
 
 QFont pixelFont(double letterSpacing = 0);
