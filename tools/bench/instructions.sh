@@ -2,8 +2,8 @@
 
 readonly instructions_file=$repository/benchmarks/instructions.txt
 
-# Without these Qt and the C library would choose code by the processor they find, and count differently on
-# every machine.
+# Without these variables Qt and the C library would choose their code by the processor, and the counts would
+# differ from machine to machine.
 readonly instructions_environment=(
     QT_QPA_PLATFORM=offscreen
     QT_HASH_SEED=0

@@ -46,7 +46,7 @@ box_measure_file()
             print "size-bss", bss
             print "size-loader", loader
         }'
-    # The first record of each table is empty, by the ABI.
+    # The ABI leaves the first record of each relocation table empty.
     echo "relocations $(inside mipsel-linux-gnu-readelf --relocs --wide "$library" \
         | awk '/^[0-9a-f]+ / && $3 != "R_MIPS_NONE"' | wc --lines)"
     echo "symbols $(inside mipsel-linux-gnu-nm --dynamic --defined-only "$library" | grep --count ' [TtVvWwDdBbRru] ')"
@@ -59,7 +59,8 @@ box_measure_load()
     box_count "$1/tools/box/probe/loadprobe" "$1/cost-work/libovelin.so"
 }
 
-# A registration writes the message. So the cost of the message is the difference to a registration without it.
+# useprobe registers a resource without a message, and another one with a message. The cost of the message is the
+# difference.
 # box_measure_use TREE
 box_measure_use()
 {

@@ -1,12 +1,12 @@
 # bench [FILTER]
 # Measure the speed of the library as ratios to the time of Qt and of other libraries.
 #
-# Each benchmark takes turns with what it is compared with, in one run. The times are processor times. The
+# An operation and what it is compared with run in turns. The times are processor times. The
 # tables show medians and are also written to build/bench.md. FILTER is a regular expression for the names
 # of benchmarks: ./dev bench Russian
 #
-#   ./dev bench --check     count the instructions of some benchmarks; fail when one takes more than 3 %
-#                           above what benchmarks/instructions.txt records
+#   ./dev bench --check     count the instructions of some benchmarks; fail when one takes over 3 % more
+#                           than benchmarks/instructions.txt records
 #   ./dev bench --update    record the present counts in benchmarks/instructions.txt
 #   ./dev bench --record    measure the times of texts in some four minutes, record them in
 #                           docs/measured/speed.csv, and draw the plots in docs/images

@@ -19,7 +19,7 @@ chooses_output()
     return 1
 }
 
-# Shows the folders of all files named in the arguments inside the build root: a file may refer to others
+# Makes the folders of all files in the arguments visible inside the build root: a file may refer to others
 # beside it.
 show_files()
 {

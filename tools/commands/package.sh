@@ -23,8 +23,8 @@ make_source_archive()
         --sort=name --owner=0 --group=0 --numeric-owner --mtime="@$(git -C "$repository" log -1 --format=%ct)"
 }
 
-# Debian's tools expect the archive under another name and debian/ at the top of the source. They do not
-# check the build dependencies: the workshop has the programs, but not the package build-essential.
+# Debian's tools expect the archive under another name and debian/ at the top of the source. The
+# build dependencies are not checked: the workshop has the programs, but not the package build-essential.
 make_debian_packages()
 {
     cp "$packages/$name.tar.xz" "$work/ovelin_$version.orig.tar.xz"
@@ -51,8 +51,8 @@ require_mmdebstrap()
     is_administrator || root_require_user_ids
 }
 
-# The new Debian has what the packages depend on from the start. So each file that is left over after their
-# removal is theirs.
+# The new Debian has from the start what the packages depend on. So each file that is left over when the
+# packages are removed is a file of theirs.
 try_debian_packages()
 {
     local settings tryout=$work/tryout

@@ -1,4 +1,4 @@
-# What draws and writes the documentation.
+# Builds the documentation, and draws its plots.
 
 readonly plots_data=$repository/docs/measured/speed.csv
 

@@ -110,7 +110,7 @@ crossbuild_fetch_original()
             --directory="$source_package-original"
 }
 
-# Runs apt-get with package lists of its own: those of the root have no sources and are read-only.
+# Runs apt-get with package lists of its own: those of the root are read-only and list no source packages.
 crossbuild_apt_get()
 {
     local apt=$home/apt settings
@@ -131,7 +131,7 @@ crossbuild_configure()
 {
     [[ ! -f $home/build/build.ninja ]] || return 0
     say "$title for the device: configuring"
-    # A copy: the installed library refers to the toolchain file, and other clones of the project use it too.
+    # A copy: the installed library refers to the toolchain file, and other clones use that library too.
     cp "$crossbuild_toolchain_file" "$home/toolchain.cmake"
     root_run cmake -G Ninja -S "$home/source" -B "$home/build" -Wno-dev \
         -DCMAKE_TOOLCHAIN_FILE="$home/toolchain.cmake" -DCMAKE_INSTALL_PREFIX="$home/installed" \

@@ -88,8 +88,8 @@ root_add()
     fi
 }
 
-# Shows the root the repository, the working folder, the cache and the paths of root_show that are inside a
-# system folder, such as a clone in /usr/src. A path under which the root has files stays as it is.
+# Mounts the repository, the working folder, the cache and the paths of root_show into the root, if they are in
+# a system folder, such as a clone in /usr/src. A path at which the root has files of its own is not mounted.
 root_add_shown()
 {
     local path

@@ -73,7 +73,7 @@ host_is_complete()
     [[ -z $(host_missing) ]]
 }
 
-# True if apt can install everything that the machine lacks.
+# True if the user may install packages with apt, and apt has a Qt that is new enough.
 host_can_be_completed()
 {
     has_apt && may_administer || return 1

@@ -46,7 +46,7 @@ root_exists()
     [[ -d $root ]]
 }
 
-# Has the time the root was made: a root that is made again may have newer packages.
+# Prints the root's folder and the time when it was made: a root that is made again may have newer packages.
 root_identity()
 {
     echo "$root of $(stat --format=%Y "$root/etc/debian_chroot")"
@@ -187,7 +187,8 @@ root_remove_others()
     done
 }
 
-# Some packages have folders that their owner may not write to.
+# Deletes a root. Makes its folders writable first: some packages have folders that their owner may not
+# write to.
 # root_delete FOLDER
 root_delete()
 {

@@ -10,8 +10,8 @@ readonly compiler_cache=(
     CCACHE_MAXSIZE=2G
 )
 
-# Each of the four functions below that chooses a tool chain sets toolchain, the name of the folder of its
-# build trees ("host", "workshop" or the suite), and toolchain_identity, which changes with its compiler or Qt.
+# choose_toolchain, use_host, use_root and use_workshop set toolchain, the name of the folder of the build trees
+# ("host", "workshop" or the suite), and toolchain_identity, which changes with the compiler or Qt.
 
 choose_toolchain()
 {
@@ -23,8 +23,8 @@ choose_toolchain()
     esac
 }
 
-# Prefers a complete host. Prefers a root if OVELIN_SUITE is set, or if the host is incomplete and a root is
-# there already: then apt need not install anything.
+# Prints "host" if OVELIN_SUITE is not set and the host is complete. Prints "host" as well if apt can complete
+# the host and there is no root yet. Prints "root" otherwise: with a root, apt need not install anything.
 preferred_toolchain()
 {
     if [[ -z ${OVELIN_SUITE:-} ]] && { host_is_complete || { ! root_exists && host_can_be_completed; }; }; then

@@ -174,7 +174,7 @@ class Workbench:
 
     def passes(self, name, seconds):
         # A test's own TIMEOUT property goes before --timeout, so this program waits itself. CTest gets a time
-        # limit as well: it goes on if this program is ended.
+        # limit as well, because CTest goes on if this program is ended.
         command = ["ctest", "--test-dir", self.tests, "-R", f"^{re.escape(name)}$", "--no-tests=error",
                    "--timeout", str(int(seconds) + 1)]
         test = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
