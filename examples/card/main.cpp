@@ -41,7 +41,7 @@ int main(int argc, char *argv[])
     ovelin::SceneResourceTracker tracker;
     ovelin::setSceneResourceTracker(&tracker);
     const Poster poster;
-    const auto owners = tracker.owners(); // a copy: an owner that is told may unregister itself
+    const auto owners = tracker.owners(); // a copy: an owner that is allowed may unregister itself
     for (const auto &[owner, state] : owners) {
         tracker.setStatus(state, ovelin::ResourceOwnerState::CreationAllowed);
         tracker.allowResources(state);

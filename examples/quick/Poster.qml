@@ -1,7 +1,7 @@
 import QtQuick
 import Gallery
 
-// A poster. A throbber turns in its place while the application does not allow it.
+// A poster. While it has no picture, a throbber turns in its place.
 Rectangle {
     id: card
 

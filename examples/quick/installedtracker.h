@@ -4,7 +4,7 @@
 #include <ovelin/sceneresourcetracker.h>
 
 //! [tracker]
-// A tracker that is installed as long as it exists. It exists before the items and longer than they.
+// A tracker that is installed as long as it exists. Create it before the items and destroy it after them.
 class InstalledTracker : public ovelin::SceneResourceTracker
 {
     Q_OBJECT

@@ -19,7 +19,7 @@ namespace {
 
 enum ExitCode { Success = 0, UsageOrOutputError = 1, NothingToShow = 2 };
 
-// Until then the pictures have been decided, and an arc of the throbber has grown.
+// Long enough to decide which pictures are shown, and to let the throbber's arc grow.
 constexpr auto timeBeforePicture = 500ms;
 
 void print(std::FILE *stream, const QString &text)

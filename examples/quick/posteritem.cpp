@@ -12,7 +12,7 @@ PosterItem::PosterItem(QQuickItem *parent)
     connect(this, &PosterItem::sourceChanged, this, &PosterItem::registerPicture);
 }
 
-// Unregisters while it still has its class and its name, which the tracker's log shows.
+// Unregisters while the item still has its class and its name, which the tracker's log shows.
 PosterItem::~PosterItem()
 {
     m_owner.unregisterResources();
@@ -25,7 +25,7 @@ void PosterItem::registerPicture()
     if (m_source.isEmpty())
         m_owner.unregisterResources();
     else if (m_owner.registerImage(1, m_source) && m_owner.isResourcesAllowed())
-        readPicture(); // another picture of an item that was allowed to hold one
+        readPicture(); // the item was allowed to hold its previous picture
 }
 //! [register]
 
@@ -46,7 +46,7 @@ void PosterItem::setPicture(const QImage &picture)
 }
 
 //! [node]
-// The render thread may call this. A node that is deleted takes the texture with it.
+// The render thread may call this. A node that is deleted deletes its texture.
 QSGNode *PosterItem::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
     auto *imageNode = static_cast<QSGImageNode *>(node);

@@ -11,7 +11,8 @@ using StatePointer = QSharedPointer<ResourceOwnerState>;
 
 namespace {
 
-// True if the tracker still lists the state: an owner that was told before may have removed it.
+// True if the tracker still lists the state: an owner that was told earlier may have
+// unregistered this one.
 bool isListed(const SceneResourceTracker &tracker, const StatePointer &state)
 {
     const auto known = tracker.owners().find(state->owner);

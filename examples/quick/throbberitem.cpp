@@ -38,7 +38,7 @@ void ThrobberItem::itemChange(ItemChange change, const ItemChangeData &data)
     QQuickPaintedItem::itemChange(change, data);
 }
 
-// In the units of the item: lines, unlike glyphs, may be scaled by the painter.
+// Paints in the units of the item: the painter may scale lines, unlike glyphs.
 void ThrobberItem::paint(QPainter *painter)
 {
     m_throbber.draw(*painter);
@@ -50,7 +50,7 @@ void ThrobberItem::geometryChange(const QRectF &newGeometry, const QRectF &oldGe
     constexpr int sidePerPen = 12;
     const QRect rect(QPoint(), newGeometry.size().toSize());
     m_throbber.setRenderRect(rect);
-    // An odd width would extend half a pixel beyond the item.
+    // With an odd width the pen would paint half a pixel beyond the item.
     m_throbber.setPenWidth(std::min(rect.width(), rect.height()) / sidePerPen / 2 * 2);
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
 }

@@ -38,7 +38,7 @@ QString facts(const Programme &programme, const Channel &channel, const WallCloc
     return facts.join(separator);
 }
 
-// Tells how long a running programme lasts, or how long it is until another one starts.
+// Tells how much of a running programme is left, how soon a later one starts, or that the programme is over.
 QString remaining(const Programme &programme, Instant now, const Wording &wording)
 {
     if (programme.isRunning(now))

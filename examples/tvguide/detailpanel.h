@@ -21,7 +21,7 @@ struct PanelTag
     TextBlock label;
 };
 
-// All about one programme. What the guide does not tell takes no room.
+// The details of one programme. Tags and an episode line take room only if the guide has them.
 struct DetailPanel
 {
     TextBlock title;

@@ -19,7 +19,8 @@ struct Compression
     QLatin1StringView name;
 };
 
-// Guides are offered for download in these forms. Each format's description names its mark.
+// Guides are offered for download in these formats. The mark is how a file of the format begins, as the
+// description of the format says.
 const std::array compressions{
     Compression{"\x1f\x8b", "gzip"_L1},
     Compression{"BZh", "bzip2"_L1},
@@ -29,8 +30,8 @@ const std::array compressions{
     Compression{"PK\x03\x04", "zip"_L1},
 };
 
-// Returns the name of the encoding that the first line of an XML file declares; "UTF-8" without
-// one.
+// Returns the name of the encoding that the first line of an XML file declares; "UTF-8" without a
+// declaration.
 QByteArray declaredEncoding(QIODevice &device)
 {
     // In bytes. A declaration has some 60.

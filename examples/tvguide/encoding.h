@@ -12,13 +12,13 @@ QT_END_NAMESPACE
 namespace tvguide {
 
 // Returns why the content of a device cannot be decoded: it is compressed, or it declares an
-// encoding that Qt does not know. Returns an empty text for other content. The device stays at its
-// place.
+// encoding that Qt does not know. Returns an empty text for other content. Does not move the
+// device.
 QString undecodableContent(QIODevice &device);
 
-// Returns the first line, counted from 1, that a parser has read and that is not in the declared
-// encoding, which is UTF-8; nothing for other encodings, where every byte is right. Moves the
-// device.
+// Checks the lines that a parser has read from a device whose content is declared as UTF-8. Returns
+// the first one that is not UTF-8, counted from 1; nothing if there is none, or for other encodings.
+// Moves the device.
 std::optional<qint64> wronglyEncodedLine(QIODevice &device);
 
 } // namespace tvguide

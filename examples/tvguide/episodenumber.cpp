@@ -8,7 +8,7 @@ namespace {
 
 std::optional<EpisodeNumber::Count> readCount(QStringView text)
 {
-    // Nine digits fit an int with room for one more.
+    // A number of nine digits fits an int, and so does the number plus 1.
     static const QRegularExpression pattern(QRegularExpression::anchoredPattern(
         QStringLiteral(R"(\s*(?:(?<index>\d{1,9})\s*(?:/\s*(?<total>\d{1,9})\s*)?)?)")));
     const auto match = pattern.matchView(text);

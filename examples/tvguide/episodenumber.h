@@ -10,7 +10,7 @@ namespace tvguide {
 // The place of a programme in a series, such as season 2, episode 5, part 1 of 2.
 struct EpisodeNumber
 {
-    // Both count from 1; 0 means not given.
+    // The number counts from 1. A number or total of 0 is not given.
     struct Count
     {
         int number = 0;
@@ -23,7 +23,7 @@ struct EpisodeNumber
 };
 
 // Reads the system "xmltv_ns" of XMLTV: up to three counts with dots between them, such as
-// "1.4.0/2". A count is empty, a number that counts from 0, or this number and the total. Returns
+// "1.4.0/2". A count is empty, a number that counts from 0, or this number, "/" and the total. Returns
 // nothing for a text of another form and for a number that is not below its total.
 std::optional<EpisodeNumber> readEpisodeNumber(QStringView text);
 

@@ -22,7 +22,8 @@ std::pair<Instant, int> placeOf(const Programme &programme)
     return {programme.start, programme.clumpIndex};
 }
 
-// Keeps the last one of several programmes at the same place: the file corrects itself.
+// Keeps the last of several programmes with the same start and clump index: a later entry of the file
+// corrects an earlier one.
 void dropCorrected(std::vector<Programme> &programmes)
 {
     const auto dropped = std::ranges::unique(programmes | std::views::reverse, {}, placeOf);

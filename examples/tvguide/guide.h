@@ -20,7 +20,7 @@ struct Programme
 
     Instant start;
     Instant stop = unknownStop;
-    // Counts the programmes that share a slot of their channel, from 0.
+    // The place of the programme among those that share its slot, from 0.
     int clumpIndex = 0;
 
     QString title;
@@ -72,7 +72,8 @@ public:
     std::size_t programmeCount() const;
     bool covers(Instant instant) const;
 
-    // Returns a time to show if the guide does not cover the present: an evening of the guide.
+    // Returns a time to show if the guide does not cover the present: its first evening, or its start if
+    // no programme runs then.
     Instant suggestedTime() const;
 
 private:

@@ -171,7 +171,7 @@ void GuidePainter::paintTimeLine(QPainter &painter) const
     }
 }
 
-// A guide may have fewer channels than the screen has rows.
+// Returns the bottom of the last channel: a guide may have fewer channels than the screen has rows.
 int GuidePainter::rowsBottom() const
 {
     return m_scene.channels().rbegin()->second.rect.bottom();
@@ -193,7 +193,7 @@ const QBrush &GuidePainter::cardBrush(ProgrammeIndex index) const
                                                              : m_brushes.card;
 }
 
-// The mark of the present time covers the cards, but not their titles.
+// The mark of the present time covers the cards, but neither the focused card nor any title.
 void GuidePainter::paintCards(QPainter &painter)
 {
     const QRect grid = m_scene.layout().grid;

@@ -266,8 +266,8 @@ void GuideScene::arrangeCards()
     forgetFarCards();
 }
 
-// Searches each card by its time. A walk through all programmes would cost more than the cards that
-// fit the row.
+// Searches the programme of each card by its time. A walk through all programmes of the channel would
+// cost more than the few cards of a row.
 void GuideScene::arrangeRow(std::size_t channelIndex)
 {
     const Channel &channel = m_guide.channels()[channelIndex];
@@ -332,8 +332,8 @@ QRect GuideScene::cardPosterRect(ProgrammeIndex index) const
                  card.height());
     poster.moveRight(isInGrid(card) ? std::min(card.right(), grid.right()) : card.right());
 
-    // A card outside of the grid is not visible behind the panel or the channels. Its picture moves
-    // outside of the screen, so that the policy clears it.
+    // A card outside of the grid is not painted, but its rectangle may be on the screen, behind the panel or
+    // the channels. So the rectangle of its picture moves off the screen, and the policy clears the picture.
     if (card.right() < grid.left())
         poster.translate(-m_layout.size().width(), 0);
     else if (card.left() > grid.right())
@@ -345,7 +345,8 @@ QRect GuideScene::cardPosterRect(ProgrammeIndex index) const
     return poster;
 }
 
-// Keeps cards within one screen of the grid, without their pictures: viewers often come back.
+// Forgets cards that are farther from the grid than its width or height. Nearer cards stay, without their
+// pictures: viewers often come back.
 void GuideScene::forgetFarCards()
 {
     const QSize reach = m_layout.grid.size();

@@ -71,8 +71,9 @@ public:
     void setTime(Instant now);
     void moveFocus(Direction direction);
 
-    // Makes up to limit pictures that are wanted, those near the focus first. Returns true if more
-    // pictures are wanted. One call per frame keeps each frame short.
+    // Makes at most `limit` of the wanted pictures: first the panel's and the channels', then those of the
+    // cards nearest to the focus. Returns true if more pictures are wanted. One call per frame keeps each
+    // frame short.
     bool createPictures(int limit);
     bool hasWantedPictures() const;
 
@@ -128,7 +129,7 @@ private:
     Instant m_gridStart;
     std::size_t m_firstChannel = 0;
     ProgrammeIndex m_focus;
-    // The focus keeps this time when it moves to another channel, whatever programme is on there.
+    // A focus that moves to another channel goes to the programme at this time.
     Instant m_focusTime;
 
     TextBlock m_heading;

@@ -61,7 +61,8 @@ QImage paint(Presentation &presentation)
     return image;
 }
 
-// Writes a file that appears complete or not at all. Returns the cause of a failure.
+// Writes a file. In a folder that allows a temporary file, the file appears complete or not at all. Returns
+// the cause of a failure.
 QString write(const QString &fileName, const std::function<QString(QIODevice &)> &writeContent)
 {
     QSaveFile file(fileName);

@@ -13,7 +13,7 @@ class LanguageChoice
 public:
     explicit LanguageChoice(const QString &preferredLanguage);
 
-    // A language is a code such as "ru", "ru-RU" or "ru_RU"; all of these are the preferred "ru".
+    // A language is a code such as "ru", "ru-RU" or "ru_RU"; all of these match the preferred "ru".
     void offer(QStringView language, const QString &text);
 
     const QString &text() const { return m_text; }

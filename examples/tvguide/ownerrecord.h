@@ -3,8 +3,8 @@
 
 #include <ovelin/resourceinfo.h>
 
-// The library leaves two numbers in an owner's state to the application. The items of this program
-// write the facts into them by which the policy decides.
+// An owner's state has two numbers that the library leaves to the application. The items of this
+// program store in these numbers what the policy decides by.
 namespace tvguide {
 
 inline qint32 &neededBytes(ovelin::ResourceOwnerState &state)
@@ -12,7 +12,7 @@ inline qint32 &neededBytes(ovelin::ResourceOwnerState &state)
     return state.applicationValue1;
 }
 
-// Owners with a greater priority are allowed first.
+// Owners of greater importance are allowed first.
 inline qint32 &importance(ovelin::ResourceOwnerState &state)
 {
     return state.applicationValue2;

@@ -15,7 +15,7 @@ namespace tvguide {
 void paintPosterArt(QPainter &painter, const QRect &rect, const QString &title,
                     const QString &category);
 
-// Paints the first letter of the title, large and faint, onto a picture without words beside it.
+// Paints the first letter of the title, large and faint, onto a picture that no other text covers.
 void paintPosterInitial(QPainter &painter, const QRect &rect, const QString &title);
 
 // Paints the sign of a channel without a logo: the first letter of its name on a disc.

@@ -195,7 +195,7 @@ void PosterItem::loadSource()
     if (!m_source.isNull())
         return;
 
-    // The file has changed or is broken, so that a painted item replaces it.
+    // The file has changed or is broken: a painted item replaces the picture.
     m_sourceSize = QSize();
     registerSource();
     describeToApplication();

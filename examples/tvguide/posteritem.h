@@ -24,7 +24,7 @@ class PosterItem : public QObject, public ovelin::AbstractResourceOwner
 public:
     enum class Shape {
         Card,  // fades out towards the text on its left
-        Panel, // all of it, with round corners
+        Panel, // does not fade
         Badge, // the round sign of a channel
     };
 

@@ -14,8 +14,8 @@ namespace {
 using ovelin::ResourceOwnerState;
 using ovelin::SceneResourceTracker;
 
-// The limit of decisions in a row: owners may change their resources with every decision. The event loop makes
-// the next decision.
+// decide() makes at most this many decisions in a row: owners may change their resources with every decision.
+// The event loop makes the next one.
 constexpr int maxRounds = 4;
 
 bool mayHold(ResourceOwnerState::Status status)
@@ -120,7 +120,7 @@ std::vector<ResourcePolicy::Verdict> ResourcePolicy::verdicts() const
     return verdicts;
 }
 
-// An owner that was told before may have unregistered or destroyed this owner.
+// False if an owner that was told earlier of its decision has unregistered or destroyed this one.
 bool ResourcePolicy::isRegistered(const QSharedPointer<ResourceOwnerState> &state) const
 {
     const auto known = m_tracker.owners().find(state->owner);

@@ -20,9 +20,9 @@ namespace tvguide {
 // items near the focus first, and denies the others. Items that have left the screen release their pictures. Items
 // that need very little memory are always allowed.
 //
-// A change in the tracker only marks the decisions as stale. They are made when the application calls decide()
-// before it paints, or from the event loop. So a hundred registrations lead to one decision. If an owner registers
-// or unregisters when it is told, another round follows, without recursion.
+// A change in the tracker only marks the decisions as stale. New ones are made when the application calls
+// decide() before it paints, or from the event loop. So a hundred registrations lead to one decision. If an
+// owner registers or unregisters when it is told of a decision, another round follows, without recursion.
 class ResourcePolicy : public QObject
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ public:
         int denied = 0;
         int cleared = 0;
         int ignored = 0;
-        // What the pictures of all allowed and ignored owners take.
+        // What the pictures of all allowed and ignored owners need.
         qint64 heldBytes = 0;
     };
 

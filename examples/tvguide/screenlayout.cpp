@@ -75,7 +75,7 @@ ScreenLayout::ScreenLayout(const QSize &size)
     rail = QRect(left, grid.top(), px(railWidth), gridHeight);
 }
 
-// The side of the screen that is relatively shorter than in the design decides the scale.
+// Scales by the width or the height of the screen, whichever gives the smaller scale.
 int ScreenLayout::px(int designPixels) const
 {
     const bool narrow = m_size.width() * design.height() <= m_size.height() * design.width();

@@ -4,7 +4,7 @@
 #include <QColor>
 #include <QFont>
 
-// The colours of the screen: a dark room with warm lights.
+// The colours and the font of the screen.
 namespace tvguide::theme {
 
 inline constexpr QColor backgroundTop(0x12, 0x17, 0x2e);

@@ -327,8 +327,8 @@ void XmltvReader::readDetails(Programme &programme)
     programme.premiere = premiere.text();
 }
 
-// Other systems than these two are for machines. A number of the wrong form is shown as it is
-// written.
+// Systems other than xmltv_ns and onscreen are for machines. A number of the wrong form is shown as it
+// is written.
 void XmltvReader::readEpisode(Programme &programme)
 {
     const QString system = m_xml.attributes().value("system"_L1).trimmed().toString();
@@ -406,7 +406,7 @@ std::size_t XmltvReader::channelIndex(const QString &id)
     return entry->second;
 }
 
-// The parser decodes more than it has parsed, so that its place is before that of a wrong byte.
+// The parser decodes ahead: the place that it has reached is before the wrong byte.
 void XmltvReader::reportFault()
 {
     if (const auto line = wronglyEncodedLine(m_device)) {

@@ -31,8 +31,8 @@ struct XmltvResult
 XmltvResult readXmltv(const QString &fileName, const QString &language,
                       const ProblemSink &reportProblem);
 
-// Reads from an open device. The file name stands in messages, and the names of icons are relative
-// to it.
+// Reads from an open device. The file name stands in messages, and the paths of icons are relative
+// to its folder.
 XmltvResult readXmltv(QIODevice &device, const QString &fileName, const QString &language,
                       const ProblemSink &reportProblem);
 
