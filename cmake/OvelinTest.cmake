@@ -2,7 +2,7 @@
 #
 # Adds the test program tst_<name>, made of tst_<name>.cpp and the SOURCES, linked with ovelin and the
 # LIBRARIES. The test runs without a display, and in a cross build under CMAKE_CROSSCOMPILING_EMULATOR. The
-# library does not export its private functions: a test of one has its .cpp among the SOURCES.
+# library does not export its private functions: a test of a private function has its .cpp among the SOURCES.
 function(ovelin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
 

@@ -101,8 +101,8 @@ root_add_shown()
     done
 }
 
-# True if the root has a file or folder that is not empty. An empty one may be the mount point that an
-# earlier run made.
+# True if the root has a file or folder at PATH that is not empty. An empty one may be the mount point that
+# an earlier run made.
 # root_has PATH
 root_has()
 {

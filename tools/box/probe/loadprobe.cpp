@@ -34,7 +34,7 @@ std::size_t dirtyBytes(const std::string &library)
         const std::size_t space = line.find(' ');
         if (dash < space) {
             // A mapping starts with a line "begin-end rights ... file". The library's variables without
-            // initial value are in a mapping without a file, which begins where one of the library ends.
+            // initial value are in a mapping without a file that begins where a mapping of the library ends.
             const bool hasFile = line.find('/') != std::string::npos;
             isLibrary = hasFile ? line.find(library) != std::string::npos
                                 : line.substr(0, dash) == libraryEnd;

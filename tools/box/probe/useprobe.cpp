@@ -190,7 +190,7 @@ void countTracker()
 
     ++id;
     markAction("registration", [&] { scene.registerOne(id); });
-    // The list grows with its first messages.
+    // The first messages make the tracker's list of messages grow, which is not to be counted.
     scene.tracker.setMessagesEnabled(true);
     for (int messages = 0; messages < 3; ++messages)
         scene.registerOne(++id);
