@@ -11,7 +11,7 @@ namespace ovelin {
 
 namespace {
 
-// Keeps the last glyph from being clipped where it reaches beyond its advance.
+// In pixels. Keeps the last glyph from being clipped where it reaches beyond its advance.
 constexpr int safetyMargin = 2;
 
 } // namespace

@@ -3,12 +3,12 @@
 
 namespace ovelin {
 
-// The integer that a measured size becomes: truncated towards zero, and the nearest int where the
-// size lies outside their range. All arithmetic with positions that callers choose goes through it,
-// as doubles hold every sum of ints.
+// Truncates a measured size towards zero. A size outside the range of int becomes the nearest int.
+// Sums of positions that callers choose are computed as doubles, which cannot overflow, and then
+// converted by this function.
 int toInt(double value);
 
-// The fine width of a text with that advance.
+// Returns the fine width of a text with this advance: textlayout_p.h has the terms.
 int fineWidth(double advance);
 
 } // namespace ovelin

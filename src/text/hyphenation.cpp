@@ -10,8 +10,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // The name of a class is the initial of its Russian word: g for vowels (glasnye), s for consonants
-// (soglasnye). The short i and the two signs are in class x. The Latin letters g, s and x in a word therefore
-// count as letters of these classes.
+// (soglasnye). The short i and the two signs are in class x. All other characters stand for themselves, so
+// the Latin letters g, s and x in a word count as letters of these classes.
 struct LetterClass
 {
     char16_t letter;
@@ -43,18 +43,18 @@ constexpr Rule hyphenationRules[] = {
 };
 // clang-format on
 
-// Each rule is applied twice. Each time a point can depend on characters that are as far away as a rule is
-// long.
+// A hyphenation point can depend on characters up to hyphenationReach away: each rule is applied twice, and
+// each application adds the length of a rule to this distance.
 constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
                                       return rule.before.size();
                                   }).before.size();
 constexpr qsizetype hyphenationReach =
     qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1);
 
-// The points among the first characters of a long word are looked for first: few lines have more characters.
+// The points among this many characters of a long word are looked for first: few lines have more characters.
 constexpr qsizetype usualPrefix = 64;
 
-// The room that a class string has for inserted hyphens.
+// A class string reserves memory for this many inserted hyphens.
 constexpr qsizetype usualHyphenCount = 4;
 
 QHash<QChar, QChar> makeLetterClasses()
@@ -80,15 +80,15 @@ void insertHyphens(QString &classes)
     for (const auto &[before, after] : hyphenationRules) {
         if (!classes.contains(before))
             continue;
-        // One replacement leaves out matches that overlap. The second one finds them. A third one would
-        // give points that nobody expects.
+        // One replacement leaves out matches that overlap. The second one finds them. A third one would only
+        // add points in rows of five or more vowels, where callers expect none.
         classes.replace(before, after);
         classes.replace(before, after);
     }
 }
 
-// False if the word has no hyphenation point, because it has no hyphen and no letter of a class. Words of other
-// scripts can be long.
+// False if the word certainly has no hyphenation point, because it has no hyphen and no letter of a class.
+// This saves the search in words of other scripts, which can be long.
 bool mayHavePoints(QStringView word)
 {
     return std::ranges::any_of(word, [](QChar c) {
@@ -107,7 +107,8 @@ int lastPointThatFits(QStringView word,
         return -1;
 
     qsizetype point = 0;
-    // A hyphen of the word itself counts like an inserted one: the points after it lie one character early.
+    // A hyphen of the word itself counts like an inserted one, so the points after it lie one character
+    // early.
     for (qsizetype hyphens = 0; candidate != -1 && fitsWithHyphen(candidate - hyphens); ++hyphens) {
         point = candidate - hyphens;
         candidate = classes.indexOf(hyphen, candidate + 1);
@@ -123,7 +124,7 @@ const QRegularExpression wordBreakPattern(
 
 qsizetype wordEnd(QStringView text, qsizetype from)
 {
-    // Spaces and separators are found without the pattern, because starting it costs more than this search.
+    // Spaces and line separators are found without the pattern, which costs more to start than this search.
     qsizetype position = from;
     while (position < text.size() && text.at(position) != u' ' && text.at(position) != lineSeparator
            && text.at(position) != hyphen) {
@@ -145,7 +146,7 @@ int hyphenationPoint(QStringView word, qxp::function_ref<bool(qsizetype kept) co
 {
     if (!mayHavePoints(word))
         return -1;
-    // A prefix of a long word has the points of the word, except those within the reach of its end.
+    // A prefix of a long word has the points of the word, except within hyphenationReach of the prefix's end.
     for (qsizetype size = usualPrefix;; size *= 2) {
         const QStringView prefix = word.first(std::min(size + hyphenationReach, word.size()));
         bool isDecided = prefix.size() == word.size();

@@ -8,20 +8,19 @@
 
 namespace ovelin {
 
-// The characters that the text module names.
 constexpr char16_t newline = u'\n';
 constexpr char16_t lineSeparator = u'\u2028';
 constexpr char16_t hyphen = u'-';
 constexpr char16_t ellipsis = u'\u2026';
 
-// The class of each lower-case Russian letter: vowel, consonant, or sign.
+// The class of each lower-case Russian letter: g for a vowel, s for a consonant, x for the rest.
 extern const QHash<QChar, QChar> hyphenationLetterClasses;
 
 // Matches where a word ends: at a space, at a line separator, or at a hyphen that no digit follows.
 extern const QRegularExpression wordBreakPattern;
 
-// Returns the position of the first match at or after a position. The end of the text, which must be
-// well-formed, counts as a space.
+// Returns the position at or after `from` where a word ends: the first match of the pattern. The end of the
+// text counts as a space. The text must be well-formed UTF-16.
 qsizetype wordEnd(QStringView text, qsizetype from);
 
 // Returns the greatest number of characters of the word that fit on the line with a hyphen. Returns 0 if no

@@ -10,19 +10,19 @@ namespace ovelin {
 
 namespace {
 
-// The table of tolerances, in ems unless it says otherwise. Each was found with fonts of the scripts that
-// it is for; one that is too small breaks lines in the wrong place, one that is too large costs
+// The table of tolerances, in ems unless a comment says otherwise. Each was found with fonts of the scripts
+// that it is for. One that is too small breaks lines in the wrong place, one that is too large costs
 // measurements.
 
-// An end of a range parts two characters that stand side by side, which are then not kerned. Fonts kern a
-// pair by up to half an em.
+// An end of a range between two characters that stand side by side. The pair is kerned in the run, but not in
+// the range by itself. Fonts kern a pair by up to half an em.
 constexpr double kernedEndInEms = 0.5;
 // The same if the character of the range at this end has the advance that the font gives it alone. It has no
 // pair kerning then, and rules for characters that are farther apart change little.
 constexpr double freeEndInEms = 0.05;
-// An end parts characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
+// An end between characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
-// QFont::Capitalize depends on where a word begins. All capitalizations get this tolerance.
+// QFont::Capitalize depends on where a word begins. Every capitalization adds this tolerance to an end.
 constexpr double capitalizedEndInEms = 1;
 // Where the direction changes, neutral characters can take either direction, and no pair is kerned.
 constexpr double directionChangeInEms = 1;
@@ -30,15 +30,15 @@ constexpr double directionChangeInEms = 1;
 // Brackets before U+2200 are as wide as their counterparts.
 constexpr double mirroredSignInEms = 2;
 constexpr char16_t firstMirroredSign = u'\u2200';
-// Two regional indicators are one flag. The pairs depend on where the range begins.
+// Two regional indicators are one flag. Which two form a pair depends on where the range begins.
 constexpr double regionalIndicatorInEms = 2;
 constexpr char32_t firstRegionalIndicator = 0x1f1e6;
 constexpr char32_t lastRegionalIndicator = 0x1f1ff;
-// Signs and marks before the first letter of a range are shaped by the rules of its script, or of the script of
-// the first mark. Within the run they can have a letter of another script before them.
+// Signs and marks before the first letter of a range are shaped by the rules of this letter's script, or of
+// the script of the first mark. Within the run, a letter of another script before them can decide instead.
 constexpr double foreignSignInEms = 2;
-// In pixels. A font can give two glyphs huge advances of opposite sign. Only the sum of both is right, and only if
-// it wraps at 32 bits, as Qt's sums do. So a range that ends between the two is always measured.
+// In pixels. A font can give two glyphs huge advances of opposite sign. Only the sum of both is right, and
+// only if it wraps at 32 bits, as Qt's sums do. So a range that ends between the two is always measured.
 constexpr double greatestGlyphAdvance = 1 << 20;
 
 double scaledEm(const QFont &font)
@@ -54,7 +54,7 @@ double absoluteLetterSpacing(const QFont &font)
     return font.letterSpacingType() == QFont::AbsoluteSpacing ? font.letterSpacing() : 0;
 }
 
-// Characters of these scripts stand side by side, except marks, which are in one cluster with a letter.
+// True if characters of the script stand side by side, except marks, which are in one cluster with a letter.
 bool standsSideBySide(QChar::Script script)
 {
     switch (script) {
@@ -90,8 +90,8 @@ char32_t characterAt(QStringView text, qsizetype index)
     return c.isHighSurrogate() ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
 }
 
-// True if the character has a script of its own. Qt gives other characters the script of the previous letter
-// or, before the first letter of a text, the script of that letter.
+// True if the character has a script of its own and is no mark. Qt gives a character without one the script
+// of the previous letter or, before the first letter of a text, the script of that letter.
 bool isLetter(char32_t c)
 {
     return QChar::script(c) > QChar::Script_Common && !QChar::isMark(c);
@@ -116,7 +116,7 @@ RunFont::RunFont(const QFont &source)
     , letterSpacing(absoluteLetterSpacing(source))
     , wordSpacing(source.wordSpacing())
 {
-    const double spaces = std::abs(wordSpacing); // only the last of several spaces has it
+    const double spaces = std::abs(wordSpacing); // Qt adds it to the last of several spaces
     const double character = em + std::abs(letterSpacing) + spaces;
     const double capitals =
         font.capitalization() == QFont::MixedCase ? 0 : capitalizedEndInEms * em;
@@ -136,7 +136,7 @@ ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font, 
     , m_positions(size_t(text.size()) + 1)
     , m_font(&font)
 {
-    // A range that begins after a direction control lacks it, so that its direction can be another one.
+    // A range that begins after a direction control lacks this control, and so can have another direction.
     const auto control = std::ranges::find_if(text, isDirectionControl);
     m_lastBegin = text.size() > longestPiece ? begin : begin + (control - text.cbegin());
 
@@ -173,7 +173,7 @@ Reading ShapedRun::readClosely(qsizetype from, qsizetype to) const
 double ShapedRun::leastAdvanceOfLonger(qsizetype from) const
 {
     Reading reading = read(from, end());
-    // Characters after the run may give all of these signs another script.
+    // The range has no letter: a character after the run may give all signs of the range another script.
     if (m_mayScriptFollow && !hasLetter(from, end()))
         reading.tolerance += double(end() - from) * m_font->foreignSign;
     return reading.advance - reading.tolerance - m_font->joinedEnd;
@@ -188,7 +188,7 @@ bool ShapedRun::beginsFreely(qsizetype position) const
 bool ShapedRun::hasOwnAdvance(qsizetype position) const
 {
     const QChar c = m_text.at(position - m_begin);
-    // A mark may get a dotted circle to stand on, and not each space has word spacing.
+    // A mark alone may get a dotted circle to stand on, and not each space has word spacing.
     if (c.isMark() || (c.isSpace() && m_font->wordSpacing != 0))
         return false;
     const double alone = m_font->metrics.horizontalAdvance(c) + m_font->letterSpacing;

@@ -21,15 +21,15 @@ struct Reading
     double tolerance;
 };
 
-// Qt shapes a text in pieces of this many characters, and characters of two pieces do not join. The pieces of
-// a longer run depend on where it begins. In such a run only the ranges that begin at its first character can be
-// read.
+// Qt shapes a text in pieces of this many characters, and characters of two pieces do not join. If a text is
+// longer, the place where it begins decides where its pieces end. So in a longer run only the ranges that
+// begin at the first character of the run can be read.
 constexpr qsizetype longestPiece = 4096;
 
-// In pixels. Qt counts advances in multiples of it.
+// In pixels. Each advance of Qt is a multiple of this unit.
 constexpr double qtUnit = 1.0 / 64;
 
-// In pixels. A tab reaches up to the next multiple from the beginning of the range.
+// In pixels. A tab extends to the next multiple of this distance, counted from the beginning of the range.
 constexpr double tabStopDistance = 80;
 
 // The font of a run. All distances are in pixels.
@@ -39,7 +39,7 @@ struct RunFont
 
     const QFont font;
     const QFontMetricsF metrics;
-    const double em; // scaled as the font is stretched, and up if it is spaced in per cent
+    const double em; // scaled as the font is stretched, and up if letter spacing is a percentage
     const double letterSpacing;
     const double wordSpacing;
 
@@ -53,16 +53,17 @@ struct RunFont
     double foreignSign;
 };
 
-// One shaping of a part of a text. The advance of each range of that part is read from it.
+// A part of a text, shaped once. The advance of each range of this part is read from the run.
 //
-// The run keeps two sums for each position: of the advances before it, and of the tolerances for what before
-// it can have another advance in another range. Each end of a range adds a tolerance, because the range has
-// other neighbours within the run. The ends of the run add none.
+// For each position the run keeps two sums: of the advances before the position, and of the tolerances of the
+// characters before the position. A character has a tolerance if its advance can differ in another range.
+// Each end of a range also adds a tolerance, because the range has other neighbours within the run than by
+// itself. The ends of the run add none.
 class ShapedRun
 {
 public:
     ShapedRun() = default;
-    // `rest` is the text after the run. In both, each high surrogate has a low one after it.
+    // `rest` is the text after the run. In `text` and in `rest`, a low surrogate follows each high one.
     ShapedRun(const QString &text, qsizetype begin, const RunFont &font, QStringView rest = {});
 
     qsizetype begin() const { return m_begin; }
@@ -81,19 +82,20 @@ public:
     }
     Reading read(qsizetype from, qsizetype to) const;
 
-    // The same with less tolerance at an end whose character is not kerned. This costs a look at the font.
+    // Like read(), but with less tolerance at an end whose character is not kerned. This takes longer: it
+    // measures the characters at the ends alone.
     Reading readClosely(qsizetype from, qsizetype to) const;
 
     // Returns a lower bound for the advance of every text that begins with the characters from `from` to the
     // end of the run. The characters after the run must have advances of 0 or more.
     double leastAdvanceOfLonger(qsizetype from) const;
 
-    // True if the first character of a range that begins there has the advance that is read: nothing before
-    // it kerns it or joins it.
+    // True if nothing before the position kerns or joins the character after the position. In a range that
+    // begins there, this character has the advance that is read.
     bool beginsFreely(qsizetype position) const;
 
-    // True if each prefix of the range has exactly the advance that is read, also in a longer text. The range
-    // must begin freely.
+    // True if each prefix of the range has exactly the advance that is read, also when the range is shaped
+    // with more text after it. beginsFreely(from) must be true.
     bool isExact(qsizetype from, qsizetype to) const;
 
     // True if a character of the run moves the next one back.
@@ -105,10 +107,12 @@ public:
 private:
     struct Position
     {
-        quint32 advance = 0; // in multiples of qtUnit; it wraps as Qt's sums do
+        // The sums before the position. The advance is in multiples of qtUnit and wraps at 32 bits, as in Qt.
+        quint32 advance = 0;
         double tolerance = 0;
+
         double endTolerance = 0; // of a range that begins or ends here
-        int script = 0;          // of the character after the position, as it was shaped
+        int script = 0;          // in which Qt shaped the character after the position
     };
 
     static double inPixels(quint32 advance) { return static_cast<qint32>(advance) * qtUnit; }
@@ -129,7 +133,7 @@ private:
     qsizetype m_begin = 0;
     qsizetype m_lastBegin = -1;    // the last position at which a range that can be read begins
     qsizetype m_firstLetter = 0;   // the end of the run if it has none
-    bool m_mayScriptFollow = true; // after the run
+    bool m_mayScriptFollow = true; // false: no character after the run has a script of its own
     bool m_hasNegativeAdvance = false;
     std::vector<Position> m_positions;
     const RunFont *m_font = nullptr;

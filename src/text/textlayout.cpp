@@ -21,7 +21,7 @@ constexpr qsizetype fewestMoved = 5;
 constexpr qsizetype shortestForcedSplit = 9;
 
 // Under a line limit a hyphen moves at most this often, or once for each character of the text if that is
-// more. Then the text is elided. Each move inserts a line separator.
+// more. After the last move the text is elided. Each move inserts a line separator.
 constexpr qsizetype mostHyphenMoves = 1024;
 
 // A separator at which a line may end, and the line and the word that end with it.
@@ -47,7 +47,7 @@ public:
     {
     }
 
-    // Inserts characters before a position of the source, which is not before that of the last insertion.
+    // Inserts characters before a position of the source. The position must not be before the last insertion.
     void insert(qsizetype position, const QString &characters);
 
     // The position in the source of the last insertion; 0 before the first one.
@@ -57,8 +57,8 @@ public:
 
     QString withoutLastSpace() const;
     // The text up to a position of the source, and an ellipsis unless the position is after the source.
-    // Spaces and punctuation before the ellipsis are removed. If the last insertion is after the position,
-    // the end of what was inserted is cut off.
+    // Spaces and punctuation before the last character are removed. If the last insertion is after the
+    // position, inserted characters are cut off too.
     QString elidedAt(qsizetype position) const;
 
 private:
@@ -103,7 +103,7 @@ QString BrokenLines::elidedAt(qsizetype position) const
 class WrapGuard
 {
 public:
-    // All that a wrap depends on, except the number of lines. Each move of a hyphen inserts something.
+    // All that a wrap depends on, except the number of lines. Each move of a hyphen changes `inserted`.
     struct State
     {
         qsizetype inserted;
@@ -143,8 +143,9 @@ std::optional<int> WrapGuard::linesSince(const State &state, int lineCount)
     return std::nullopt;
 }
 
-// One pass over one text. It takes the candidates one after the other. At each it accepts the word if the
-// line up to it fits; otherwise it splits the word, or wraps it and takes it again on the next line.
+// One pass over one text. The pass takes the candidates one after the other. It accepts a candidate's word if
+// the line up to the separator fits. Otherwise it splits the word, or wraps it and takes it again on the next
+// line.
 //
 // Positions are those of the source: a line never contains what was inserted.
 class LineBreaker
@@ -242,8 +243,8 @@ bool LineBreaker::lineFits()
                             [this](double advance) { return advance < m_limits.width; });
 }
 
-// Words are split under a line limit only, and not on the last line. Without hyphenation, only a word that
-// begins its line is split, nevertheless at a hyphenation point if it has one.
+// Words are split under a line limit only, and not on the last line. With hyphenation disabled, only a word
+// that begins its line is split, but still at a hyphenation point if it has one.
 bool LineBreaker::maySplit() const
 {
     return m_lineCount + 1 < m_limits.maxLineCount
@@ -281,7 +282,7 @@ void LineBreaker::wrapWord()
         return;
     }
     if (linesPerRound) {
-        // The pass goes round until the line limit is near. All whole rounds before it are left out.
+        // The pass would go round until the line limit. Of the whole rounds only the lines are counted.
         const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
         m_lineCount += linesLeft - linesLeft % *linesPerRound;
     }
@@ -294,7 +295,7 @@ void LineBreaker::wrapWord()
         moveHyphenToNextLine();
         return;
     } else {
-        // Qt, given the same width, breaks the line at the space before the word.
+        // Nothing is inserted: Qt, given the same width, breaks the line at the space before the word.
         startLine(m_wordStart);
     }
     breakAfter(m_lineStart);
@@ -334,8 +335,8 @@ void LineBreaker::moveHyphenToNextLine()
     m_lineStart = hyphenPosition;
 }
 
-// Measures the line of the candidate and cuts the present line, at the same distance from its beginning. The two
-// lines differ if the last word of a paragraph wraps and thereby reaches the line limit.
+// Measures the line of the candidate and cuts the present line, at the same distance from its beginning. The
+// two lines differ if the last word of a paragraph wraps and thereby reaches the line limit.
 void LineBreaker::elide()
 {
     const auto line = m_measure.elide(m_candidate.lineStart, m_candidate.end());
@@ -392,7 +393,7 @@ bool LineBreaker::isWordAfterHyphen() const
            && m_lines.lastInsertion() != m_wordStart;
 }
 
-// Returns false if there is no next line: the text is then elided on this one.
+// Counts the present line. If it is the last one allowed, elides the text on it and returns false.
 bool LineBreaker::countLine()
 {
     ++m_lineCount;
@@ -424,7 +425,7 @@ std::optional<int> LineBreaker::wholeFineWidth() const
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits)
 {
     using Method = TextMeasure::Method;
-    // A font that is read wrong is rare: only then the text is laid out by measuring alone.
+    // Few fonts give wrong readings. Only with these is the text laid out a second time, by measuring alone.
     const SourceText source(text);
     BrokenText broken;
     for (const Method method : {Method::ReadRuns, Method::MeasureAll}) {

@@ -12,11 +12,11 @@ namespace {
 // Qt measures a text up to this control character only.
 constexpr char16_t endOfMeasuredText = u'\u009c';
 
-// Letters of most scripts are a little over half as wide as high.
+// Letters of most scripts are a little over half an em wide.
 constexpr double usualCharacterInEms = 0.55;
 
-// A run has at most this many lines at first. A run begins with the line in which the previous one ended,
-// so that this line is shaped twice. Shorter runs would have more such lines.
+// A first run has at most this many lines. The next run begins with the line in which the previous run ended,
+// so this line is shaped twice. Shorter runs would shape more lines twice.
 constexpr int usualLines = 16;
 
 // If a line needs a longer run, the new one is this many times as long, or longer. All runs of one line
@@ -27,8 +27,8 @@ constexpr double runGrowth = 1.5;
 // wrong reading comes from the ends of a range.
 constexpr qsizetype longestCheck = 16;
 
-// The cut of an elided line is looked for in this many characters before the one that overflows, and in this
-// many from it on. An ellipsis is as wide as one to four of them.
+// The cut of an elided line is looked for in this many characters before the first one that overflows, and in
+// this many from that one on. An ellipsis is as wide as one to four characters.
 constexpr qsizetype charactersBeforeOverflow = 5;
 constexpr qsizetype charactersFromOverflow = 2;
 
@@ -37,8 +37,8 @@ bool charactersTakeRoom(const QFont &font)
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-// Returns the size of a first run: the expected characters of the lines, and a quarter of a line more, because
-// letters can be narrow and a word overflows. A run of several lines has at most one piece.
+// Returns the size of a first run in characters: those expected in the lines, and a quarter of a line more,
+// because letters can be narrow and a word overflows. The run exceeds longestPiece only if one line does.
 qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
@@ -48,15 +48,16 @@ qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qs
     return std::max(line + more, std::min(longestPiece, lines * line + more));
 }
 
-// Returns the number of characters before the first one that is the given one.
+// Returns the number of characters before the first `end`, or of all characters if there is none.
 qsizetype sizeUpTo(QChar end, QStringView characters)
 {
     const qsizetype position = characters.indexOf(end);
     return position < 0 ? characters.size() : position;
 }
 
-// True if the character makes QFontMetricsF::elidedText() do more than cut the end: it keeps controls of the
-// direction of the part that it cuts away, and U+009C separates shorter forms of a text.
+// True if the character makes QFontMetricsF::elidedText() do more than cut the end of a text: the function
+// keeps direction controls of the part that it cuts away, and takes what follows U+009C as a shorter form of
+// the text.
 bool isSpecialInElision(QChar c)
 {
     return (c >= u'\u200e' && c <= u'\u200f') || (c >= u'\u202a' && c <= u'\u202e')
@@ -130,13 +131,14 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
     return fits(decides(reading) ? reading.advance : measureAndCompare(from, to, reading));
 }
 
-// Shapes a run that begins at `from`. Returns false if no such run reads more than the present one.
+// Shapes a run of up to `size` characters from `from` on. Returns false, and keeps the present run, if the
+// new one would read no more.
 bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
     const QStringView rest = QStringView(m_text.withoutLastSpace()).sliced(from);
     QStringView characters = rest.first(m_readsRuns ? std::min(size, rest.size()) : 0);
     characters.truncate(sizeUpTo(endOfMeasuredText, characters));
-    // A run that is longer than a piece reads its first line only. That line ends with the paragraph.
+    // From a run that is longer than a piece only the first line is read, and a line ends with its paragraph.
     if (characters.size() > longestPiece)
         characters.truncate(std::max(longestPiece, sizeUpTo(lineSeparator, characters)));
     if (!characters.isEmpty() && m_text.isInsidePair(from + characters.size()))
@@ -150,7 +152,7 @@ bool TextMeasure::shape(qsizetype from, qsizetype size)
     return readsMore;
 }
 
-// With negative spacing a prefix tells nothing of the range: the run has to reach its end.
+// If advances can be negative, a prefix tells nothing about the range: the run must reach the range's end.
 qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
 {
     const bool isSameLine = m_run.begin() == from;
@@ -183,7 +185,7 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     const double advance = measure(from, to);
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
-    // A tolerance for the other end could hide what the font does at the space.
+    // A large tolerance at the other end of the range could hide the kerning at the space.
     const bool isClose = reading.tolerance <= m_font.kernedEnd + m_font.freeEnd;
     if (isClose && m_text.at(to) == u' ' && to < m_run.end()
         && isAfterLetter(m_text.withoutLastSpace(), to))
@@ -198,8 +200,8 @@ bool TextMeasure::findsWrongReading()
     return m_isReadWrong;
 }
 
-// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range ends
-// between a letter and a space.
+// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range that
+// is compared ends between a letter and a space.
 void TextMeasure::compareAtSpace()
 {
     const QStringView text = m_text.withoutLastSpace();
@@ -227,8 +229,8 @@ TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
             .overflows = !shown.isEmpty() && m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
-// Lets Qt elide only the characters around the cut. The result is that of the whole line if the readings of the
-// line's prefixes are exact. Returns nothing if they may not be.
+// Lets Qt elide only the characters around the cut. The result is that of the whole line if the readings of
+// the line's prefixes are exact. Returns nothing if a reading may be inexact, or if the line may fit.
 std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype from, qsizetype to)
 {
     const QStringView line = QStringView(m_text.withoutLastSpace()).mid(from, to - from);
@@ -237,7 +239,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     if (!m_readsRuns || !isPlain)
         return std::nullopt;
     if (!m_run.covers(from, from + 1) || !m_run.beginsFreely(from)) {
-        m_run = ShapedRun(); // otherwise shape() would keep it
+        m_run = ShapedRun(); // otherwise shape() may keep the present run
         if (!shape(from, std::min(to - from, nextRunSize(from, to))))
             return std::nullopt;
     }
@@ -253,7 +255,7 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
                          && m_run.isExact(first, last) && m_run.isExact(from, last);
     if (overflow == end || !isExact)
         return std::nullopt;
-    // The space after the text is in no run; with it the line may fit.
+    // No run has the space after the text. If the font kerns the last letter with it, the line may fit.
     const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();
     if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
         return std::nullopt;

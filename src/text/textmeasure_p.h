@@ -9,8 +9,8 @@
 
 namespace ovelin {
 
-// The source text of a layout, in well-formed UTF-16. Behind its end it has one space that the text does not
-// show: this space ends the last word, and size() counts it.
+// The source text of a layout, in well-formed UTF-16, and one more space after it. This space ends the last
+// word. It is never shown, but size() counts it.
 class SourceText
 {
 public:
@@ -33,9 +33,9 @@ private:
 
 // Decides whether ranges of a text fit on a line.
 //
-// The rule: a part of the text is shaped once, and the advance of the range is read from that run. If the
-// range fits, or does not fit, with all advances within the tolerance of the reading, this is the answer.
-// Otherwise the range is measured by itself.
+// The rule: a part of the text is shaped once, and the advance of a range is read from this run. If all
+// advances within the tolerance of the reading give the same answer, this is the answer. Otherwise the range
+// is measured by itself.
 //
 // If a range that was read is measured, the measurement is compared with the reading. If they differ by more
 // than the tolerance, readings in this font are wrong: the caller lays the text out anew by measuring alone.
@@ -62,8 +62,8 @@ public:
     };
     ElidedLine elide(qsizetype from, qsizetype to);
 
-    // Compares a reading with a measurement if none was compared at a space. Returns true if any comparison
-    // showed a difference beyond the tolerance.
+    // Compares a reading of a range that ends before a space with a measurement, unless decide() has already
+    // compared one. Returns true if any comparison so far showed a difference beyond the tolerance.
     bool findsWrongReading();
 
     // Returns the advance of the whole text. If the text is wider than the line, the result can be a smaller

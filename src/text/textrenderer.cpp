@@ -19,7 +19,7 @@ namespace ovelin {
 
 namespace {
 
-// From this limit on a text may have several lines, and newlines break it.
+// From this line limit on, newlines become line separators. Without a limit they do not.
 constexpr int fewestLinesToBreak = 2;
 
 QString withLineSeparators(QString text)
@@ -125,7 +125,8 @@ void TextRendererPrivate::breakAtWidthLimit()
     const double limit = staticText.textWidth();
     const BrokenText broken = breakText(limit);
     textElided = broken.elided;
-    // Letter spacing can make half a surrogate pair wider than the replacement character.
+    // A text that is not well-formed was measured with replacement characters. With letter spacing, half a
+    // surrogate pair can be wider than a replacement character.
     if (broken.fineWidth && textIsWellFormed) {
         fineWidth = broken.fineWidth;
         effectiveWidth = std::min(*fineWidth, toInt(limit));
@@ -135,8 +136,7 @@ void TextRendererPrivate::breakAtWidthLimit()
     staticText.setText(broken.text);
 }
 
-// The pattern of a word's end matches nothing in a text that is not well-formed: one broken character would
-// keep the whole text on one line.
+// The layout takes only well-formed text, so a half of a surrogate pair that stands alone is replaced.
 BrokenText TextRendererPrivate::breakText(double limit) const
 {
     const QString wellFormed = textIsWellFormed ? text : withWholeCharacters(text);
@@ -162,7 +162,7 @@ void TextRendererPrivate::updateAlignedTextTopLeft()
             toInt(double(availableHeight) + textTopLeft.y() - toInt(std::ceil(size.height()))));
     }
 
-    // Nothing asks for the width of an elided text that stays at the left, and measuring it may take long.
+    // An elided text that stays at the left is aligned without its width, and measuring it may take long.
     if (textElided && !(alignment & (Qt::AlignHCenter | Qt::AlignRight)))
         return;
     const int width = effectiveTextWidth();
@@ -176,8 +176,8 @@ void TextRendererPrivate::updateAlignedTextTopLeft()
     }
 }
 
-// An empty text has the height that its static text last had, truncated, and no margins: callers are
-// built against these numbers.
+// An empty text has the height that the static text last had, truncated, and no margins: callers depend
+// on these numbers.
 QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
 {
     const QSizeF size = staticText.size();
@@ -217,8 +217,8 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     become line separators, and stay so.
 
     With hyphenationEnabled(), a word that does not fit at the end of a line is hyphenated by rules made
-    for Russian. If all its hyphenation points leave too much on the line, the word moves as a whole. A
-    word without hyphenation points is split without a hyphen if it has nine characters or more, its
+    for Russian. If no prefix up to a hyphenation point fits, the word moves as a whole. A word
+    without hyphenation points is split without a hyphen if it has nine characters or more, its
     separator counted, or if it fits on no line. At least five characters, the separator counted, then
     go to the next line.
 
@@ -226,11 +226,11 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     ellipsis are dropped. No line begins inside a surrogate pair. With a line limit of 0 or less nothing
     is split or elided.
 
-    Every layout ends. A word that fits on no line and cannot be split is cut at the line limit, however
-    large that is. Without a line limit the word stands on its line as if it fitted.
+    Every layout terminates. A word that fits on no line and cannot be split cuts the text, however large
+    the line limit is. Without a line limit the word stands on its line as if it fitted.
 
-    A renderer is a value: it can be copied, and copies are independent. It cannot be assigned. For the
-    GUI thread.
+    A renderer is a value: it can be copied, and copies are independent. It cannot be assigned. Use it
+    in the GUI thread.
 
     \since Ovelin 1.0
 */
@@ -323,14 +323,14 @@ Qt::TextFormat TextRenderer::textFormat() const
 }
 
 /*!
-    Sets the format of the text to \a format; does nothing when it is the same. Takes effect on what
-    is painted and measured at once, before the next relayout().
+    Sets the format of the text to \a format; does nothing when it is the same. Changes at once what is
+    painted and measured, before the next relayout().
 
-    Qt::RichText is left to Qt, which wraps it at the width limit: it is neither elided nor hyphenated,
-    and isTextElided() keeps what the last layout of another format found.
+    Qt itself wraps a text of the format Qt::RichText at the width limit. Rich text is neither elided nor
+    hyphenated, and isTextElided() keeps the result of the last layout of another format.
 
     A text of any other format is broken into lines like plain text: its markup counts as characters.
-    Qt then reads the result in the format set. Set Qt::PlainText for texts from elsewhere.
+    Qt then reads the broken text in \a format. Set Qt::PlainText for texts from elsewhere.
 */
 void TextRenderer::setTextFormat(Qt::TextFormat format)
 {
@@ -349,17 +349,17 @@ Qt::Alignment TextRenderer::textAlignment() const
 }
 
 /*!
-    Sets the alignment of the text in its box to \a alignment; does nothing when it is the same. Takes
-    effect on what is painted and measured at once, before the next relayout().
+    Sets the alignment of the text in its box to \a alignment; does nothing when it is the same. Changes
+    at once how the lines are painted, and what is measured; the next relayout() moves the text as a whole.
 
     Qt::AlignHCenter and Qt::AlignRight align each line inside the width of the text, and move the text
     as a whole inside textWidth(). Qt::AlignVCenter and Qt::AlignBottom move the text inside the
-    available height. Other flags leave the text where it is, also where an
-    earlier alignment moved it: setTextTopLeft() with another position puts it back.
+    available height. Other flags leave the text where it is, even if an earlier alignment moved it. To
+    undo an earlier alignment, call setTextTopLeft() with another position.
 
-    Without a textWidth() the text does not move across, also with a maxTextWidth(); a wrapped text
-    counts as wide as the box. Qt::AlignBottom moves only a text that is less high than the box. Where
-    alignments contradict each other, centring goes before both.
+    Without a textWidth() the text does not move horizontally, not even with a maxTextWidth(). A wrapped
+    text counts as wide as the box, so it does not move horizontally either. Qt::AlignBottom moves only
+    a text that is less high than the box. If flags contradict each other, centring goes first.
 */
 void TextRenderer::setTextAlignment(Qt::Alignment alignment)
 {
@@ -413,7 +413,7 @@ int TextRenderer::maxTextWidth() const
 
 /*!
     Sets the maximal width to \a width device pixels; does nothing when it is the same. 0 or less means
-    that no maximal width is set. Takes effect on what is painted and measured at once, before the next
+    that no maximal width is set. Changes at once what is painted and measured, before the next
     relayout().
 */
 void TextRenderer::setMaxTextWidth(int width)
@@ -451,12 +451,12 @@ int TextRenderer::maxLineCount() const
     more lines is cut on the last one.
 
     With 0 or less there is no limit, and no word is hyphenated or split. INT_MAX gives as many lines
-    as the text needs, with hyphenation; a word that fits on no line and cannot be split cuts the text
-    there.
+    as the text needs, with hyphenation; but the text is cut at a word that fits on no line and cannot be
+    split.
 
     From 2 on the newlines in the text become line separators, and a lower limit set later does not
-    turn them back. A paragraph whose last word moves to the next line counts one line more than it
-    shows: such a text can be cut early, and it can show more lines than \a count.
+    turn them back. A paragraph whose last word moves to the next line is counted as one line more than
+    it shows. A text with newlines can therefore be cut early; it can also show more lines than \a count.
 */
 void TextRenderer::setMaxLineCount(int count)
 {
@@ -496,8 +496,8 @@ QPoint TextRenderer::textTopLeft() const
 }
 
 /*!
-    Sets the position of the box to \a topLeft and forgets the alignment of the text in it, which the
-    next relayout() finds anew; does nothing when it is the same. To scroll, call move().
+    Sets the position of the box to \a topLeft, and the text to the same position until the next
+    relayout() aligns it anew; does nothing when the position is the same. To scroll, call move().
 
     \sa move()
 */
@@ -545,9 +545,9 @@ bool TextRenderer::isTextElided() const
 
 /*!
     Returns the text as the last layout shows it, with hyphens and ellipsis, and with newlines between
-    its lines where the text itself or the layout broke it. Lines that end at a space stand together:
-    Qt breaks them. Half of a surrogate pair that stands alone is a replacement character (U+FFFD) in a
-    text that the layout broke into lines. Empty before the first layout.
+    its lines where the text itself or the layout broke it. There is no newline where a line ends at a
+    space: Qt breaks the line there. In a text that the layout broke into lines, half of a surrogate
+    pair that stands alone is a replacement character (U+FFFD). Empty before the first layout.
 */
 QString TextRenderer::displayText() const
 {
@@ -555,8 +555,8 @@ QString TextRenderer::displayText() const
 }
 
 /*!
-    Returns the paragraphs of text(): what its line separators part, empty ones included. These are not
-    the lines of the layout.
+    Returns the paragraphs of text(): the parts between its line separators, empty ones included. These
+    are not the lines of the layout.
 */
 QStringList TextRenderer::textLines() const
 {
@@ -598,8 +598,8 @@ QSize TextRenderer::boundingSize(const QMargins &margins)
 }
 
 /*!
-    Returns the size of the text as it was last laid out, rounded up, with \a margins around it. An
-    empty text has no width, the height that its last layout left, truncated, and no margins.
+    Returns the size of the text as it was last laid out, rounded up, with \a margins around it. For an
+    empty text the width is 0, the height is that of the last layout, truncated, and no margins are added.
 */
 QSize TextRenderer::boundingSize(const QMargins &margins) const
 {
@@ -628,11 +628,12 @@ QRect TextRenderer::geometry() const
 }
 
 /*!
-    Paints the text as it was last laid out with \a painter and its pen, at alignedTextTopLeft().
+    Paints the text as it was last laid out, at alignedTextTopLeft(), with \a painter in its present pen.
+    Paints nothing when the renderer is not valid.
 
-    Leaves the text's font set. A font that strikes out gets a line through the middle of the text,
-    drawn with a pen that is left set too. Qt warns each time: the pen is given the font's size in
-    points, which is -1, and keeps its width. Paints nothing when the renderer is not valid.
+    The painter keeps the font of the text. If the font strikes out, draw() also draws a line through
+    the middle of the text, and the painter keeps the pen of this line. Qt then prints a warning at each
+    call: the pen is given the font's size in points, which is -1, and keeps its width.
 */
 void TextRenderer::draw(QPainter &painter) const
 {
@@ -663,7 +664,7 @@ void TextRenderer::draw(QPainter &painter) const
     Paints the text of \a renderer with \a painter and \a pen so that its top left corner, as aligned,
     lies on the painter's origin.
 
-    The painter is neither saved nor restored: it keeps the pen, no brush, the font and the
+    The painter is neither saved nor restored: it keeps \a pen, the brush Qt::NoBrush, the font and the
     translation.
 
     \since Ovelin 1.0
