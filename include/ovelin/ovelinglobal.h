@@ -4,7 +4,7 @@
 #include <QtCore/qcompilerdetection.h>
 #include <QtCore/qtconfigmacros.h>
 
-// The version of these headers: 0xMMNNPP for major, minor and patch. The preprocessor compares it.
+// The version of these headers: 0xMMNNPP for major, minor and patch. A macro, so that #if can compare it.
 #define OVELIN_VERSION 0x010000 // NOLINT(modernize-macro-to-enum)
 #define OVELIN_VERSION_STR "1.0.0"
 

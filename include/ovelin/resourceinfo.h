@@ -14,7 +14,7 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
-// What the tracker calls in an item; AbstractResourceOwner implements the rest of an owner.
+// The functions of an item that the tracker calls. AbstractResourceOwner implements the rest of an owner.
 class OVELIN_EXPORT IResourceOwner
 {
 public:

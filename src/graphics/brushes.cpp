@@ -22,10 +22,10 @@ constexpr int smallestDivisor = 3;
     \title Textured brushes
     \brief Gradients that are rendered once into a small texture, which a brush tiles.
 
-    A texture is the cheaper way for gradients that run across or repeat: Qt computes each of their pixels
-    anew, and copies those of a texture. A gradient that runs straight down has one colour a row and is
-    cheapest without a texture. The guide \l {Gradients and textures} tells which to use when. All
-    functions belong to the GUI thread.
+    A texture is the cheaper way for gradients that run across or repeat: Qt computes each pixel of these
+    gradients anew, but only copies the pixels of a texture. A gradient that runs straight down has one
+    colour a row and is cheapest without a texture. The guide \l {Gradients and textures} tells which way
+    to use when. All functions belong to the GUI thread.
 
     \snippet tst_snippets.cpp across
 */

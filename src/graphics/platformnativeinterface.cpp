@@ -11,7 +11,7 @@ PlatformNativeInterface *installedInterface = nullptr;
 
 using PaintFunction = std::function<void(QPainter &)>;
 
-// The functions that the platform plug-in publishes. The first argument is its native interface.
+// The functions that the platform plug-in publishes. Their first argument is the plug-in's native interface.
 using CreateTiledPixmap = QPixmap (*)(QPlatformNativeInterface *, const QSize &, PaintFunction);
 using SetupPainterForTiledPixmap = void (*)(QPlatformNativeInterface *, const QPixmap &,
                                             QPainter &);
@@ -36,9 +36,8 @@ Function platformFunction(const char *name)
     The guide \l {The platform plug-in's functions} tells what a plug-in has to offer.
 
     The constructor looks the plug-in's functions up with QGuiApplication::platformFunction(), so
-    the QGuiApplication must exist. A plug-in may lack any of the functions.
-    isTiledPixmapAvailable() returns false then, and each member describes what it does without its
-    function. Use this class in the GUI thread.
+    the QGuiApplication must exist. A plug-in may lack any of the functions: each member describes what
+    it does without its function. Use this class in the GUI thread.
 
     \since Ovelin 1.0
     \sa {ovelin}{platformNativeInterface()}

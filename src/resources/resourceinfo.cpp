@@ -98,7 +98,7 @@ IResourceOwner::~IResourceOwner() = default;
 /*!
     \variable ovelin::ResourceOwnerState::resourceCount
     \brief The number of the owner's resources in the tracker. registerResource() and
-    unregisterResource() of the tracker count; unregisterResources() leaves the number as it is.
+    unregisterResource() of the tracker update it; unregisterResources() leaves it as it is.
 */
 
 /*!

@@ -64,7 +64,8 @@ bool ResourceWalk::removes(Entry entry) const
            && current() == entry;
 }
 
-// Starts at the current entry, which is usually the one sought, so that a walk stays linear.
+// Notes that the entry is erased. The search starts at the current entry, which is usually the one
+// sought, so that a walk stays linear.
 void ResourceWalk::forget(Entry entry)
 {
     const auto found = std::find(m_entries.begin() + m_index, m_entries.end(), entry);
@@ -164,7 +165,8 @@ void SceneResourceTrackerPrivate::erase(Resources::iterator entry)
     resources.erase(entry);
 }
 
-// Returns true if the walk removed an entry. Re-entrant slots may remove all of them first.
+// Announces and erases the entries of the walk. Returns true if it erased one: re-entrant slots may
+// erase all of them first.
 bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
 {
     bool removed = false;
@@ -178,9 +180,9 @@ bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
     return removed;
 }
 
-// Returns true if the owner stays although its entries were unregistered: a re-entrant slot has
-// registered another one. The count starts anew then. It includes an entry with this state that an
-// outer operation is just removing.
+// Returns true if the owner stays although its entries were unregistered, because a re-entrant slot
+// has registered another entry. Then counts the owner's entries anew, including an entry with this
+// state that an outer operation is just removing.
 bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
 {
     const auto known = knownState(owner);
@@ -192,7 +194,7 @@ bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
 }
 
 // Removes the owner from all trackers. The derived part of the owner is destroyed already, so
-// nothing may call the owner: all its states lose it before the first slot runs.
+// nothing may call the owner: all its states get a null owner before the first slot runs.
 void SceneResourceTrackerPrivate::ownerDestroyed(IResourceOwner *owner,
                                                  const StatePointer &heldState)
 {
@@ -268,7 +270,7 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
     \li Every entry is removed once. While its removal is announced, no registration and no
         unregistration finds it.
     \li An operation handles the entries that were listed when it began. It leaves out those that a
-        slot removes meanwhile. It announces its own changes.
+        slot removes meanwhile. It emits the signals for its own changes only.
     \li An entry that a slot registers for an owner whose entries are just being unregistered stays
         registered, and its owner stays too.
     \li An unregistration whose entry a slot removes by clear() ends without further signals. A
@@ -291,8 +293,8 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
 /*!
     \fn void ovelin::SceneResourceTracker::resourcesChanged()
 
-    Emitted when the list of resources has changed, and after every registration, even one that only
-    updates an entry. This is the last signal of an operation.
+    Emitted when the list of resources has changed, except by clear(), and after every registration,
+    even one that only updates an entry. This is the last signal of an operation.
 */
 
 /*!
@@ -357,7 +359,7 @@ const std::list<ResourceInfo> &SceneResourceTracker::resources() const
 }
 
 /*!
-    Returns true if new registrations are refused to owners. Returns false after construction and
+    Returns true if AbstractResourceOwner refuses registrations. Returns false after construction and
     after clear().
 */
 bool SceneResourceTracker::isRegistrationBlocked() const
@@ -367,8 +369,8 @@ bool SceneResourceTracker::isRegistrationBlocked() const
 }
 
 /*!
-    Refuses new registrations to owners if \a blocked is true, and accepts them otherwise. Only
-    AbstractResourceOwner asks for this; registerResource() always registers. Emits nothing.
+    Makes AbstractResourceOwner refuse registrations, and updates of resources, if \a blocked is true,
+    and accept them otherwise. The tracker's own registerResource() always registers. Emits nothing.
 */
 void SceneResourceTracker::setRegistrationBlocked(bool blocked)
 {
@@ -498,8 +500,8 @@ void SceneResourceTracker::setStatus(const QSharedPointer<ResourceOwnerState> &s
 
     Do not call this function from a loop over owners() or resources(). The owner may unregister itself,
     which invalidates the iterators of both. Copy the states first, and skip a state that owners() no longer
-    has when its turn comes: an owner that was called before may have removed or destroyed this one. The guide
-    has \l {The application decides}{the code}. The same holds for releaseResources().
+    has when its turn comes: an owner that was called earlier may have removed or destroyed the owner of this
+    state. The guide has \l {The application decides}{the code}. The same holds for releaseResources().
 */
 void SceneResourceTracker::allowResources(const QSharedPointer<ResourceOwnerState> &state)
 {
@@ -520,7 +522,7 @@ void SceneResourceTracker::releaseResources(const QSharedPointer<ResourceOwnerSt
 
 /*!
     Removes all resources, owners and messages, and lets owners register again. Emits nothing, calls
-    no owner, and leaves the log enabled or disabled. States that others hold do not change.
+    no owner, and leaves the log enabled or disabled as it was. States that others hold do not change.
 */
 void SceneResourceTracker::clear()
 {

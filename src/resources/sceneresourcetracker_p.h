@@ -67,7 +67,7 @@ private:
 //
 // Each message is announced by a signal. A re-entrant slot may erase any of these entries, and may
 // start walks of its own. The tracker links its walks and tells all of them when it erases an
-// entry, so that no walk uses an erased entry. Only one walk at a time removes an entry.
+// entry, so that no walk uses an erased entry. No two walks remove the same entry at a time.
 class ResourceWalk
 {
 public:

@@ -49,7 +49,7 @@ QRect insetByPen(const QRect &rect, int penWidth)
             QPoint(moved(rect.right(), -half), moved(rect.bottom(), -half))};
 }
 
-// Unlike QRectF(rect), does not overflow for a rectangle that is wider or higher than an int.
+// Unlike QRectF(rect), does not overflow for a rectangle whose width or height exceeds an int.
 QRectF toRectF(const QRect &rect)
 {
     return {rect.topLeft(), QPointF(rect.bottomRight()) + QPointF(1, 1)};
