@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QString>
 
-// A picture of the documentation while it is drawn: so many times as fine as it is shown.
+// A picture of the documentation while it is drawn, with `resolution` times the pixels of its size.
 class Canvas
 {
 public:
@@ -32,7 +32,7 @@ inline constexpr QRgb accent = 0xffffb454;
 
 } // namespace colours
 
-// The font of that size in pixels that all pictures are written in.
+// Returns the font of all pictures, in this size in pixels.
 QFont pictureFont(int pixelSize);
 
 #endif

@@ -10,7 +10,7 @@ struct Picture
     const char *name;
     QSize size;
     void (*draw)(Canvas &canvas);
-    int resolution = 2; // 1 for what is shown pixel by pixel
+    int resolution = 2; // 1: the content is not scaled
 };
 
 QList<Picture> allPictures();

@@ -29,7 +29,7 @@ void drawLifelines(Canvas &canvas)
     }
 }
 
-// A filled head for a call, a dashed line for a signal.
+// A call has a solid line, a signal a dashed one.
 enum class Arrow { Call, Signal };
 
 void drawArrow(Canvas &canvas, double y, Lifeline from, Lifeline to, const QString &text,
@@ -55,7 +55,7 @@ void drawArrow(Canvas &canvas, double y, Lifeline from, Lifeline to, const QStri
     painter.drawText(place, Qt::AlignCenter, text);
 }
 
-// What one of the three does by itself.
+// Draws what the item, the tracker or the application does by itself.
 void drawAct(Canvas &canvas, double y, Lifeline line, const QString &text)
 {
     QPainter &painter = canvas.painter();

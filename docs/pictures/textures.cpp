@@ -14,7 +14,7 @@ QLinearGradient gradientTo(const QPointF &end)
     return gradient;
 }
 
-// A brush tiles from the painter's origin.
+// A brush tiles from the painter's origin, which is moved to the panel.
 void fillPanel(Canvas &canvas, const QRect &panel, const QBrush &brush, const QString &label)
 {
     canvas.label(panel.topLeft() - QPoint(0, 8), label);

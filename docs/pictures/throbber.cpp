@@ -4,7 +4,7 @@
 
 namespace {
 
-// What the timer does with the interval of 17 milliseconds.
+// In degrees: the steps of the timer at its interval of 17 milliseconds.
 constexpr int rotationPerTick = 3;
 constexpr int spanPerTick = 6;
 

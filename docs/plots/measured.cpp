@@ -22,7 +22,7 @@ Measurement parseRow(const QString &line)
     if (fields.size() != columns.size()) {
         throw DataError(QString("%1 fields instead of %2").arg(fields.size()).arg(columns.size()));
     }
-    // What is no number is 0.
+    // toInt() and toDouble() return 0 for a field that is not a number.
     Measurement row{fields[0], fields[1], fields[2].toInt()};
     if (row.wordCount <= 0)
         throw notANumber(columns[2], fields[2]);

@@ -37,8 +37,8 @@ public:
     }
 };
 
-// Reads the file that ./dev bench --record writes. Throws a DataError, which names the line if there
-// is one to blame.
+// Reads the file that ./dev bench --record writes. Throws a DataError, which names the line if the
+// fault is in a line.
 Measured readMeasured(const QString &fileName);
 
 #endif

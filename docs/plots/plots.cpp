@@ -12,7 +12,7 @@ namespace {
 constexpr int titleSize = 18;
 constexpr int textSize = 14;
 
-// Colours that also those tell apart who see no red or no green.
+// Colours that readers who see no red or no green can tell apart, too.
 struct Style
 {
     const char *name;
@@ -123,7 +123,7 @@ void drawGrowth(Canvas &canvas, const Measured &measured)
     drawText(canvas, {20, area.top() - 28, 300, 20}, Qt::AlignLeft,
              "time of one layout (logarithmic)");
 
-    // From the upper end down, so that each name can make room for the next one.
+    // The lines are named from the top down: a name that would cover the previous one moves down.
     QList<Contender> order{Ovelin, Floor, LineLoop, Pango, Document};
     std::ranges::sort(order, std::ranges::greater(),
                       [&rows](Contender contender) { return rows.last().nanoseconds[contender]; });

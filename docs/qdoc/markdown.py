@@ -1,8 +1,8 @@
 """Turns Markdown files of this repository into pages for QDoc: markdown.py FOLDER FILE...
 
-Converts headings, paragraphs, lists, tables, fenced code and pictures on lines of their own; inside the text code,
-bold, emphasis and links. A file that does not begin with a heading is an error. QDoc reports a link to a file that is
-no page, and a picture that is not there.
+Converts headings, paragraphs, lists, tables, fenced code, and pictures on lines of their own. Inside the text it
+converts code, bold, emphasis and links. A file that does not begin with a heading is an error. QDoc reports a link to a
+file that is no page, and a picture that is not there.
 """
 
 import re
@@ -91,7 +91,7 @@ class Page:
         while self.lines and re.match(pattern, self.lines[0]):
             taken.append(self.lines.pop(0))
         if not taken:
-            sys.exit(f"{self.name}: what is this? {self.lines[0]}")
+            sys.exit(f"{self.name}: this line cannot be converted: {self.lines[0]}")
         return taken
 
     def code(self):

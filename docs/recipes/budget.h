@@ -11,7 +11,7 @@
 namespace recipes {
 
 //! [item]
-// For an item that was registered: if (registerImage(1, url)) describe(*ownerState, geometry);
+// In an item that registers: if (registerImage(1, url)) describe(*ownerState, geometry);
 inline void describe(ovelin::ResourceOwnerState &ownerState, const QRect &geometry)
 {
     constexpr int bytesPerPixel = 4;

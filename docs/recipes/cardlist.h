@@ -23,7 +23,7 @@ public:
     {
         m_background.setColorAt(0, QColor("#2a5078"));
         m_background.setColorAt(1, QColor("#1a3350"));
-        m_title.setTextFont(font); // has a size in pixels
+        m_title.setTextFont(font); // must have a size in pixels
         m_title.setTextFormat(Qt::PlainText);
         m_title.setTextTopLeft({padding, padding});
         m_title.setTextWidth(cardSize.width() - 2 * padding);

@@ -13,7 +13,7 @@ class FocusedCard
 public:
     static constexpr double largestZoom = 1.2;
 
-    // Paints the card into a pixmap. Call this again when the card changes, not for every frame.
+    // Paints the card into a pixmap. Make a new FocusedCard when the card changes, not for every frame.
     explicit FocusedCard(const Card &card)
         : m_picture((QSizeF(cardSize) * largestZoom).toSize())
     {
@@ -23,7 +23,7 @@ public:
         card.paint(painter);
     }
 
-    // Copies the pixmap. progress goes from 0, without focus, to 1, in full size without scaling.
+    // Copies the pixmap. The progress goes from 0, a card without focus, to 1, the pixmap in its own size.
     void paint(QPainter &painter, const QPointF &centre, double progress) const
     {
         QRectF target(QPointF(), QSizeF(cardSize) * (1 + (largestZoom - 1) * progress));

@@ -38,7 +38,7 @@ public:
                 if (poster)
                     poster->take(load, image);
             };
-            QMetaObject::invokeMethod(qApp, deliver, Qt::QueuedConnection); // in this thread
+            QMetaObject::invokeMethod(qApp, deliver, Qt::QueuedConnection); // in the GUI thread
         };
         QThreadPool::globalInstance()->start(read);
     }

@@ -293,7 +293,7 @@ namespace {
 
 using Posters = std::vector<std::unique_ptr<Poster>>;
 
-// Unregisters or registers owners when it is allowed.
+// Unregisters or destroys owners when it is allowed.
 class RestlessPoster : public Poster
 {
 public:

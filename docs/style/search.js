@@ -1,4 +1,4 @@
-// Adds a field to the header that finds pages, their sections, classes and functions by parts of their names.
+// Adds a search field to the header. It finds pages, their sections, classes and functions by parts of their names.
 const mostResults = 12;
 
 function matches(title, words) {
