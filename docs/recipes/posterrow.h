@@ -24,7 +24,7 @@ public:
 
     const QRect &geometry() const { return m_geometry; }
 
-    // In the coordinates of the screen.
+    // The geometry is in the coordinates of the screen.
     void setGeometry(const QRect &geometry)
     {
         m_geometry = geometry;

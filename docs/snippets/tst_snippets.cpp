@@ -232,7 +232,7 @@ void tst_Snippets::anotherPicture()
     QVERIFY(poster.show(QUrl("qrc:/another.png")));
     decide(tracker);
     QVERIFY(poster.isResourcesAllowed());
-    QVERIFY(!poster.hasImage()); // nobody told the item again
+    QVERIFY(!poster.hasImage()); // allowResources() was not called again
 
     poster.change(QUrl("qrc:/third.png"));
     QVERIFY(poster.hasImage());

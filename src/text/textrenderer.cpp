@@ -207,8 +207,9 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
 
     \section1 The width
 
-    The lines are as wide as textWidth() if that is at least 1, else maxTextWidth() if that is at least
-    1, else as wide as the text needs on one line. A line of exactly this width does not fit.
+    The width limit of the lines is textWidth() if that is at least 1, else maxTextWidth() if that is at
+    least 1. A line exactly as wide as the limit does not fit. Without a limit the lines are as wide as
+    the whole text needs on one line.
 
     \section1 The lines
 
