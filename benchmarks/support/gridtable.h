@@ -23,8 +23,8 @@ public:
 
     void printLastBox(std::ostream &out) const;
 
-    // Returns the names and values of what sums up the cells of at most 2,000 words. A value is left out if none of
-    // its cells was measured.
+    // Returns the worst ratios, the median and the counts, each with its name. Only the cells of at most
+    // 2,000 words count. A value without a measured cell is left out.
     std::vector<std::pair<std::string, double>> summary() const;
 
 private:

@@ -20,8 +20,8 @@ constexpr qsizetype fewestMoved = 5;
 // its separator counted.
 constexpr qsizetype shortestForcedSplit = 9;
 
-// Under a line limit a hyphen moves at most this often, or once for each character of the text if that is
-// more. After the last move the text is elided. Each move inserts a line separator.
+// Under a line limit moveHyphenToNextLine() moves one hyphen at most this often, or once for each character of
+// the text if that is more. Each move inserts a line separator. After the last move the text is elided.
 constexpr qsizetype mostHyphenMoves = 1024;
 
 // A separator at which a line may end, and the line and the word that end with it.
@@ -345,7 +345,7 @@ void LineBreaker::elide()
         return;
     }
     const qsizetype cut = m_lineStart + line.size - (line.overflows ? 2 : 1);
-    // A cut before the line is among the inserted characters, not in the source.
+    // A cut before m_lineStart removes the separator before the line, which is no half of a surrogate pair.
     m_elidedText = m_lines.elidedAt(cut < m_lineStart ? cut : characterStart(cut));
 }
 

@@ -39,10 +39,10 @@ QString moveViolation(TextRenderer &renderer, const QPoint &topLeft);
 // width of 0 does not move the text.
 QString widthViolation(TextRenderer &renderer, int width);
 
-// The number of shaper calls of a layout is bounded by the number of line ends shown, not by the length of
-// the text. The bound is multiplied by the calls that measure the whole text once: one for each range of one
-// script, direction and font. Texts whose characters must be measured one by one have a bound for each
-// character shown. Texts that Qt reads as a document have no bound.
+// A layout measures at most a fixed number of ranges for each space, newline and hyphen shown, because a line
+// may end there. If the characters must be measured one by one, each character shown counts. If nothing is
+// shown, each character of the source counts. A measurement takes one call of the shaper for each script,
+// direction and font in the text. Texts that Qt reads as a document have no bound.
 QString shapingViolation(TextRenderer &renderer);
 
 // The renderer shows the reference layout.

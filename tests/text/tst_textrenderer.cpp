@@ -1685,7 +1685,8 @@ void tst_TextRenderer::drawStrikesOut()
     QCOMPARE(lines.constFirst().pen.color(), QColor(Qt::red));
     QCOMPARE(lines.constFirst().transform, QTransform());
 
-    // A static text with a negative width has the fractional width of its line: the line is rounded up.
+    // A static text with a negative width is as wide as its text, a fraction. The strike-out line ends at the
+    // next whole pixel.
     renderer.setMaxTextWidth(-1);
     const double width = staticText(text, -1, font).size().width();
     QVERIFY(width != std::floor(width));
