@@ -37,8 +37,8 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of this letter's script, or of
 // the script of the first mark. Within the run, a letter of another script before them can decide instead.
 constexpr double foreignSignInEms = 2;
-// In pixels. A font can give two glyphs huge advances of opposite sign. Only the sum of both is right, and
-// only if it wraps at 32 bits, as Qt's sums do. So a range that ends between the two is always measured.
+// In pixels. A greater advance may be one of two huge advances of opposite sign. Only the sum of both is right,
+// and only if it wraps at 32 bits, as Qt's sums do. So a range that ends after such an advance is measured.
 constexpr double greatestGlyphAdvance = 1 << 20;
 
 double scaledEm(const QFont &font)

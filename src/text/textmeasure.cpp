@@ -113,6 +113,8 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
 {
     if (to <= from)
         return fits(0);
+    if (!m_readsRuns)
+        return fits(measure(from, to));
     while (!m_run.covers(from, to)) {
         const bool readsPrefix = m_charactersTakeRoom && m_run.covers(from, from + 1);
         if (readsPrefix && !fits(m_run.leastAdvanceOfLonger(from)))
@@ -132,11 +134,11 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
 }
 
 // Shapes a run of up to `size` characters from `from` on. Returns false, and keeps the present run, if the
-// new one would read no more.
+// new one would add no characters.
 bool TextMeasure::shape(qsizetype from, qsizetype size)
 {
     const QStringView rest = QStringView(m_text.withoutLastSpace()).sliced(from);
-    QStringView characters = rest.first(m_readsRuns ? std::min(size, rest.size()) : 0);
+    QStringView characters = rest.first(std::min(size, rest.size()));
     characters.truncate(sizeUpTo(endOfMeasuredText, characters));
     // From a run that is longer than a piece only the first line is read, and a line ends with its paragraph.
     if (characters.size() > longestPiece)
@@ -163,9 +165,9 @@ qsizetype TextMeasure::nextRunSize(qsizetype from, qsizetype to) const
 
 void TextMeasure::noteWholeAdvance()
 {
-    const qsizetype size = m_text.withoutLastSpace().size();
     if (m_run.begin() != 0)
         return;
+    const qsizetype size = m_text.withoutLastSpace().size();
     if (m_run.end() == size) {
         m_wholeAdvance = m_run.advance(0, size);
     } else if (m_charactersTakeRoom) {
@@ -185,7 +187,7 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     const double advance = measure(from, to);
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
-    // A large tolerance at the other end of the range could hide the kerning at the space.
+    // With a large tolerance at the other end, this comparison could miss strong kerning at the space.
     const bool isClose = reading.tolerance <= m_font.kernedEnd + m_font.freeEnd;
     if (isClose && m_text.at(to) == u' ' && to < m_run.end()
         && isAfterLetter(m_text.withoutLastSpace(), to))

@@ -360,7 +360,8 @@ Qt::Alignment TextRenderer::textAlignment() const
 
     Without a textWidth() the text does not move horizontally, not even with a maxTextWidth(). A wrapped
     text counts as wide as the box, so it does not move horizontally either. Qt::AlignBottom moves only
-    a text that is less high than the box. If flags contradict each other, centring goes first.
+    a text that is less high than the box. If flags contradict each other, the text as a whole is centred,
+    and Qt decides how each line is aligned.
 */
 void TextRenderer::setTextAlignment(Qt::Alignment alignment)
 {
