@@ -663,7 +663,7 @@ void tst_Reentrancy::slotMayUnregisterAnotherOwnerInAWalkOfAnyLength_data()
 {
     QTest::addColumn<int>("count");
 
-    // A walk has room for 16 entries. More entries need memory from the heap.
+    // A ResourceWalk has room for 16 entries. More entries need memory from the heap.
     for (const int count : {1, 15, 16, 17, 32, 33})
         QTest::addRow("%d", count) << count;
 }

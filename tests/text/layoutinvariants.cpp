@@ -122,9 +122,9 @@ constexpr qint64 measurementsPerLine = 1 + 1 + 1 + 1 + 4 + 2;
 // True if the advances of all characters can be read from a shaped run and are not near 0.
 bool isOrdinary(const TextRenderer &renderer)
 {
+    // In pixels. In larger fonts the advances of short texts overflow.
+    constexpr int largestFont = 10'000;
     constexpr double leastAdvance = 1; // pixels
-    constexpr int largestFont =
-        10'000; // pixels; in greater fonts the advances of short texts overflow
     const QFont font = renderer.textFont();
     const auto isOrdinaryCharacter = [](QChar c) {
         return (c >= u' ' && c <= u'~') || (c >= u'А' && c <= u'я') || c == newline

@@ -186,8 +186,8 @@ void tst_TextLayout::textIsEmptyIfTheEllipsisAloneOverhangs()
     QVERIFY(metrics.horizontalAdvance(ellipsisText) > width);
     QVERIFY(metrics.horizontalAdvance(QStringLiteral("i")) < width);
 
-    // The layout removes one more character before the ellipsis. On the first line there is none, so nothing
-    // is shown. On the second line this character is the line separator.
+    // The ellipsis overhangs, so the layout removes one more character than Qt. On the first line there is none
+    // left, so nothing is shown. On the second line this character is the line separator.
     const Shown first = layOut({QStringLiteral("aaaa"), width, 1, true, font});
     QCOMPARE(first.text, QString());
     QCOMPARE(first.elided, true);

@@ -292,7 +292,7 @@ void tst_TextMeasure::decidesALongWordByItsPrefix()
         QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
     QFETCH(QString, letter);
     const SourceText source(letter.repeated(20'000));
-    // Qt has a long text shaped in pieces of 4,096 characters.
+    // Qt passes a long text to the shaper in pieces of 4,096 characters.
     QVERIFY(countShaperCalls([&] { advance(source.range(0, 20'000)); }) >= 5);
     TextMeasure measure(source, pixelFont(), lineWidth, manyLines, Method::ReadRuns);
 

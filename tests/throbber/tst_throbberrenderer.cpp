@@ -490,7 +490,7 @@ void tst_ThrobberRenderer::refusedPenWidthChangesTheArcRect()
     QCOMPARE(calls.last().pen, defaultArcPen());
     QCOMPARE(calls.last().path, drawnByHand(arcRect, -80, -80).last().path);
 
-    // The next rectangle is inset by the width that the pens have kept.
+    // The refused call left the pens 10 wide. So the next rectangle is inset by 5.
     throbber.setRenderRect(QRect(0, 0, 100, 100));
     QCOMPARE(drawn(throbber).first().rects, QList<QRectF>{QRectF(5, 5, 90, 90)});
 }

@@ -1,7 +1,7 @@
 # box [CTEST ARGS]
 # Build for the MIPS32 device, run the tests under emulation, and measure what the library costs there.
 #
-# The first run builds Qt for the device and keeps it beside the build root: seven minutes on two
+# The first run builds Qt for the device and keeps it in ~/.cache/ovelin: seven minutes on two
 # processors. The table of costs is written to build/box/cost.md; tools/box/budgets.txt has the budgets.
 #
 # With CTEST ARGS only the tests run: ./dev box -R textrenderer

@@ -1,5 +1,5 @@
 # Libraries for the device, cross-built from Debian's source packages. Each library has the same version as
-# in the build root. The result is kept beside the build root, in a folder whose name has a digest of the
+# in the build root. The result is kept in ~/.cache/ovelin, in a folder whose name has a digest of the
 # version, the compiler and the cache entries. An interrupted build continues where it stopped.
 
 readonly crossbuild_toolchain_file=$repository/cmake/toolchains/mipsel-linux-gnu.cmake
