@@ -43,47 +43,42 @@ constexpr Rule hyphenationRules[] = {
 };
 // clang-format on
 
-// A hyphenation point can depend on characters up to hyphenationReach away: each rule is applied twice, and
-// each application adds the length of a rule to this distance.
+// One replacement leaves out matches that overlap. The second one finds them. A third one would only add points in
+// rows of five or more vowels, where callers expect none.
+constexpr int replacementsPerRule = 2;
+
+// A hyphenation point can depend on characters up to hyphenationReach away: each replacement adds the length of a
+// rule to this distance.
 constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
                                       return rule.before.size();
                                   }).before.size();
 constexpr qsizetype hyphenationReach =
-    qsizetype(std::size(hyphenationRules)) * 2 * (longestRule - 1);
+    qsizetype(std::size(hyphenationRules)) * replacementsPerRule * (longestRule - 1);
 
 // The points among this many characters of a long word are looked for first: few lines have more characters.
 constexpr qsizetype usualPrefix = 64;
-
-// A class string reserves memory for this many inserted hyphens.
-constexpr qsizetype usualHyphenCount = 4;
 
 QHash<QChar, QChar> makeLetterClasses()
 {
     QHash<QChar, QChar> classes;
     for (const auto &[letter, letterClass] : letterClasses)
-        classes.insert(letter, letterClass);
+        classes[letter] = letterClass;
     return classes;
 }
 
 QString classString(QStringView word)
 {
-    QString classes;
-    classes.reserve(word.size() + usualHyphenCount);
-    const QString lowerCase = QString::fromRawData(word.data(), word.size()).toLower();
-    for (const QChar letter : lowerCase)
-        classes.append(hyphenationLetterClasses.value(letter, letter));
+    QString classes = QString::fromRawData(word.data(), word.size()).toLower();
+    for (QChar &letter : classes)
+        letter = hyphenationLetterClasses.value(letter, letter);
     return classes;
 }
 
 void insertHyphens(QString &classes)
 {
     for (const auto &[before, after] : hyphenationRules) {
-        if (!classes.contains(before))
-            continue;
-        // One replacement leaves out matches that overlap. The second one finds them. A third one would only
-        // add points in rows of five or more vowels, where callers expect none.
-        classes.replace(before, after);
-        classes.replace(before, after);
+        for (int i = 0; i < replacementsPerRule && classes.contains(before); ++i)
+            classes.replace(before, after);
     }
 }
 
@@ -119,8 +114,7 @@ int lastPointThatFits(QStringView word,
 } // namespace
 
 const QHash<QChar, QChar> hyphenationLetterClasses = makeLetterClasses();
-const QRegularExpression wordBreakPattern(
-    u"(%1|%2|%3[^\\d])"_s.arg(QChar(u' ')).arg(QChar(lineSeparator)).arg(QChar(hyphen)));
+const QRegularExpression wordBreakPattern(u"( |\u2028|-[^\\d])"_s);
 
 qsizetype wordEnd(QStringView text, qsizetype from)
 {
