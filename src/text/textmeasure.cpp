@@ -23,10 +23,6 @@ constexpr int usualLines = 16;
 // together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
-// A comparison that is made to check the font has at most this many characters. They are enough, because a
-// wrong reading comes from the ends of a range.
-constexpr qsizetype longestCheck = 16;
-
 // The cut of an elided line is looked for in this many characters before the first one that overflows, and in
 // this many from that one on. An ellipsis is as wide as one to four characters.
 constexpr qsizetype charactersBeforeOverflow = 5;
@@ -64,16 +60,11 @@ bool isSpecialInElision(QChar c)
            || (c >= u'\u2066' && c <= u'\u2069') || c == endOfMeasuredText;
 }
 
-bool isAfterLetter(QStringView text, qsizetype position)
-{
-    return position > 0 && text.at(position - 1).isLetter();
-}
-
 // Returns the position of the first space after a letter, or -1.
-qsizetype firstSpaceAfterLetter(QStringView text, qsizetype from)
+qsizetype firstSpaceAfterLetter(QStringView text)
 {
-    qsizetype space = text.indexOf(u' ', from);
-    while (space >= 0 && !isAfterLetter(text, space))
+    qsizetype space = text.indexOf(u' ', 1);
+    while (space >= 0 && !text.at(space - 1).isLetter())
         space = text.indexOf(u' ', space + 1);
     return space;
 }
@@ -189,8 +180,7 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
         m_isReadWrong = true;
     // With a large tolerance at the other end, this comparison could miss strong kerning at the space.
     const bool isClose = reading.tolerance <= m_font.kernedEnd + m_font.freeEnd;
-    if (isClose && m_text.at(to) == u' ' && to < m_run.end()
-        && isAfterLetter(m_text.withoutLastSpace(), to))
+    if (isClose && m_text.at(to) == u' ' && to < m_run.end() && m_text.at(to - 1).isLetter())
         m_isComparedAtSpace = true;
     return advance;
 }
@@ -202,23 +192,18 @@ bool TextMeasure::findsWrongReading()
     return m_isReadWrong;
 }
 
-// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So the range that
-// is compared ends between a letter and a space.
+// A font that kerns more than the tolerances allow usually kerns letters with spaces, too. So a letter before a
+// space is read from a run that has this space, and measured without it.
 void TextMeasure::compareAtSpace()
 {
     const QStringView text = m_text.withoutLastSpace();
-    qsizetype space = firstSpaceAfterLetter(text, m_run.begin() + 1);
-    if (space < 0)
-        space = firstSpaceAfterLetter(text, 0);
+    qsizetype space = firstSpaceAfterLetter(text);
     if (space < 0)
         space = text.lastIndexOf(u' ');
-    const qsizetype begin = space > m_run.begin() ? m_run.begin() : 0;
-    const qsizetype from = std::max(begin, space - longestCheck);
-    if (space <= from)
+    if (space <= 0)
         return;
-    if (!m_run.covers(from, space + 1))
-        m_run = ShapedRun(m_text.range(from, space + 1), from, m_font);
-    measureAndCompare(from, space, m_run.readClosely(from, space));
+    const ShapedRun run(m_text.range(space - 1, space + 1), space - 1, m_font);
+    measureAndCompare(space - 1, space, run.read(space - 1, space));
 }
 
 TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)

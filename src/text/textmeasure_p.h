@@ -62,8 +62,8 @@ public:
     };
     ElidedLine elide(qsizetype from, qsizetype to);
 
-    // Compares a reading of a range that ends before a space with a measurement, unless decide() has already
-    // compared one. Returns true if any comparison so far showed a difference beyond the tolerance.
+    // Compares the reading of a letter that stands before a space with a measurement, unless decide() compared
+    // such a reading. Returns true if any comparison showed a difference beyond the tolerance.
     bool findsWrongReading();
 
     // Returns the advance of the whole text. If the text is wider than the line, the result can be a smaller
