@@ -23,10 +23,9 @@ constexpr int usualLines = 16;
 // together cost at most three times the last one.
 constexpr double runGrowth = 1.5;
 
-// The cut of an elided line is looked for in this many characters before the first one that overflows, and in
-// this many from that one on. An ellipsis is as wide as one to four characters.
-constexpr qsizetype charactersBeforeOverflow = 5;
-constexpr qsizetype charactersFromOverflow = 2;
+// The cut of an elided line is looked for among this many characters before the first one that overflows. An
+// ellipsis is as wide as one to four characters.
+constexpr qsizetype charactersBeforeOverflow = 4;
 
 bool charactersTakeRoom(const QFont &font)
 {
@@ -234,13 +233,15 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     qsizetype overflow = from;
     while (overflow < end && m_run.advance(from, overflow + 1) <= m_lineWidth)
         ++overflow;
+    if (overflow == end)
+        return std::nullopt;
     qsizetype first = std::max(from, overflow - charactersBeforeOverflow);
     while (first > from && !m_run.beginsFreely(first))
         --first;
-    const qsizetype last = std::min(end, overflow + charactersFromOverflow);
+    const qsizetype last = overflow + 1;
     const bool isExact = m_charactersTakeRoom && m_run.hasSeparateGlyphs(first, last)
                          && m_run.isExact(first, last) && m_run.isExact(from, last);
-    if (overflow == end || !isExact)
+    if (!isExact)
         return std::nullopt;
     // No run has the space after the text. If the font kerns the last letter with it, the line may fit.
     const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();
