@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QString>
 
-// A picture of the documentation while it is drawn, with `resolution` times the pixels of its size.
+// A picture of the documentation while it is drawn. One unit of its size and painter is `resolution` pixels.
 class Canvas
 {
 public:

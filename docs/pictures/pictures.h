@@ -10,7 +10,7 @@ struct Picture
     const char *name;
     QSize size;
     void (*draw)(Canvas &canvas);
-    int resolution = 2; // 1: the content is not scaled
+    int resolution = 2; // of Canvas; 1 if the content must not be scaled
 };
 
 QList<Picture> allPictures();

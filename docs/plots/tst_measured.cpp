@@ -71,8 +71,8 @@ void tst_Measured::namesTheFault_data()
                                      << "line 2: ovelin: \"-1\" is not a number above 0";
     QTest::newRow("not a number") << header + "Russian,4 lines,20,1,2,nan,4,5\n"
                                   << "line 2: loop: \"nan\" is not a number above 0";
-    QTest::newRow("an endless time") << header + "Russian,4 lines,20,1,2,3,4,inf\n"
-                                     << "line 2: QTextDocument: \"inf\" is not a number above 0";
+    QTest::newRow("an infinite time") << header + "Russian,4 lines,20,1,2,3,4,inf\n"
+                                      << "line 2: QTextDocument: \"inf\" is not a number above 0";
 }
 
 void tst_Measured::namesTheFault()

@@ -107,7 +107,7 @@ bool decides(const ovelin::SceneResourceTracker &tracker, const QList<State::Sta
     return QTest::qWaitFor([&] { return statuses(tracker) == expected; });
 }
 
-// Waits until red posters begin and end at these places of a line of pixels.
+// Waits until the posters are shown: `edges` has each x at which red begins or ends in a line of pixels.
 bool showsPosters(PosterRow &row, const QList<int> &edges)
 {
     return QTest::qWaitFor([&] {
@@ -317,7 +317,7 @@ void tst_Recipes::logTable()
 {
     InstalledTracker tracker;
     printLog(tracker);
-    // Such lines are in the picture on the recipe's page.
+    // The picture on the recipe's page shows lines like these.
     QTest::ignoreMessage(QtDebugMsg, "registered   creation_requested recipes::LoadedPoster  image"
                                      "            file:///poster.png");
     QTest::ignoreMessage(QtDebugMsg, "status       creation_allowed   recipes::LoadedPoster  image"

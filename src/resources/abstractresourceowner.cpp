@@ -55,9 +55,9 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
     answers whether the item may hold its resources. The item implements resourceOwnerObject(),
     allowResources() and releaseResources(). Owners cannot be copied.
 
-    allowResources() is not called again when an owner that is allowed registers another resource.
-    Neither does unregistering call releaseResources(). The owner creates and drops these resources
-    itself.
+    allowResources() is not called again when an owner that is allowed registers another resource:
+    the owner creates that resource itself. Unregistering does not call releaseResources(): the owner
+    drops the resource itself.
 
     \since Ovelin 1.0
     \sa SceneResourceTracker

@@ -202,7 +202,7 @@ void SceneResourceTracker::clearMessages()
 
 /*!
     Enables the log if \a enabled is true, and disables it otherwise. Initially the log is disabled.
-    The messages in the log stay when it is disabled. Events that happen meanwhile are not recorded.
+    Disabling the log keeps its messages. Events that happen while the log is disabled are not recorded.
     Emits nothing.
 */
 void SceneResourceTracker::setMessagesEnabled(bool enabled)

@@ -196,8 +196,8 @@ QSize TextRendererPrivate::computeBoundingSize(const QMargins &margins) const
     A renderer holds the text with its font, width, line limit, alignment and position. Setters record
     the new value and mark the layout as out of date; relayout() breaks the text into lines, hyphenates
     Russian words, and cuts what exceeds the line limit with an ellipsis; draw() paints the result with
-    one call. The text needs a font with a size in pixels: with one in points, or without a text,
-    nothing is laid out or painted.
+    one call. The text needs a font with a size in pixels: with a size in points, or without a
+    text, nothing is laid out or painted.
 
     \snippet tst_snippets.cpp text
 
@@ -429,8 +429,8 @@ void TextRenderer::setMaxTextWidth(int width)
 
 /*!
     Sets the height of the box, for vertical alignment only, to \a height device pixels; does nothing
-    when it is the same. 0 or less means that there is no box. A text that is centred and higher than
-    the box begins above it.
+    when it is the same. 0 or less means that no height is set. A text that is centred and higher than
+    the box begins above the box.
 */
 void TextRenderer::setAvailableHeight(int height)
 {
@@ -538,7 +538,7 @@ bool TextRenderer::isNeedRelayout() const
 
 /*!
     Returns true if the last layout that broke lines cut the text with an ellipsis. A layout without a
-    width, or of rich text, breaks none and does not change this.
+    width, or of rich text, breaks no lines and does not change the result.
 */
 bool TextRenderer::isTextElided() const
 {
