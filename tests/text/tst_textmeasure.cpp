@@ -70,7 +70,7 @@ private Q_SLOTS:
 
     void noticesThatReadingsAreWrong_data();
     void noticesThatReadingsAreWrong();
-    void checksOneLetter();
+    void checksAtMostOneLetter();
 
     void elidesAsQtDoes_data();
     void elidesAsQtDoes();
@@ -351,7 +351,7 @@ void tst_TextMeasure::noticesThatReadingsAreWrong()
     }
 }
 
-void tst_TextMeasure::checksOneLetter()
+void tst_TextMeasure::checksAtMostOneLetter()
 {
     if (!canCountShaperCalls())
         QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
@@ -360,6 +360,11 @@ void tst_TextMeasure::checksOneLetter()
     measure.decide(0, 11, fitsInto(1000));
     // One call shapes the letter with its space, the other one the letter alone.
     QCOMPARE(countShaperCalls([&] { measure.findsWrongReading(); }), 2);
+
+    // A decision next to the limit has compared a measurement already, so the check shapes nothing.
+    TextMeasure compared(source, pixelFont(), lineWidth, manyLines, Method::ReadRuns);
+    compared.decide(0, 7, fitsInto(advance(u"новости"_s)));
+    QCOMPARE(countShaperCalls([&] { compared.findsWrongReading(); }), 0);
 }
 
 void tst_TextMeasure::elidesAsQtDoes_data()
