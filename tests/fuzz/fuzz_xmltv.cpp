@@ -11,8 +11,8 @@
 #include <vector>
 
 // Reads any file. The resulting guide must be one that the screen can show, and each message must be one
-// line. An input that begins with a zero byte lists the calls by which a guide is written; any other input
-// is the file itself.
+// line. If the input begins with a zero byte, the other bytes choose the calls that write a file. Any other
+// input is the file itself.
 
 using namespace tvguide;
 using namespace tvguide::tests;
@@ -93,7 +93,7 @@ QString anyValue(QLatin1StringView attribute, FuzzedDataProvider &data)
     return data.PickValueInArray({u"a"_s, u"b"_s, u" a "_s, u""_s});
 }
 
-// Writes a guide that is mostly as it should be.
+// Writes a guide that is mostly valid XMLTV.
 class Writer
 {
 public:

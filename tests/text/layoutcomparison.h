@@ -21,7 +21,7 @@ struct LayoutCounts
     int compared = 0;
     int elided = 0;
     int hyphenated = 0; // a word is split with a hyphen
-    int broken = 0;     // a line ends where the text has no newline
+    int broken = 0;     // the layout inserts a line break
     int repeated = 0;   // a word that fits on no line wraps again and again, up to the line limit
 
     QByteArray description() const;
@@ -37,8 +37,8 @@ void apply(TextRenderer &renderer, const ReferenceInput &input);
 // same text and size, elided or not.
 void compareLayout(const ReferenceInput &input, LayoutCounts *counts = nullptr);
 
-// Does the same and also compares the width of the whole text, by its effects: the position of aligned text,
-// and the widths that keep the layout. This takes six times as long.
+// Does what compareLayout() does. Also compares two effects of the width of the whole text: the position of
+// aligned text, and which box widths keep the layout. This takes six times as long as compareLayout().
 void compare(const ReferenceInput &input, LayoutCounts *counts = nullptr);
 
 } // namespace ovelin::tests

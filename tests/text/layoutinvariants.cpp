@@ -113,7 +113,7 @@ struct Appearance
     bool needRelayout;
 };
 
-// The shaper calls for one line at most. The library shapes the run from which it reads the line. It measures
+// The most measurements for one line. The library shapes the run from which it reads the line. It measures
 // the line up to the word that overflows, a prefix of this word with a hyphen, the word alone, and up to four
 // prefixes that end within half an em of the limit (four of the narrowest letters are an em wide). Then Qt
 // shapes the line and its separator to show them.
@@ -146,9 +146,10 @@ qsizetype longestTrimmedRange(const QString &text)
     return longest;
 }
 
-// The number of shaper calls that a layout may need. Lines end at spaces, separators and hyphens. These are in
-// the text shown, unless they were trimmed before the ellipsis. Nothing is shown if the ellipsis does not fit.
-// In a text that is not ordinary, each character may be measured, after a binary search.
+// The most measurements for a layout. Lines end at spaces, newlines and hyphens. The text shown has these
+// characters, unless they were trimmed before the ellipsis. If the ellipsis does not fit, nothing is shown, and
+// each character of the source counts. In a text that is not ordinary, each character may be measured, after a
+// binary search.
 qint64 mostMeasurements(const TextRenderer &renderer)
 {
     const QString source = renderer.text();

@@ -13,9 +13,10 @@ struct ReferenceLayout;
 // out. Each function returns a description of how the renderer breaks its rule; an empty string if the
 // renderer keeps the rule.
 
-// The text shown is the source with inserted line breaks; a hyphen may be inserted before such a break. An
-// elided text is a prefix of this and an ellipsis; the prefix does not end with a space or punctuation. If
-// the ellipsis does not fit, nothing is shown. Rich text and text without a width show the source itself.
+// The text shown is the source with inserted line breaks. A hyphen may be inserted before an inserted break.
+// An elided text is a prefix of the source with these breaks, and an ellipsis. The prefix does not end with a
+// space or punctuation. If the ellipsis does not fit, nothing is shown. Rich text and text without a width
+// show the source itself.
 QString sourceViolation(const TextRenderer &renderer);
 
 // The library makes no more lines than the line limit. Without a limit it elides nothing. Only newlines of
@@ -25,7 +26,7 @@ QString lineLimitViolation(const TextRenderer &renderer);
 // A second layout changes nothing.
 QString repetitionViolation(TextRenderer &renderer);
 
-// A copy shows the same, before and after a layout of its own.
+// A copy shows what the original shows, before and after the copy is laid out.
 QString copyViolation(const TextRenderer &renderer);
 
 // The geometry is that of a new renderer with the same setup. The caller gives the available height, which a

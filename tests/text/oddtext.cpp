@@ -7,7 +7,7 @@ namespace ovelin::tests {
 
 namespace {
 
-// clang-format off: eight a row
+// clang-format off: one a line, in groups of eight
 constexpr std::array<std::u16string_view, 0x40> oddities = {
     // 0x80: breaks and spaces
     u"\u2028",

@@ -75,7 +75,7 @@ QStringList joinedEmoji()
         u"\U0001F3F3\uFE0F\u200D\U0001F308"_s, // a flag of two emoji
         u"\U0001F1F7\U0001F1FA"_s,             // flags of two letters
         u"\U0001F1F3\U0001F1F4\U0001F1F8\U0001F1EA"_s,
-        u"\U0001F3F4\U000E0067\U000E0062\U000E0073\U000E0063\U000E0074\U000E007F"_s, // of tags
+        u"\U0001F3F4\U000E0067\U000E0062\U000E0073\U000E0063\U000E0074\U000E007F"_s, // a flag of tags
         u"1\uFE0F\u20E3"_s,                                                          // keycaps
         u"#\uFE0F\u20E3"_s,
         u"\U0001F44D\U0001F3FF"_s,

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int fewestMoved = 5;       // characters of a split word that go to the next line
 constexpr int shortestSplitWord = 9; // characters of a word that would fit on a line of its own
+// Under a line limit one hyphen moves at most this often, or once for each character of the text if that is more.
 constexpr int fewestHyphenMoves = 1024;
 
 enum class Next { Accept, HardBreakCheck, NextMatch, Elide, Split, Wrap };

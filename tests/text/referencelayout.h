@@ -35,10 +35,10 @@ struct ReferenceLayout
 // candidates.
 ReferenceLayout referenceLayout(const ReferenceInput &input, int candidateBudget);
 
-// The same for line limits that are too high to be counted up to. A word that fits on no line counts one to
-// six lines each time it wraps. Two limits with the same remainder modulo 60, a multiple of one to six,
-// therefore end the layout at the same position. So a lower limit with the same remainder is used. The text
-// must need fewer lines than `mostCountedLines`.
+// Returns the reference layout also for line limits that are too high to be counted up to. Each time a word
+// that fits on no line wraps, the line count grows by one to six. 60 is a multiple of each of these numbers, so
+// two limits with the same remainder modulo 60 end the layout at the same position. The function therefore uses
+// a lower limit with the same remainder. The text must need fewer lines than `mostCountedLines`.
 constexpr int remainderPeriod = 60;
 constexpr int mostCountedLines = 40 * remainderPeriod;
 ReferenceLayout referenceLayoutAtAnyLimit(ReferenceInput input, int candidateBudget);

@@ -21,15 +21,15 @@ namespace {
 
 constexpr auto dictionary = "/usr/share/hunspell/ru_RU.dic"_L1;
 constexpr int fewestWords = 100'000;
-constexpr int reducedStep = 100; // under a slow tool one word in 100 is tried
+constexpr int reducedStep = 100; // a reduced run tries one word in 100
 
 constexpr std::array lineWidths{10, 40, 70, 110, 1000};
 constexpr std::array boxWidths{40, 60, 80, 110, 150};
 
-// Returns how displayText() must begin for the two words: if the second word is hyphenated, with all up to the
-// newline after the hyphen; otherwise with both words, because a break at a space adds no newline. Returns
-// nothing if the rules of hyphenation do not decide. The part of the second word that stays on the line is
-// measured with the first word, if that is on the same line, with the hyphen and with two pixels of margin.
+// Returns how displayText() must begin for the two words. If the second word is hyphenated, the beginning ends
+// with the newline after the hyphen. Otherwise the beginning is both words, because a break at a space adds no
+// newline. Returns nothing if the rules of hyphenation do not decide. A part of the second word stays on a line
+// if the line up to the end of this part fits with the hyphen and two pixels of margin.
 QString expectedStart(const QString &firstWord, const QString &word, int boxWidth)
 {
     static const double hyphenAdvance = advance(QString(hyphen));
@@ -124,8 +124,8 @@ void tst_HyphenationWords::laysEveryWordOutAsTheRulesSay()
     renderer.setMaxLineCount(std::numeric_limits<int>::max());
 
     const QStringList words = dictionaryWords();
-    const qsizetype step =
-        isRunReduced() ? reducedStep + 1 : 1; // no multiple of the number of widths
+    // The step is no multiple of the number of widths, so that every width is used.
+    const qsizetype step = isRunReduced() ? reducedStep + 1 : 1;
     qsizetype hyphenated = 0;
     for (qsizetype i = 0; i < words.size(); i += step) {
         const QString &word = words.at(i);

@@ -56,8 +56,8 @@ private Q_SLOTS:
     void readsWithinTheTolerance();
     void readsTheWholeRunExactly_data();
     void readsTheWholeRunExactly();
-    void readsPrefixesOfSeveralPiecesExactly_data();
-    void readsPrefixesOfSeveralPiecesExactly();
+    void readsPrefixesOfSeveralPieces_data();
+    void readsPrefixesOfSeveralPieces();
     void readsRangesOfOnePieceOnly();
     void readingHasTheExpectedTolerance_data();
     void readingHasTheExpectedTolerance();
@@ -168,7 +168,7 @@ void tst_ShapedRun::readsTheWholeRunExactly()
     QCOMPARE(run.read(begin, run.end()).advance, advance(text, font));
 }
 
-void tst_ShapedRun::readsPrefixesOfSeveralPiecesExactly_data()
+void tst_ShapedRun::readsPrefixesOfSeveralPieces_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -176,7 +176,7 @@ void tst_ShapedRun::readsPrefixesOfSeveralPiecesExactly_data()
     QTest::newRow("Arabic") << u"السلاملا "_s.repeated(600);
 }
 
-void tst_ShapedRun::readsPrefixesOfSeveralPiecesExactly()
+void tst_ShapedRun::readsPrefixesOfSeveralPieces()
 {
     QFETCH(QString, text);
     const RunFont runFont(pixelFont());

@@ -120,10 +120,10 @@ void tst_TextLayout::widthIsTheSmallerOfBoxAndText()
     QCOMPARE(layOut({text, textWidth}).size.width(), textWidth);
     QCOMPARE(layOut({text, textWidth - 1}).size.width(), textWidth - 1);
 
-    // The width of the text is that of one line, also if the text has two.
+    // The width of the text is its width on one line, also if the text is shown on two lines.
     QCOMPARE(layOut({text, textWidth - 20, 2}).size.width(), textWidth - 20);
 
-    // Without a box the line separator takes part in this width.
+    // Without a box, the width of the text includes the line separator.
     QCOMPARE(layOut({QStringLiteral("aaaa\nbbbb"), 0, 2}).size.width(),
              fineWidth(QStringLiteral("aaaa\u2028bbbb")));
 }
@@ -464,7 +464,7 @@ void tst_TextLayout::movesAHyphenToABoundedNumberOfLines_data()
     QTest::newRow("1025 lines") << 5 << 1025 << 1024;
     QTest::newRow("1026 lines") << 5 << 1026 << 1024;
     QTest::newRow("as many as an int holds") << 5 << highestInt << 1024;
-    QTest::newRow("one less") << 5 << highestInt - 1 << 1024;
+    QTest::newRow("one less than an int holds") << 5 << highestInt - 1 << 1024;
     QTest::newRow("1024 characters") << 1024 << highestInt << 1024;
     QTest::newRow("1025 characters") << 1025 << highestInt << 1025;
     QTest::newRow("longer text") << 1200 << highestInt << 1200;
@@ -541,7 +541,7 @@ void tst_TextLayout::cutsNoSurrogatePairIfTheEllipsisOverhangs()
     constexpr int width = 51;
     const QFont font = spacedFont(QFont::AbsoluteSpacing, 10);
     const QString face = QStringLiteral("\U0001F600");
-    // Qt leaves the letter spacing after the ellipsis out.
+    // elidedText() does not count the letter spacing after the ellipsis.
     const QString elided = QFontMetricsF(font).elidedText(face.repeated(8), Qt::ElideRight, width);
     QCOMPARE(elided, face + ellipsisText);
     QVERIFY(advance(elided, font) > width);
@@ -549,7 +549,7 @@ void tst_TextLayout::cutsNoSurrogatePairIfTheEllipsisOverhangs()
     QCOMPARE(layOut({face.repeated(8), width, 1, true, font}).text, ellipsisText);
 }
 
-// In lower case each U+0130 is two characters, so that the word seems to have four more.
+// In lower case each U+0130 is two characters, so a hyphenation point can lie after the end of the word.
 void tst_TextLayout::usesNoHyphenationPointAfterTheWord()
 {
     const QFont font = spacedFont(QFont::AbsoluteSpacing, -10);

@@ -76,8 +76,8 @@ const Example examples[] = {
     {"as wide as the line, in two lines",    u"аб вг",                50,       2, on, {u"аб вг"},                   whole},
     // The second space does not fit. So the layout moves the word before it to the next line; Qt does not.
     {"two spaces where the line is full",    u"аб вгд  е",            65,       2, on, {u"аб вгд", u"е"},            whole},
-    // The separator after the first word does not fit. So the word moves to the next line, where the same
-    // happens, until the line limit cuts the text.
+    // The separator after the first word does not fit. So the word moves to the next line. There the separator
+    // does not fit either, and the word moves again, until the line limit cuts the text.
     {"two spaces, first word",               u"слово  да",            51,       3, on, {u"слов…"},                   elided},
     {"hyphen and space, first word",         u"слово- да",            51,       3, on, {u"слов…"},                   elided},
     {"space and hyphen, first word",         u"слово -да",            51,       3, on, {u"слов…"},                   elided},
@@ -113,7 +113,7 @@ const Example examples[] = {
     {"no room for the ellipsis",   u"да",                  9, 1, on, {u""},           elided},
     {"no room on a later line",    u"\nда",                9, 2, on, {u""},           elided},
 
-    // Paragraphs: each newline counts a line, also a newline at the end. With a limit of one line, newlines
+    // Paragraphs: each newline counts as a line, also a newline at the end. With a limit of one line, newlines
     // are ordinary characters without a width.
     {"newline",                              u"один\nдва",     101, 2, on, {u"один", u"два"},      whole},
     {"newline on one line",                  u"один\nдва",     101, 1, on, {u"один\nдва"},         whole},
@@ -129,22 +129,23 @@ const Example examples[] = {
     {"empty paragraphs within the limit",    u"а\n\n\nб",      101, 4, on, {u"а", u"", u"", u"б"}, whole},
     {"empty paragraphs beyond the limit",    u"а\n\n\nб",      101, 3, on, {u"а…"},                elided},
 
-    // The last word of a paragraph counts two lines when it wraps: one for the wrap, one for the newline.
+    // The last word of a paragraph counts as two lines when it wraps: one for the wrap, one for the newline.
     {"last word wraps, four lines",          u"аб вг\nде",    45,           4, on, {u"аб", u"вг", u"де"},     whole},
     {"last word wraps, three lines",         u"аб вг\nде",    45,           3, on, {u"аб", u"вг…"},           elided},
     {"last word wraps, two lines",           u"аб вг\nде",    45,           2, on, {u"аб", u"вг…"},           elided},
     // If the second count reaches the limit, the first line is elided to N characters, and the second line is
-    // cut after N characters. In the last row the text ends earlier, and a space stands for the ellipsis.
+    // cut after N characters, its newline and the space after the text counted. In the third row these are fewer
+    // than N characters, and the second line ends with this space instead of an ellipsis.
     {"cut at the end of the text",           u"аб вгд\n",     55,           2, on, {u"аб", u"вгд…"},          elided},
     {"cut next to the end of the text",      u"абв гд\n",     55,           2, on, {u"абв", u"гд…"},          elided},
     {"cut beyond the end of the text",       u"абвг д\n",     55,           2, on, {u"абвг", u"д "},          elided},
-    // The line that the last word begins is measured without its first character.
+    // If the last word of a paragraph wraps, its new line is measured without the first character.
     {"last word wraps, as wide as the box",  u"и ввв\nб",     30,           4, on, {u"и", u"ввв", u"б"},      whole},
     {"last word after a hyphen counts once", u"слон-пёс\nда", 70,           3, on, {u"слон", u"-пёс", u"да"}, whole},
     {"space before a newline, four lines",   u"абвг \nде",    45,           4, on, {u"абвг ", u"де"},         whole},
     {"space before a newline, three lines",  u"абвг \nде",    45,           3, on, {u"абвг…"},                elided},
     {"space before a newline, two lines",    u"абвг \nде",    45,           2, on, {u"абв…"},                 elided},
-    // A last word that fits on no line counts two lines each time it wraps: odd and even limits differ.
+    // A last word that fits on no line counts as two lines each time it wraps: odd and even limits differ.
     {"wide last word, even limit",           u"абвг\nд",      25,           4, on, {u"а…"},                   elided},
     {"wide last word, odd limit",            u"абвг\nд",      25,           5, on, {u"аб…"},                  elided},
     {"wide last word, highest even limit",   u"абвг\nд",      25, noLimit - 1, on, {u"а…"},                   elided},
@@ -231,7 +232,7 @@ const Example examples[] = {
     {"five characters, without limit",       u"abcd",            35, noLimit, on,  {u"ab…"},                    elided},
     {"disabled, splits a lone word",         u"abcdefhijklm",    63,       2, off, {u"abcdef", u"hijklm"},      whole},
     {"disabled, wraps a word",               u"да abcdefhij",   103,       2, off, {u"да", u"abcdefhij"},       whole},
-    // A word that fits on a line of its own is split if it has nine characters, the separator counted.
+    // A word that fits on a line of its own is split only if it has at least nine characters, the separator counted.
     {"nine characters fill the line",        u"да abcdefhi",     95,       2, on,  {u"да abcd", u"efhi"},       whole},
     {"eight characters wrap",                u"да abcdefh",      95,       2, on,  {u"да", u"abcdefh"},         whole},
     {"eight characters, as wide as the box", u"да abcdefh",      82,       2, on,  {u"да", u"abcdefh"},         whole},

@@ -182,7 +182,7 @@ QList<FontOfScripts> fonts()
 {
     using enum Script;
     return {
-        // DejaVu Sans lacks the last four scripts. Qt takes their letters from another font, if there is one.
+        // DejaVu Sans lacks Devanagari, Thai, Chinese and most emoji. Qt takes these from another font, if any.
         {"DejaVu Sans",
          "fonts-dejavu-core",
          {Latin, Cyrillic, Greek, Hebrew, Arabic, Devanagari, Thai, Chinese, Emoji}},
@@ -256,8 +256,8 @@ private Q_SLOTS:
     void initTestCase();
     void init();
 
-    void agreesWithThePlainFormulation_data();
-    void agreesWithThePlainFormulation();
+    void agreesWithTheReferenceLayout_data();
+    void agreesWithTheReferenceLayout();
     void agreesInBoxesThatAPrefixJustFits_data();
     void agreesInBoxesThatAPrefixJustFits();
     void agreesOnTextsThatWereWrong_data();
@@ -289,12 +289,12 @@ void tst_TextLayoutFonts::init()
     }
 }
 
-void tst_TextLayoutFonts::agreesWithThePlainFormulation_data()
+void tst_TextLayoutFonts::agreesWithTheReferenceLayout_data()
 {
     addRows();
 }
 
-void tst_TextLayoutFonts::agreesWithThePlainFormulation()
+void tst_TextLayoutFonts::agreesWithTheReferenceLayout()
 {
     QFETCH(QString, family);
     QFETCH(Script, script);

@@ -242,8 +242,8 @@ class tst_TextLayoutIdentity : public QObject
 private Q_SLOTS:
     void initTestCase();
 
-    void agreesWithThePlainFormulation_data();
-    void agreesWithThePlainFormulation();
+    void agreesWithTheReferenceLayout_data();
+    void agreesWithTheReferenceLayout();
     void agreesInStronglyKernedFonts_data();
     void agreesInStronglyKernedFonts();
     void agreesOnTextsInKernedFontsThatWereWrong_data();
@@ -278,7 +278,7 @@ void tst_TextLayoutIdentity::initTestCase()
     QVERIFY(isTestFontInstalled());
 }
 
-void tst_TextLayoutIdentity::agreesWithThePlainFormulation_data()
+void tst_TextLayoutIdentity::agreesWithTheReferenceLayout_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<unsigned>("seed");
@@ -293,7 +293,7 @@ void tst_TextLayoutIdentity::agreesWithThePlainFormulation_data()
     QTest::newRow("long texts") << int(CaseMaker::LongTexts) << 8U;
 }
 
-void tst_TextLayoutIdentity::agreesWithThePlainFormulation()
+void tst_TextLayoutIdentity::agreesWithTheReferenceLayout()
 {
     QFETCH(int, kind);
     QFETCH(unsigned, seed);
@@ -328,8 +328,9 @@ void tst_TextLayoutIdentity::agreesInStronglyKernedFonts_data()
 {
     QTest::addColumn<Kerning>("kerning");
 
-    // Kerning widens both glyphs of a pair by half of it. So the advance of a prefix by itself differs from
-    // its advance in the line by half of the kerning: less than the tolerance of half an em in these rows.
+    // Each glyph of a kerned pair becomes wider by half of the kerning. So the advance of a prefix by itself
+    // differs from its advance in the line by half of the kerning. In these rows this half is less than the
+    // tolerance of half an em.
     QTest::newRow("closer to spaces") << Kerning{.beforeSpace = -450};
     QTest::newRow("farther from spaces") << Kerning{.beforeSpace = 450};
     QTest::newRow("closer to the letter before") << Kerning{.afterSpace = -450};
@@ -703,7 +704,7 @@ void tst_TextLayoutIdentity::agreesWhereAHyphenFillsTheLine()
     compareInBoxes(input, widths, {2, most});
 }
 
-// Qt's positions overflow with these letter spacings.
+// Qt's positions can overflow with these letter spacings.
 void tst_TextLayoutIdentity::agreesInFontsWithExtremeLetterSpacing_data()
 {
     QTest::addColumn<QFont::SpacingType>("type");

@@ -237,7 +237,7 @@ void tst_TextLayoutInvariants::keepsTheLineLimit()
     checkRule(400, [](const TextRenderer &r, const Setup &) { return lineLimitViolation(r); });
 }
 
-// Tries only Russian words with single spaces: other texts Qt may break where the layout counts no line.
+// Tries only Russian words with single spaces: Qt may break other texts where the layout counts no line.
 void tst_TextLayoutInvariants::paintsNoMoreLinesThanAllowed()
 {
     TextRenderer line;

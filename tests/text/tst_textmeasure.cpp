@@ -263,7 +263,7 @@ void tst_TextMeasure::measuresOnlyNearTheLimit()
             measure.decide(0, to, fitsInto(lineWidth));
     });
     QVERIFY(callsForPrefixes <= 1);
-    // The letters are 8 to 18 pixels wide.
+    // The letters are 8 to 18 pixels wide, so few ranges end near the limit.
     const int callsForRanges = countShaperCalls([&] {
         for (qsizetype to = 9; to <= 72; ++to)
             measure.decide(8, to, fitsInto(lineWidth));
@@ -312,8 +312,8 @@ void tst_TextMeasure::noticesThatReadingsAreWrong_data()
                         Method method = Method::ReadRuns) {
         QTest::newRow(name) << kerning << text << method << wrong;
     };
-    // Kerning widens both glyphs of a pair by half of it: a letter by itself lacks that half. The tolerance is
-    // half of the font's size.
+    // Each glyph of a kerned pair becomes wider by half of the kerning. A letter that is measured without the
+    // space lacks this half. The tolerance is half an em: 500 thousandths.
     row("a little farther from spaces", {.beforeSpace = 900}, u"q w"_s, false);
     row("far from spaces", {.beforeSpace = 1100}, u"q w"_s, true);
     row("spaces swallowed", {.beforeSpace = -1400}, u"q w"_s, true);

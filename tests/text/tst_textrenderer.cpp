@@ -306,7 +306,7 @@ void tst_TextRenderer::setterMarksDirtyOnlyIfTheValueChanges_data()
     QTest::newRow("maximal width") << Change([](TextRenderer &r) { r.setMaxTextWidth(77); });
     QTest::newRow("available height") << Change([](TextRenderer &r) { r.setAvailableHeight(77); });
     QTest::newRow("line count") << Change([](TextRenderer &r) { r.setMaxLineCount(3); });
-    QTest::newRow("line count of one") << Change([](TextRenderer &r) { r.setMaxLineCount(0); });
+    QTest::newRow("line count of zero") << Change([](TextRenderer &r) { r.setMaxLineCount(0); });
     QTest::newRow("hyphenation") << Change([](TextRenderer &r) { r.setHyphenationEnabled(false); });
     QTest::newRow("position") << Change([](TextRenderer &r) { r.setTextTopLeft(QPoint(1, 0)); });
 }
@@ -1049,7 +1049,7 @@ void tst_TextRenderer::textThatFitsKeepsItsOwnWidth()
 
 void tst_TextRenderer::doesNotShiftATextThatIsWiderThanTheBox()
 {
-    // The width that is aligned is that of the whole text on one line, but at most that of the box.
+    // The aligned width is the width of the whole text on one line, but at most the width of the box.
     const QString text = QStringLiteral("aaaa bbbb");
     for (const Qt::AlignmentFlag alignment : {Qt::AlignHCenter, Qt::AlignRight}) {
         for (const int narrow : {fineWidth(QStringLiteral("aaaa")) + 4, 1}) {
@@ -1184,7 +1184,7 @@ void tst_TextRenderer::boundingRectIgnoresANullAlignedPosition()
     QCOMPARE(renderer.alignedTextTopLeft(), QPoint(0, 0));
     QCOMPARE(renderer.boundingRect().topLeft(), QPoint(0, 7));
 
-    // One coordinate alone does not make the point null.
+    // A point is null only if both coordinates are 0.
     renderer.move(QPoint(1, 7));
     QCOMPARE(renderer.alignedTextTopLeft(), QPoint(1, 0));
     QCOMPARE(renderer.boundingRect().topLeft(), QPoint(1, 0));
@@ -1211,7 +1211,7 @@ void tst_TextRenderer::geometryIsTheBox()
     QFETCH(double, greatestFraction);
     QFETCH(int, roundedUp);
 
-    // Searches a height whose fraction is in the range.
+    // Searches for a height whose fraction is in the range.
     for (int pixelSize = 8; pixelSize < 12; ++pixelSize) {
         for (int percent = 101; percent < 200; ++percent) {
             const QFont font = pixelFont(pixelSize);
@@ -1236,7 +1236,7 @@ void tst_TextRenderer::geometryIsTheBox()
             return;
         }
     }
-    QFAIL("No line height has such a fraction.");
+    QFAIL("No line height has a fraction in the range.");
 }
 
 void tst_TextRenderer::geometryWithoutTextWidthIsTheBoundingRect()
@@ -1623,7 +1623,8 @@ void tst_TextRenderer::drawKeepsPenAndBrush()
         renderer.setText(QStringLiteral("a"));
         renderer.relayout();
 
-        // draw() gives the pen the font's point size as width. QPen refuses that of a font in pixels: -1.
+        // draw() uses the font's point size as the width of the pen. The point size of a font in pixels is -1,
+        // and QPen refuses this width with a warning.
         if (strikeOut) {
             QTest::ignoreMessage(QtWarningMsg,
                                  "QPen::setWidth: Setting a pen width that is out of range");
@@ -1685,7 +1686,7 @@ void tst_TextRenderer::drawStrikesOut()
     QCOMPARE(lines.constFirst().pen.color(), QColor(Qt::red));
     QCOMPARE(lines.constFirst().transform, QTransform());
 
-    // A static text with a negative width is as wide as its text, a fraction. The strike-out line ends at the
+    // A static text with a negative width has the fractional width of its line. The strike-out line ends at the
     // next whole pixel.
     renderer.setMaxTextWidth(-1);
     const double width = staticText(text, -1, font).size().width();
