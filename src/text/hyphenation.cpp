@@ -58,6 +58,9 @@ constexpr qsizetype hyphenationReach =
 // The points among this many characters of a long word are looked for first: few lines have more characters.
 constexpr qsizetype usualPrefix = 64;
 
+// A class string reserves memory for this many inserted hyphens.
+constexpr qsizetype usualHyphenCount = 4;
+
 QHash<QChar, QChar> makeLetterClasses()
 {
     QHash<QChar, QChar> classes;
@@ -69,6 +72,7 @@ QHash<QChar, QChar> makeLetterClasses()
 QString classString(QStringView word)
 {
     QString classes = QString::fromRawData(word.data(), word.size()).toLower();
+    classes.reserve(classes.size() + usualHyphenCount);
     for (QChar &letter : classes)
         letter = hyphenationLetterClasses.value(letter, letter);
     return classes;
