@@ -37,9 +37,10 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of this letter's script, or of
 // the script of the first mark. Within the run, a letter of another script before them can decide instead.
 constexpr double foreignSignInEms = 2;
-// In pixels. A greater advance may be one of two huge advances of opposite sign. Only the sum of both is right,
-// and only if it wraps at 32 bits, as Qt's sums do. So a range that ends after such an advance is measured.
-constexpr double greatestGlyphAdvance = 1 << 20;
+// In multiples of qtUnit: a million pixels. A greater advance may be one of two huge advances of opposite sign.
+// Only the sum of both is right, and only if it wraps at 32 bits, as Qt's sums do. So a range that ends after such
+// an advance is measured.
+constexpr qint32 greatestGlyphAdvance = 1 << 26;
 
 double scaledEm(const QFont &font)
 {
@@ -132,13 +133,16 @@ RunFont::RunFont(const QFont &source)
 ShapedRun::ShapedRun(const QString &text, qsizetype begin, const RunFont &font, QStringView rest)
     : m_text(text)
     , m_begin(begin)
+    , m_lastBegin(begin)
     , m_firstLetter(begin)
     , m_positions(size_t(text.size()) + 1)
     , m_font(&font)
 {
     // A range that begins after a direction control lacks this control, and so can have another direction.
-    const auto control = std::ranges::find_if(text, isDirectionControl);
-    m_lastBegin = text.size() > longestPiece ? begin : begin + (control - text.cbegin());
+    if (text.size() <= longestPiece) {
+        while (m_lastBegin < end() && !isDirectionControl(text.at(m_lastBegin - begin)))
+            ++m_lastBegin;
+    }
 
     const QStackTextEngine engine(text, font.font);
     engine.itemize();
@@ -249,7 +253,8 @@ void ShapedRun::addCharacters(const QStackTextEngine &engine, int index, Positio
         const int nextGlyph = isLast ? glyphs.numGlyphs : clusters[i + 1];
         for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
             advance += static_cast<quint32>(glyphs.effectiveAdvance(glyph).value());
-        m_hasNegativeAdvance = m_hasNegativeAdvance || inPixels(advance) < 0;
+        const auto signedAdvance = static_cast<qint32>(advance);
+        m_hasNegativeAdvance = m_hasNegativeAdvance || signedAdvance < 0;
 
         const qsizetype character = item.position + i;
         const bool isJoined = !isLast
@@ -259,7 +264,7 @@ void ShapedRun::addCharacters(const QStackTextEngine &engine, int index, Positio
         begin[i + 1] = {.advance = begin[i].advance + advance,
                         .tolerance = begin[i].tolerance + characterTolerance(character),
                         .endTolerance = isJoined ? m_font->joinedEnd : m_font->kernedEnd};
-        if (std::abs(inPixels(advance)) > greatestGlyphAdvance)
+        if (signedAdvance < -greatestGlyphAdvance || signedAdvance > greatestGlyphAdvance)
             begin[i + 1].endTolerance = std::numeric_limits<double>::infinity();
     }
 }

@@ -109,10 +109,9 @@ private:
     {
         // The sums before the position. The advance is in multiples of qtUnit and wraps at 32 bits, as in Qt.
         quint32 advance = 0;
+        int script = 0; // in which Qt shaped the character after the position
         double tolerance = 0;
-
         double endTolerance = 0; // of a range that begins or ends here
-        int script = 0;          // in which Qt shaped the character after the position
     };
 
     static double inPixels(quint32 advance) { return static_cast<qint32>(advance) * qtUnit; }
