@@ -70,6 +70,7 @@ private Q_SLOTS:
 
     void noticesThatReadingsAreWrong_data();
     void noticesThatReadingsAreWrong();
+    void checksAtMostOneLetter_data();
     void checksAtMostOneLetter();
 
     void elidesAsQtDoes_data();
@@ -351,20 +352,30 @@ void tst_TextMeasure::noticesThatReadingsAreWrong()
     }
 }
 
+void tst_TextMeasure::checksAtMostOneLetter_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("comparedSize");
+    QTest::addColumn<int>("calls");
+
+    // One call shapes the letter with its space, the other one the letter alone.
+    QTest::newRow("nothing is compared yet") << u"новости дня"_s << 0 << 2;
+    QTest::newRow("a word is compared already") << u"новости дня"_s << 7 << 0;
+    QTest::newRow("a sign is compared already") << u"- новости дня"_s << 1 << 2;
+}
+
 void tst_TextMeasure::checksAtMostOneLetter()
 {
     if (!canCountShaperCalls())
         QSKIP("This Qt contains the shaper, whose calls cannot be counted.");
-    const SourceText source(u"новости дня"_s);
+    QFETCH(QString, text);
+    QFETCH(int, comparedSize);
+    const SourceText source(text);
     TextMeasure measure(source, pixelFont(), lineWidth, manyLines, Method::ReadRuns);
-    measure.decide(0, 11, fitsInto(1000));
-    // One call shapes the letter with its space, the other one the letter alone.
-    QCOMPARE(countShaperCalls([&] { measure.findsWrongReading(); }), 2);
 
-    // A decision next to the limit has compared a measurement already, so the check shapes nothing.
-    TextMeasure compared(source, pixelFont(), lineWidth, manyLines, Method::ReadRuns);
-    compared.decide(0, 7, fitsInto(advance(u"новости"_s)));
-    QCOMPARE(countShaperCalls([&] { compared.findsWrongReading(); }), 0);
+    // A range whose advance is the limit is measured and compared.
+    measure.decide(0, comparedSize, fitsInto(advance(text.first(comparedSize))));
+    QTEST(countShaperCalls([&] { measure.findsWrongReading(); }), "calls");
 }
 
 void tst_TextMeasure::elidesAsQtDoes_data()
