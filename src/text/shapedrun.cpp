@@ -193,7 +193,7 @@ bool ShapedRun::hasOwnAdvance(qsizetype position) const
 {
     const QChar c = m_text.at(position - m_begin);
     // A mark alone may get a dotted circle to stand on, and not each space has word spacing.
-    if (c.isMark() || (c.isSpace() && m_font->wordSpacing != 0))
+    if (c.isMark() || (m_font->wordSpacing != 0 && c.isSpace()))
         return false;
     const double alone = m_font->metrics.horizontalAdvance(c) + m_font->letterSpacing;
     return std::abs(advance(position, position + 1) - alone) <= qtUnit;
@@ -254,7 +254,7 @@ void ShapedRun::addCharacters(const QStackTextEngine &engine, int index, Positio
         for (int glyph = clusters[i]; glyph < nextGlyph; ++glyph)
             advance += static_cast<quint32>(glyphs.effectiveAdvance(glyph).value());
         const auto signedAdvance = static_cast<qint32>(advance);
-        m_hasNegativeAdvance = m_hasNegativeAdvance || signedAdvance < 0;
+        m_hasNegativeAdvance |= signedAdvance < 0;
 
         const qsizetype character = item.position + i;
         const bool isJoined = !isLast

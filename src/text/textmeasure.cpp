@@ -113,14 +113,19 @@ bool TextMeasure::decide(qsizetype from, qsizetype to, Fits fits)
             return fits(measure(from, to));
     }
 
-    const auto decides = [&](const Reading &reading) {
-        return fits(reading.advance - reading.tolerance)
-               == fits(reading.advance + reading.tolerance);
+    const auto answer = [&](const Reading &reading) -> std::optional<bool> {
+        if (fits(reading.advance + reading.tolerance))
+            return true;
+        if (!fits(reading.advance - reading.tolerance))
+            return false;
+        return std::nullopt;
     };
-    if (const Reading reading = m_run.read(from, to); decides(reading))
-        return fits(reading.advance);
+    if (const auto decided = answer(m_run.read(from, to)))
+        return *decided;
     const Reading reading = m_run.readClosely(from, to);
-    return fits(decides(reading) ? reading.advance : measureAndCompare(from, to, reading));
+    if (const auto decided = answer(reading))
+        return *decided;
+    return fits(measureAndCompare(from, to, reading));
 }
 
 // Shapes a run of up to `size` characters from `from` on. Returns false, and keeps the present run, if the
