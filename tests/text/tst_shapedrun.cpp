@@ -329,7 +329,8 @@ void tst_ShapedRun::signsMayTakeTheScriptThatFollows_data()
     };
     // 4 em for the end of the run, and 2 em for each sign if a script may follow.
     row("no script", u"12"_s, u"34"_s, 0, 4);
-    row("a letter", u"12"_s, u"3а"_s, 0, 4 + 2 * 2);
+    row("a letter", u"12"_s, u"а"_s, 0, 4 + 2 * 2);
+    row("a digit and a letter", u"12"_s, u"3а"_s, 0, 4 + 2 * 2);
     row("a mark of one script", u"12"_s, u"3\u093c"_s, 0, 4 + 2 * 2);
     // Half an em more for the beginning, and 2 em more for each sign, which has the script of the letter.
     row("no script after a letter", u"а12"_s, u"34"_s, 1, 4 + 2 * 2 + 0.5 + 2 * 2);
