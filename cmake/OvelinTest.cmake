@@ -21,7 +21,7 @@ endfunction()
 
 # ovelin_add_property_test(<name> [SOURCES file...] [LIBRARIES library...])
 #
-# Does the same for a property test, if RapidCheck was found.
+# Calls ovelin_add_test() for a test that uses RapidCheck, if RapidCheck was found.
 function(ovelin_add_property_test name)
     if(rapidcheck_FOUND)
         ovelin_add_test(${name} ${ARGN} LIBRARIES rapidcheck)

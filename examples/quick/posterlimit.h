@@ -10,8 +10,7 @@ namespace ovelin {
 class SceneResourceTracker;
 }
 
-// The application's decision: no more items hold pictures than the limit permits, and those that
-// registered first go first.
+// Decides which items may hold pictures: those that registered first, as many as the limit permits.
 class PosterLimit : public QObject
 {
     Q_OBJECT

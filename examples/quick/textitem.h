@@ -7,8 +7,8 @@
 #include <QFont>
 #include <QQuickPaintedItem>
 
-// A text that ovelin lays out. If the item's width is not set, it is that of the text on one line. If
-// the width is set, the text wraps at that width. The height follows the lines.
+// A text that ovelin lays out. If no width is set, the item is as wide as the text on one line. If a
+// width is set, the text wraps at that width. The height follows the lines.
 class TextItem : public QQuickPaintedItem
 {
     Q_OBJECT

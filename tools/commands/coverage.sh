@@ -22,7 +22,7 @@ report_coverage()
 
 try_fewer_texts
 use_workshop
-# Without the examples: what only they reach does not count as tested.
+# The examples are not built: code that only the tests of the examples reach does not count as tested.
 build_tree_as coverage coverage -DOVELIN_BUILD_EXAMPLES=OFF --
 find "$tree" -name '*.gcda' -delete
 # With a random seed, chance would decide which keys a QHash compares, and so which lines are reached.

@@ -2,7 +2,7 @@
 # Draw a programme guide into build/tvguide.png. ARGS are handed to examples/tvguide.
 #
 #   ./dev demo --guide FILE    draw a guide of yours, an XMLTV file
-#   ./dev demo --window        open a window instead; arrow keys, L, Escape
+#   ./dev demo --window        open a window instead; its keys are the arrows, L for the log, and Escape
 #   ./dev demo -h              list all arguments of the example
 
 picture=$repository/build/tvguide.png

@@ -18,7 +18,7 @@ case $* in
     docs_draw_plots
     exit
     ;;
-*) fail "docs has no option \"$*\"." "\"./dev help docs\" tells what it can do." ;;
+*) fail "./dev docs has no option \"$*\"." "\"./dev help docs\" describes the command." ;;
 esac
 docs_build ovelin_docs
 

@@ -7,7 +7,7 @@
 #
 #   ./dev fuzz text build/fuzz/text/crash-0123abcd
 #
-# OVELIN_FUZZ_SEED=N makes the random input begin the same each time.
+# OVELIN_FUZZ_SEED=N sets the seed of the random input. Without it, each run has a new seed.
 
 readonly fuzzer_sources=$repository/tests/fuzz
 readonly fuzzer_results=$repository/build/fuzz

@@ -21,9 +21,10 @@ list_commands()
 
 Variables:
   OVELIN_TOOLCHAIN           host: this machine's compiler and Qt; root: a Debian in a folder; workshop: a
-                             larger one. Default: the host if it has all that is needed or apt can install
-                             it, otherwise the root.
-  OVELIN_SUITE               the Debian suite of the root; default: trixie
+                             larger one. Default: the host if it has all that is needed, or if apt can
+                             install it and there is no root yet; otherwise the root.
+  OVELIN_SUITE               the Debian suite of the root; default: trixie. If it is set, the default of
+                             OVELIN_TOOLCHAIN is the root.
   OVELIN_CACHE               the folder of the roots; default: ~/.cache/ovelin
   CMAKE_BUILD_PARALLEL_LEVEL how many compilers and tests run at once; default: one per processor
 END

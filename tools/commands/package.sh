@@ -13,7 +13,7 @@ project_version()
     sed -n 's/^    VERSION \([0-9.]*\)$/\1/p' "$repository/CMakeLists.txt"
 }
 
-# Packs all files that git knows or would add. The same content gives the same archive.
+# Packs all files that git knows or would add. The same files and the same last commit give the same archive.
 make_source_archive()
 {
     (cd "$repository" && git ls-files --cached --others --exclude-standard -z) >"$work/files" \
@@ -51,8 +51,8 @@ require_mmdebstrap()
     is_administrator || root_require_user_ids
 }
 
-# The new Debian has from the start what the packages depend on. So each file that is left over when the
-# packages are removed is a file of theirs.
+# The new Debian is made with all that the packages depend on. So a file that is left over when the packages are
+# removed came from the packages.
 try_debian_packages()
 {
     local settings tryout=$work/tryout

@@ -15,6 +15,6 @@ docs_draw_plots()
     docs_build ovelin_plots
     inside env QT_QPA_PLATFORM=offscreen "$tree/docs/ovelin_plots" "$plots_data" "$repository/docs/images" \
         || fail "The plots were not drawn; the reason is above." \
-            "That measured times are missing or too old: ./dev bench --record"
+            "If measured times are missing or too old, run: ./dev bench --record"
     git -C "$repository" diff --stat -- docs/images docs/measured >&2
 }

@@ -4,8 +4,8 @@
 
 readonly crossbuild_toolchain_file=$repository/cmake/toolchains/mipsel-linux-gnu.cmake
 
-# Builds the library unless it is there; sets crossbuild_installed, the folder it is installed in. PACKAGE
-# is the root's binary package that has the version. FETCH is crossbuild_fetch_package or
+# Builds the library unless it is there; sets crossbuild_installed, the folder it is installed in. PACKAGE is a
+# binary package of the root; its source version is built. FETCH is crossbuild_fetch_package or
 # crossbuild_fetch_original. PLACE is a cache entry with a path of this machine; the digest leaves it out.
 # crossbuild_require TITLE FETCH SOURCE_PACKAGE PACKAGE [-DPLACE=...]... -- [-DENTRY=VALUE]...
 crossbuild_require()

@@ -20,7 +20,7 @@ readonly root_recipe=(
     --dpkgopt='path-exclude=/usr/share/man/*'
 )
 
-# mmdebstrap's temporary folder. Where /tmp is kept in memory, it is too small.
+# mmdebstrap's temporary folder. A /tmp that is kept in memory would be too small.
 readonly root_work_folder=/var/tmp
 
 declare -rA root_size=([root]="1 GB" [workshop]="3 GB")

@@ -7,7 +7,7 @@ build_tree()
     build_tree_as "$1" "$1" -- "${@:2}"
 }
 
-# Does the same for a tree with another name than its preset, and with more cache entries.
+# Does what build_tree does, for a tree with another name than its preset and with more cache entries.
 # build_tree_as NAME PRESET [-DENTRY=VALUE...] -- [TARGET...]
 build_tree_as()
 {

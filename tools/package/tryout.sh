@@ -6,7 +6,7 @@ cd "$(dirname "$0")"
 
 readonly card_says="card.png: 1 resource, allowed, text elided"
 
-# Lists all files except those in which apt and dpkg keep their records.
+# Lists all files except those of the kernel, temporary files, logs, and the records of apt and dpkg.
 list_files()
 {
     find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path "$PWD" \

@@ -5,10 +5,9 @@
 
 #include <string>
 
-// Marks the beginning and the end of an action in the trace of this program: a system call with the text
-// appears in the trace. The system calls ask for files that do not exist. Both texts are made before the
-// action. So apart from the action only the two calls are counted; the count of an empty action shows their
-// share.
+// Marks the beginning and the end of an action in the emulator's log, which lists each system call with its
+// arguments. The two system calls ask for files that do not exist. Both file names are made before the action, so
+// only the action and the two calls are counted. The count of an empty action is the share of the two calls.
 template<typename Action>
 void markAction(const std::string &name, const Action &action)
 {
