@@ -1,7 +1,7 @@
 // ovelin_instructions RUNS
 //
 // Runs each operation below RUNS times. Callgrind runs this program and writes, for each operation, its name
-// and its instructions. instructions.txt describes the operations.
+// and the number of its instructions. instructions.txt describes the operations.
 
 #include "support/canvas.h"
 #include "support/renderers.h"

@@ -11,9 +11,9 @@ namespace ovelin::benchmarks {
 
 namespace {
 
-// Each measurement walks along this many resources, in one tracker or in many small ones. They take so long that
-// the time of reading the clock does not matter. The number is the same for all sizes of trackers, so that the
-// processor's caches hold the same share of each list.
+// Each measurement walks along this many resources, in one large tracker or in several smaller ones. The walk takes
+// so long that the time of reading the clock does not matter. The number of resources is the same for all sizes of
+// trackers, so that the processor's caches hold the same share of the lists.
 constexpr int resourcesPerMeasurement = 16384;
 
 using Scenes = std::vector<std::unique_ptr<Scene>>;

@@ -13,7 +13,7 @@ Comparison compareCell(GridCell cell)
 {
     const auto renderer = makeRenderer(cell.textCase());
     Comparison comparison{.operation = relayoutOf(renderer), .recordedAs = cell.recordKey()};
-    // The short text is the first contender: the others fill the processor's caches with the long text.
+    // The short text is the first contender: in each round it runs right before or right after the long text.
     if (cell.box->cuts && cell.wordCount == longText) {
         cell.wordCount = shortText;
         comparison.contenders.push_back({growthName, relayoutOf(makeRenderer(cell.textCase()))});

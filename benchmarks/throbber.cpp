@@ -24,7 +24,7 @@ constexpr int rotation = 120;
 constexpr int shortestSpan = 5;
 constexpr int longestSpan = 280;
 
-// A throbber with its longest arc. Steps of 0 degrees then do not change the picture.
+// A throbber with its longest arc. Steps of 0 degrees do not change its picture.
 std::shared_ptr<ThrobberRenderer> makeThrobber()
 {
     auto throbber = std::make_shared<ThrobberRenderer>();

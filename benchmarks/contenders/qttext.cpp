@@ -11,8 +11,8 @@ namespace ovelin::benchmarks {
 
 namespace {
 
-// Returns the width of the renderer's QStaticText: that of the box if the text was elided, otherwise that of
-// the text, but at most that of the box.
+// Returns the width of the renderer's QStaticText: the width of the box if the text was elided, otherwise the
+// smaller of the widths of the box and the text.
 int staticTextWidth(const TextRenderer &renderer)
 {
     if (renderer.isTextElided())

@@ -54,7 +54,7 @@ public:
 
     double medianSeconds() const { return median(m_secondsPerRun); }
 
-    // Returns the median over all rounds of the time of this measurement divided by that of the other.
+    // Returns the median of the ratios of all rounds: the time of this measurement divided by the time of the other.
     double ratioTo(const Measurement &other) const
     {
         std::vector<double> ratios;

@@ -27,7 +27,7 @@ struct Comparison
 // all of them. Each ratio divides two times of the same round.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);
 
-// Registers a comparison that is not repeated. It makes few rounds if a round takes long.
+// Registers a comparison that runs only once, whatever --benchmark_repetitions says.
 void compareOnce(const std::string &name, std::function<Comparison()> makeComparison);
 
 // Registers an action whose calls of the text shaper are counted.

@@ -24,11 +24,11 @@ public:
     void printLastBox(std::ostream &out) const;
 
     // Returns the worst ratios, the median and the counts, each with its name. Only the cells of at most
-    // 2,000 words count. A value without a measured cell is left out.
+    // 2,000 words count. A ratio that no cell has measured is left out.
     std::vector<std::pair<std::string, double>> summary() const;
 
 private:
-    // The time of the layout divided by that of each contender; NaN if that was not measured.
+    // The time of the layout divided by the time of each contender; NaN if the contender was not measured.
     struct Result
     {
         GridCell cell;

@@ -35,7 +35,7 @@ std::shared_ptr<TextRenderer> makeRenderer(const TextCase &textCase);
 // Returns an action that lays the text out again.
 std::function<void()> relayoutOf(const std::shared_ptr<TextRenderer> &renderer);
 
-// Returns an action that searches a hyphenation point in the first half of each word of a text.
+// Returns an action that searches the first half of each word of a text for a hyphenation point.
 std::function<void()> hyphenationOf(const QString &text);
 
 } // namespace ovelin::benchmarks

@@ -69,7 +69,7 @@ struct GridCell
     bool operator==(const GridCell &) const = default;
 };
 
-// The name of the contender that is a shorter text, for a long text that the box cuts.
+// The name of a contender: the layout of a shorter text. Long texts that the box cuts are compared with it.
 inline constexpr auto growthName = "the same with 200 words";
 
 std::vector<GridCell> gridCells();

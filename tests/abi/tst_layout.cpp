@@ -27,7 +27,7 @@ using Message = SceneResourceTracker::Message;
 constexpr bool is32Bit = sizeof(void *) == 4;
 static_assert(is32Bit || sizeof(void *) == 8);
 
-// A number of bytes: 32 bits as on the device, 64 bits as on the machines of developers.
+// Returns `on32Bit` in a 32-bit program, as on the device, and `on64Bit` in a 64-bit program.
 constexpr std::size_t bytes(std::size_t on32Bit, std::size_t on64Bit)
 {
     return is32Bit ? on32Bit : on64Bit;
@@ -256,7 +256,7 @@ void tst_Layout::addresses_data()
     QTest::newRow("null") << quintptr(0) << u"0x00000000"_s;
     QTest::newRow("padded") << quintptr(0x1a2b) << u"0x00001a2b"_s;
     QTest::newRow("highest below the top bit") << quintptr(0x7ffffff8) << u"0x7ffffff8"_s;
-    // Programs on the device have no such addresses. On other 32-bit machines the sign is extended.
+    // Programs on the device have no such addresses. In any 32-bit program, addressText() extends the sign.
     QTest::newRow("32 bits, top bit")
         << quintptr(0x80000010) << (is32Bit ? u"0xffffffff80000010"_s : u"0x80000010"_s);
     QTest::newRow("32 bits, highest")

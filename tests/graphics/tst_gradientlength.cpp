@@ -6,8 +6,8 @@
 #include <limits>
 #include <vector>
 
-// Compares chooseGradientLength() with its definition for all lengths of screens and for the ends
-// of int.
+// Compares chooseGradientLength() with its definition for all lengths up to 100,000 pixels, for negative lengths,
+// and for the greatest values of int.
 
 using ovelin::chooseGradientLength;
 
@@ -21,9 +21,9 @@ int tenthOf(int length)
     return length / 10 + (length % 10 > 0);
 }
 
-// Returns the length of the texture for every length up to the longest. The texture is the shortest
-// one that fits into the length exactly 3 to 10 times. If no texture does, its length is a tenth of
-// the length, rounded up, but at least that of the shortest texture.
+// Returns the length of the texture for every length to fill, from 0 to longestLength. The texture is the shortest
+// one that fits into the length a whole number of times, from 3 to 10 times. If no texture fits, the texture has a
+// tenth of the length, rounded up. No texture is shorter than shortestTexture.
 std::vector<int> definedLengths()
 {
     std::vector<int> lengths(longestLength + 1, 0);

@@ -46,7 +46,7 @@ void paintNothing(QPainter &) {}
 
 } // namespace
 
-// Runs on the tests' own platform, which offers any of the three functions, and on platforms that
+// Runs on the tests' own platform, which offers a chosen subset of the three functions, and on platforms that
 // have none of them.
 class tst_PlatformNativeInterface : public QObject
 {

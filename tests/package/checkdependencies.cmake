@@ -7,12 +7,12 @@ cmake_minimum_required(VERSION 3.24)
 
 set(required libQt6Core.so.6 libQt6Gui.so.6)
 set(allowed
-    # C++: that of GCC or that of LLVM
+    # the run time of C++, from GCC or LLVM
     "libstdc\\+\\+\\.so\\.6"
     "libc\\+\\+(abi)?\\.so\\.1"
     "libgcc_s\\.so\\.1"
     "libunwind\\.so\\.1"
-    # C: that of GNU or musl
+    # the run time of C, from GNU or musl
     "libc\\.so\\.6"
     "libm\\.so\\.6"
     "libc\\.musl-.*\\.so\\.1"

@@ -164,7 +164,7 @@ ResourceInfo TrackerStep::info() const
 {
     const QStringList urls{QString(), u"file:///a.png"_s, u"http://b/c%20d.png"_s};
     const QStringList names{QString(), u"row"_s, u"column"_s};
-    constexpr int typeCount = 4; // the last one has no name
+    constexpr int typeCount = 4; // the last type has no enumerator
     ResourceInfo info;
     info.type = static_cast<ResourceInfo::Type>(number % typeCount);
     info.url = QUrl(urls.at(number / typeCount % urls.size()));
@@ -175,7 +175,7 @@ ResourceInfo TrackerStep::info() const
 
 ResourceOwnerState::Status TrackerStep::status() const
 {
-    constexpr int statusCount = 6; // the last one has no name
+    constexpr int statusCount = 6; // the last status has no enumerator
     return static_cast<ResourceOwnerState::Status>(id % statusCount);
 }
 
@@ -525,8 +525,8 @@ bool TrackerModel::remove(Tracker &tracker, const std::vector<int> &entries)
     return removed;
 }
 
-// Returns true if a re-entrant slot has registered an entry for the item. The item stays, and the
-// count is the number of listed entries.
+// Returns true if a re-entrant slot has registered an entry for the item. The item then stays an owner, and its
+// count becomes the number of listed entries.
 bool TrackerModel::keepsOwner(const Tracker &tracker, int item)
 {
     const std::optional<int> state = knownState(tracker, item);
@@ -561,8 +561,8 @@ void TrackerModel::setStatus(Tracker &tracker, int state, int status)
     }
 }
 
-// All states of the item stop naming it before the first slot runs, even those into which the
-// application has written another owner. Slots already find the next item at the place.
+// Before the first slot runs, all states of the item lose their owner, even a state into which the application has
+// written another owner. Slots already find the next item at the place.
 void TrackerModel::destroy(ItemAtPlace &place)
 {
     const int item = place.item;
@@ -584,7 +584,7 @@ void TrackerModel::destroy(ItemAtPlace &place)
     for (const int state : itsStates)
         states[std::size_t(state)].owner.reset();
     for (Tracker &tracker :
-         std::views::reverse(trackers)) // the order of the library, which promises none
+         std::views::reverse(trackers)) // the library uses this order without promising it
         forget(tracker, item, itsStates);
     m_dying.pop_back();
 }
@@ -725,8 +725,8 @@ void TrackerSubject::create(int place)
     m_items[std::size_t(place)] = {number, std::move(item)};
 }
 
-// Slots already find the next item at the place. A new item may get the address of this item: the
-// states that still name this item are marked.
+// Slots already find the next item at the place. A later item may get the address of the destroyed item, so the
+// states that still name the destroyed item are marked.
 void TrackerSubject::destroy(int place)
 {
     NumberedItem dying = std::move(m_items[std::size_t(place)]);
@@ -872,7 +872,7 @@ void TrackerSubject::call(const TrackerCall &call)
     }
 }
 
-// Numbers the new states. Each state is listed in the first slot after its creation.
+// Numbers the new states. The first slot after the creation of a state finds the state in a table of owners.
 void TrackerSubject::noteStates()
 {
     for (const SceneResourceTracker &tracker : trackers) {

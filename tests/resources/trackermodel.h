@@ -137,8 +137,8 @@ struct TrackerModel : TrackerSituation
 
     void apply(const TrackerStep &step, const Reactions &reactions = {});
 
-    // Returns the first broken rule of those that re-entrant slots cannot break, or an empty text.
-    // An application that writes into states breaks them itself, except the cap of the log.
+    // Returns the first broken rule, or an empty text. Re-entrant slots cannot break the rules. An application that
+    // writes into states can break all rules but the cap of the log, so that only the cap is checked afterwards.
     QString violation() const;
 
     // The calls of the last step: the step, then the calls of its slots; an empty call ends a slot.

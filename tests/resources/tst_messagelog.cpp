@@ -667,7 +667,7 @@ void tst_MessageLog::addressText()
 #endif
 }
 
-// A 32-bit address with the top bit set occurs where programs use the upper half of the memory.
+// A 32-bit address with the top bit set occurs where programs use the upper half of the address space.
 void tst_MessageLog::addressIsWidenedWithItsSign_data()
 {
     QTest::addColumn<qint64>("address");

@@ -21,8 +21,8 @@ namespace {
 using Message = SceneResourceTracker::Message;
 using Signal = void (SceneResourceTracker::*)();
 
-// A reaction stops after this many calls, so that a test fails instead of running for ever. No
-// correct call needs as many.
+// A reaction stops after this many calls, so that a test fails instead of running for ever. A correct tracker
+// calls a reaction less often.
 constexpr int manyCalls = 200;
 
 // Calls a reaction for each emission of a signal, except those that the reaction causes.
@@ -153,7 +153,7 @@ struct Scene
             return u"owners announced: "_s + recorder.names().join(u' ');
         if (ledger.count(Message::Registered) - ledger.count(Message::Unregistered)
             != int(tracker.resources().size()))
-            return u"entries expectedIds of: %1 registered, %2 unregistered, %3 left"_s.arg(
+            return u"entries announced: %1 registered, %2 unregistered, %3 left"_s.arg(
                 QString::number(ledger.count(Message::Registered)),
                 QString::number(ledger.count(Message::Unregistered)),
                 QString::number(tracker.resources().size()));
@@ -574,8 +574,8 @@ void tst_Reentrancy::everyReactionToADecision()
 
 void tst_Reentrancy::unregistersAnEntryOnceFromItsOwnMessage()
 {
-    // This slot also unregisters in messages that it causes itself. The counter outlives the scene,
-    // which emits signals when it is destroyed.
+    // This slot also reacts to messages that it causes itself. The counter must outlive the scene, because the
+    // destructor of the scene emits signals.
     int depth = 0;
     Scene scene;
     const SignalRecorder recorder(scene.tracker);
@@ -992,7 +992,7 @@ void tst_Reentrancy::registersARecordWhoseEntryIsRemoved()
     const Reaction reaction(tracker, &SceneResourceTracker::messagesAdded,
                             [&] { tracker.clear(); });
 
-    // Only the tracker holds the returned record and its state.
+    // The record is an entry of the tracker. Only the tracker holds the entry and its state.
     const auto state =
         tracker.registerResource(update ? &owner : &other, tracker.resources().front());
 
@@ -1299,7 +1299,7 @@ void tst_Reentrancy::decisionMaySetStatusAndClear()
         scene.a->unregisterResources();
     });
 
-    // The reaction releases all other pointers to the state.
+    // The reaction releases all pointers to the state, also the argument, which is in the tracker's list.
     (scene.tracker.*decision)(scene.tracker.resources().front().ownerState);
 
     QCOMPARE(scene.ledger.ids(Message::StatusChanged), (QList<int>{2, 1, 3}));

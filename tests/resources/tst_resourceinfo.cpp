@@ -128,7 +128,7 @@ private Q_SLOTS:
     void copiesShareTheOwnerState();
     void destructionReleasesTheOwnerState();
     void newStateHoldsItsInitialValues();
-    void stateRecordStartsWithTheSameValues();
+    void defaultStateHasNoOwnerAndNoResources();
     void libraryKeepsValuesOfTheApplication();
     void stateLivesAsLongAsItIsHeld();
     void stateLivesWhileOnlyTheTrackerHoldsIt();
@@ -212,7 +212,7 @@ void tst_ResourceInfo::newStateHoldsItsInitialValues()
     QCOMPARE(state->geometry.height(), 0);
 }
 
-void tst_ResourceInfo::stateRecordStartsWithTheSameValues()
+void tst_ResourceInfo::defaultStateHasNoOwnerAndNoResources()
 {
     const ResourceOwnerState state;
 

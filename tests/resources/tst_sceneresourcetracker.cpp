@@ -113,7 +113,7 @@ private Q_SLOTS:
     void blockingIsStored();
     void clearingEmptiesEverythingSilently();
     void clearingUnblocks();
-    void clearingKeepsStatesOfOthers();
+    void clearingKeepsStatesThatOthersHold();
     void clearingReleasesStates();
     void clearingForgetsOwners();
 };
@@ -652,7 +652,7 @@ void tst_SceneResourceTracker::unregisteringRemovesTheNamedOwnerOnly()
     QCOMPARE(recorder.emissions, QStringList());
     tracker.unregisterResource(&handedTo, 1);
 
-    // The table of owners does not contain the named owner, so no owner left.
+    // The table of owners does not contain the named owner, so no owner is removed.
     QCOMPARE(recorder.emissions, QStringList{u"resourcesChanged [] owners 1 messages 0"_s});
     QCOMPARE(state->resourceCount, 0);
 }
@@ -1114,13 +1114,13 @@ void tst_SceneResourceTracker::clearingUnblocks()
 
     QVERIFY(!tracker.isRegistrationBlocked());
     QCOMPARE(recorder.emissions, QStringList());
-    // clear() does not enable the log either.
+    // clear() does not enable the log.
     PlainOwner owner;
     tracker.registerResource(&owner, image(1));
     QVERIFY(tracker.messages().isEmpty());
 }
 
-void tst_SceneResourceTracker::clearingKeepsStatesOfOthers()
+void tst_SceneResourceTracker::clearingKeepsStatesThatOthersHold()
 {
     SceneResourceTracker tracker;
     PlainOwner owner;

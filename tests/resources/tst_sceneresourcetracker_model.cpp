@@ -16,8 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int highestId = 5; // low, so that calls often use the same id
-constexpr int highestNumber = 35;
+constexpr int highestId = 5;      // low, so that calls often use the same id
+constexpr int highestNumber = 35; // 0 to 35 give all combinations of 4 types, 3 URLs and 3 names
 constexpr double reactionScale = 0.2; // up to 20 reactions to a step
 
 class StepCommand : public rc::state::Command<TrackerModel, TrackerSubject>

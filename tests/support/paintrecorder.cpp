@@ -22,7 +22,7 @@ QRectF toRectF(const QRect &rect)
 class RecordingEngine : public QPaintEngine
 {
 public:
-    // With all features QPainter passes its calls on instead of emulating them by others.
+    // With AllFeatures, QPainter passes each call on instead of replacing it with simpler calls.
     explicit RecordingEngine(QList<PaintCall> &calls)
         : QPaintEngine(AllFeatures)
         , m_calls(calls)
@@ -191,7 +191,7 @@ QPaintEngine *PaintRecorder::paintEngine() const
 
 int PaintRecorder::metric(PaintDeviceMetric metric) const
 {
-    // The resolution of a QImage. With another one QPainter would lay out a prepared static text again.
+    // The resolution of a QImage. With another resolution, QPainter would discard the layout of a static text.
     const QScreen *screen = QGuiApplication::primaryScreen();
     const int dpi = screen ? qRound(screen->logicalDotsPerInchX()) : fallbackDpi;
 

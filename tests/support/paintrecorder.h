@@ -59,7 +59,7 @@ public:
     qreal opacity = 1;
 
     QList<QLineF> lines;
-    QList<QRectF> rects; // Ellipse and the pixmap kinds: the one rectangle drawn into
+    QList<QRectF> rects; // for an ellipse, a pixmap or an image: the one rectangle drawn into
     QList<QPointF> points;
     QPainterPath path;
     QPointF position; // Text: the start of the base line; TiledPixmap: the offset

@@ -10,7 +10,7 @@ namespace ovelin::tests {
 
 constexpr int usualTextCases = 1000;
 
-// Returns the number of random texts that the user asks for; nothing if the user does not.
+// Returns the number of random texts in OVELIN_TEXT_CASES, or nothing if the user has not set it.
 inline std::optional<int> wantedTextCases()
 {
     bool isSet = false;

@@ -55,7 +55,8 @@ concept SpellsForegroundRight =
     requires(T &t, const QColor &color) { t.setForegroundColor(color); };
 static_assert(!SpellsForegroundRight<ThrobberRenderer>, "the exported name is the misspelt one");
 
-// The type of a pointer to a member names the class that declares it.
+// ThrobberRenderer overrides no event handler of QObject. The type of a pointer to a member function names the
+// class that declares the function.
 struct EventHandlers : ThrobberRenderer
 {
     static_assert(std::is_same_v<decltype(&EventHandlers::event), bool (QObject::*)(QEvent *)>);
@@ -331,8 +332,8 @@ void tst_ThrobberRenderer::drawChangesOnlyThePenOfThePainter()
     QCOMPARE(painter.clipBoundingRect(), clipped);
     painter.end();
 
-    // draw() does not save and restore the painter: the recorded calls have the brush, transform
-    // and opacity that are set above.
+    // draw() keeps the transform and the opacity for its own calls too, and the brush for the circle. QPainter
+    // draws an arc without a brush.
     QCOMPARE(recorder.calls().size(), 4);
     QCOMPARE(recorder.calls().at(0).brush, brush);
     for (const PaintCall &call : recorder.calls()) {
@@ -511,7 +512,7 @@ void tst_ThrobberRenderer::extremeRectsSaturate_data()
     }
 }
 
-// The edges saturate at the ends of int, and the rectangle of the arc is exact.
+// The edges saturate at the least and the greatest int. The arc's rectangle may be wider than an int can count.
 void tst_ThrobberRenderer::extremeRectsSaturate()
 {
     QFETCH(const QRect, renderRect);
@@ -654,7 +655,7 @@ void tst_ThrobberRenderer::firstStepMovesRotationAndSpan()
 
     throbber->addAngles(3, 6);
 
-    // Rotation 48 and span 176, which is eased to 84.2.
+    // In 1/16 degree: the rotation is 48; the span is 176, which is eased to 84.2.
     QCOMPARE(drawnAngles(*throbber), (Angles{reducedToTurn(-(48 + 80)), -84}));
 }
 
@@ -673,10 +674,10 @@ void tst_ThrobberRenderer::followsTheCycle_data()
     QTest::newRow("last growing") << 45 << -2240 << -4477;
     QTest::newRow("longest") << 46 << -2288 << -4480;
     QTest::newRow("first shrinking") << 47 << -2336 << -4475;
-    QTest::newRow("tail behind") << 60 << -3686 << -3658;
+    QTest::newRow("tail moving") << 60 << -3686 << -3658;
     QTest::newRow("half shrunk") << 69 << -5450 << -2264;
     QTest::newRow("last shrinking") << 91 << -8836 << -82;
-    QTest::newRow("tail folded") << 92 << -3152 << -80;
+    QTest::newRow("tail offset added to the rotation") << 92 << -3152 << -80;
     QTest::newRow("growing again") << 93 << -3200 << -84;
     QTest::newRow("longest again") << 138 << -5360 << -4480;
     QTest::newRow("second cycle's end") << 184 << -464 << -80;
@@ -759,8 +760,8 @@ void tst_ThrobberRenderer::changesThePhaseExactlyAtTheLimits_data()
     QTest::addColumn<int>("length");
     QTest::addColumn<int>("tail"); // the start angle, clockwise, in 1/16 degree
 
-    // The longest arc is 275 degrees longer than the shortest. A step beyond one limit changes the
-    // phase, and a long step in the new phase then reaches the other limit.
+    // The longest arc is 275 degrees longer than the shortest. A step to or beyond one limit changes the phase. A
+    // step of at least 275 degrees in the new phase reaches the other limit.
     QTest::newRow("longest reached") << QList<int>{275} << 4480 << 80;
     QTest::newRow("longest reached, shrinks") << QList<int>{275, 275} << 80 << 80 + 4400;
     QTest::newRow("one degree less still grows") << QList<int>{274, 275} << 4480 << 80;
@@ -806,7 +807,7 @@ void tst_ThrobberRenderer::shrinkingMovesTheStartOfTheArc()
     throbber->addAngles(0, 275);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-80));
 
-    // The offset of the tail is eased like the span. In the end it is 275 degrees.
+    // The offset of the tail is eased like the span. When the arc stops shrinking, the offset is 275 degrees.
     throbber->addAngles(0, 100);
     QCOMPARE(drawnAngles(*throbber).start, reducedToTurn(-1130));
     throbber->addAngles(0, 175);
@@ -839,8 +840,8 @@ void tst_ThrobberRenderer::easingClampsOutsideTheRange()
     QCOMPARE(drawnAngles(*throbber), (Angles{reducedToTurn(-80), -4480}));
 }
 
-// Angles are truncated towards zero, so a negative rotation gives another angle than the positive
-// rotation of the same direction: 79 instead of 80, since the eased tail offset has a fraction.
+// Angles are truncated towards zero. After -370 degrees of rotation the start is 79.9, truncated to 79 (in 1/16
+// degree). After 350 degrees, the same direction, it would be -5680.1, truncated to -5680, which is 80 in one turn.
 void tst_ThrobberRenderer::negativeRotationStaysNegative()
 {
     const auto throbber = makeThrobber();
@@ -992,8 +993,8 @@ void tst_ThrobberRenderer::tickStepsFollowTheInterval_data()
     QTest::newRow("25 ms") << 25ms << 4 << 9;
     QTest::newRow("50 ms") << 50ms << 9 << 18;
     QTest::newRow("99 ms") << 99ms << 17 << 35;
-    // The interval is divided by the period first. Rounding the quotient costs the span of 175 ms and both
-    // values of 350 ms one degree.
+    // The interval is divided by the period first. These quotients are slightly too small in floating point: 175 ms
+    // have a span of 62 degrees instead of 63, and 350 ms have 62 and 125 degrees instead of 63 and 126.
     QTest::newRow("175 ms") << 175ms << 31 << 62;
     QTest::newRow("350 ms") << 350ms << 62 << 125;
     QTest::newRow("1000 ms") << 1000ms << 180 << 360;

@@ -12,7 +12,7 @@ namespace tvguide::tests {
 QString problemViolation(const QString &line);
 QString channelViolation(const Channel &channel);
 QString guideViolation(const Guide &guide);
-// Each skipped entry has a message; a fault of the file itself adds one more at most.
+// Each skipped entry has one message. A fault of the file itself adds at most one message.
 QString resultViolation(const XmltvResult &result, int problems);
 
 } // namespace tvguide::tests

@@ -287,7 +287,7 @@ void tst_GuideScene::createsThePicturesNearTheFocusFirst()
     ResourcePolicy policy(*m_tracker, budget);
     GuideScene scene(guide, wordingFor(u"ru"_s), screenSize, at(20), policy);
     QVERIFY(scene.hasWantedPictures());
-    // The seven are one for the panel, five for the channels, and one for the programme that has the focus.
+    // Seven pictures: one for the panel, five for the channels, and one for the programme that has the focus.
     QVERIFY(scene.createPictures(7));
     QVERIFY(!scene.panel().poster->isWanted());
     for (const auto &[index, card] : scene.cards())

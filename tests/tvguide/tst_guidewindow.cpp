@@ -22,7 +22,7 @@ private Q_SLOTS:
     void arrowsMoveTheFocus();
     void picturesAppearWithoutInput();
     void theSceneTakesTheSizeOfTheWindow();
-    void theLogIsShownOnEitherKeyboard();
+    void theKeyLShowsTheLogOnALatinAndARussianKeyboard();
     void escapeCloses();
 
 private:
@@ -93,7 +93,7 @@ void tst_GuideWindow::theSceneTakesTheSizeOfTheWindow()
     QVERIFY(QTest::qWaitFor([this] { return scene().layout().size() == QSize(800, 600); }));
 }
 
-void tst_GuideWindow::theLogIsShownOnEitherKeyboard()
+void tst_GuideWindow::theKeyLShowsTheLogOnALatinAndARussianKeyboard()
 {
     QVERIFY(!m_window->isLogShown());
     QTest::keyClick(m_window.get(), Qt::Key_L);

@@ -19,7 +19,7 @@ constexpr QRect screen(0, 0, 1000, 500);
 constexpr QPoint focus(100, 100);
 constexpr qint32 kibibyte = 1024;
 
-// Does what it is told, and then calls the function of the test.
+// Follows each decision of the policy, then calls whenTold.
 class Item : public QObject, public ovelin::AbstractResourceOwner
 {
     Q_OBJECT

@@ -50,7 +50,7 @@ void tst_Times::readsXmltvTimes_data()
     QTest::newRow("day") << "20250314" << qint64(17 * 3600 + 10 * 60 + 5);
     QTest::newRow("month") << "202503" << qint64(13 * 86400 + 17 * 3600 + 10 * 60 + 5);
     QTest::newRow("year") << "2025" << qint64(72 * 86400 + 17 * 3600 + 10 * 60 + 5);
-    QTest::newRow("around it spaces") << "  20250314201005 +0300 " << qint64(0);
+    QTest::newRow("spaces around it") << "  20250314201005 +0300 " << qint64(0);
 }
 
 void tst_Times::readsXmltvTimes()

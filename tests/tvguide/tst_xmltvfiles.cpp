@@ -241,7 +241,7 @@ void tst_XmltvFiles::readsTheFile()
     QCOMPARE(resultViolation(result, int(problems.size())), QString());
 }
 
-// Qt decodes this encoding where it was built with ICU.
+// Qt decodes windows-1251 only if Qt was built with ICU.
 void tst_XmltvFiles::readsTheEncodingsThatQtKnows()
 {
     QStringList problems;

@@ -449,7 +449,7 @@ void tst_XmltvReader::reportsFilesThatCannotBeDecoded()
 
 void tst_XmltvReader::keepsEntriesBeforeAWrongByte()
 {
-    // The parser decodes fewer bytes at once, so it reads the entry before it meets the wrong byte.
+    // The parser decodes fewer than 100,000 bytes at once, so it reads the entry before it meets the wrong byte.
     const QByteArray blank(100'000, '\n');
     const Reading reading =
         readBytes("<tv>" + programme(u"<title>good</title>"_s).toUtf8() + blank + "\xff</tv>");
