@@ -14,7 +14,7 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
-// The functions of an item that the tracker calls. AbstractResourceOwner implements the rest of an owner.
+// The functions that the tracker calls on an item. AbstractResourceOwner implements the rest of an owner.
 class OVELIN_EXPORT IResourceOwner
 {
 public:

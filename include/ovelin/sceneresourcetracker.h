@@ -43,8 +43,8 @@ public:
         Event event;
 
 #if defined(OVELIN_BUILD) && !defined(Q_QDOC)
-        // Compiled once, out of line, for the library to export. Outside the library the destructor
-        // is the implicit one: declaring it there would take the implicit moves away.
+        // The library compiles this destructor once, out of line, and exports it. Programs use the
+        // implicit destructor: a declared one would take away the implicit move operations.
         ~Message();
 #endif
     };

@@ -36,8 +36,8 @@ Function platformFunction(const char *name)
     The guide \l {The platform plug-in's functions} tells what a plug-in has to offer.
 
     The constructor looks the plug-in's functions up with QGuiApplication::platformFunction(), so
-    the QGuiApplication must exist. A plug-in may lack any of the functions: each member describes what
-    it does without its function. Use this class in the GUI thread.
+    the QGuiApplication must exist. A plug-in may lack any of the functions: the description of each
+    member tells what happens then. Use this class in the GUI thread.
 
     \since Ovelin 1.0
     \sa {ovelin}{platformNativeInterface()}

@@ -48,7 +48,7 @@ bool registerWithTracker(IResourceOwner *owner, const ResourceInfo &info, StateP
 
     \snippet tst_snippets.cpp owner
 
-    The guide \l {The road of a resource} tells who calls these functions, and when.
+    The guide \l {The road of a resource} tells who calls the functions of an owner, and when.
 
     This class registers and unregisters the resources of an item with the tracker that
     sceneResourceTracker() returns at the time of each call. It holds the state of the item, and
@@ -78,8 +78,8 @@ AbstractResourceOwner::AbstractResourceOwner() = default;
     its resources with the signals of SceneResourceTracker::unregisterResources().
 
     Before the first signal, ResourceOwnerState::owner becomes null in all states of this owner, and
-    the owner leaves the owners() of the tracker that emits the signal. The messages show no address
-    and no names. While the destructor runs, the owner's functions refuse registrations.
+    the owner leaves the owners() of the tracker that emits the signal. The messages show the address
+    "0x00000000" and no names. While the destructor runs, the owner's functions refuse registrations.
 */
 AbstractResourceOwner::~AbstractResourceOwner()
 {

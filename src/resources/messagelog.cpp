@@ -72,7 +72,7 @@ void describeOwner(Message &message, IResourceOwner *owner)
     }
 }
 
-// The owner is asked last: it may call the tracker, which then erases the entry.
+// The owner is asked last: it may call the tracker and thereby erase the entry that `info` refers to.
 Message composed(Message::Event event, const ResourceInfo &info)
 {
     const ResourceOwnerState &state = *info.ownerState;

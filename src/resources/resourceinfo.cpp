@@ -53,8 +53,8 @@ IResourceOwner::~IResourceOwner() = default;
 
     \image resource-statuses.png The statuses, and the changes between them that are usual
 
-    The guide \l {The road of a resource} explains the statuses. The two numbers that are left to the
-    application are used in \l {How do I keep pictures within a memory budget?}
+    The guide \l {The road of a resource} explains the statuses. The recipe
+    \l {How do I keep pictures within a memory budget?} uses applicationValue1.
 
     The tracker creates a state when a new owner registers its first resource. The tracker's table
     of owners, each of the owner's entries, the owner and the application hold the state through
@@ -68,11 +68,11 @@ IResourceOwner::~IResourceOwner() = default;
 
     The application's decision about an owner, set by SceneResourceTracker::setStatus().
 
-    \value CreationRequested The owner waits for a decision. The tracker sets no other status.
+    \value CreationRequested The owner waits for a decision. A new owner has this status.
     \value CreationAllowed   The owner may hold its resources.
     \value CreationDenied    The owner asked, and may not create its resources.
     \value Cleared           The owner held its resources, and had to release them.
-    \value Ignored           The application leaves the owner alone: it may hold its resources.
+    \value Ignored           The application leaves the owner alone: the owner may hold its resources.
 */
 
 /*!
@@ -98,7 +98,8 @@ IResourceOwner::~IResourceOwner() = default;
 /*!
     \variable ovelin::ResourceOwnerState::resourceCount
     \brief The number of the owner's resources in the tracker. registerResource() and
-    unregisterResource() of the tracker update it; unregisterResources() leaves it as it is.
+    unregisterResource() of the tracker update it. unregisterResources() leaves it as it is, unless a
+    slot registers a resource of the owner meanwhile.
 */
 
 /*!
@@ -141,12 +142,12 @@ IResourceOwner::~IResourceOwner() = default;
 
 /*!
     \variable ovelin::ResourceInfo::url
-    \brief The location of an image; empty for the other types.
+    \brief The location of an image; usually empty for the other types.
 */
 
 /*!
     \variable ovelin::ResourceInfo::name
-    \brief The name of a resource that is not an image; null for images.
+    \brief The name of a resource; null if registerImage() registered the resource.
 */
 
 /*!
@@ -161,8 +162,8 @@ IResourceOwner::~IResourceOwner() = default;
 
 /*!
     \variable ovelin::ResourceInfo::ownerState
-    \brief The state of the owner. An owner passes null to the tracker. The tracker stores no null.
-    Copies of a ResourceInfo share the state.
+    \brief The state of the owner; never null in the tracker's list. The tracker ignores the state in
+    a ResourceInfo that is passed to registerResource(). Copies of a ResourceInfo share the state.
 */
 
 } // namespace ovelin

@@ -57,7 +57,7 @@ ResourceWalk::Entry ResourceWalk::current() const
     return m_entries[m_index];
 }
 
-// True if the walk is just removing the entry.
+// True if the walk removes its entries, and the entry is the current one.
 bool ResourceWalk::removes(Entry entry) const
 {
     return m_purpose == Purpose::Remove && m_index >= 0 && m_index < m_entries.size()
@@ -93,8 +93,8 @@ SceneResourceTrackerPrivate::~SceneResourceTrackerPrivate()
     *link = m_older;
 }
 
-// Skips an entry that is being removed: what a re-entrant slot registers under its id is a new
-// entry.
+// Skips an entry that is being removed: if a re-entrant slot registers the id of this entry, a new
+// entry is added.
 SceneResourceTrackerPrivate::Resources::iterator
 SceneResourceTrackerPrivate::find(const IResourceOwner *owner, int id)
 {
@@ -181,8 +181,8 @@ bool SceneResourceTrackerPrivate::unregisterEntries(ResourceWalk &walk)
 }
 
 // Returns true if the owner stays although its entries were unregistered, because a re-entrant slot
-// has registered another entry. Then counts the owner's entries anew, including an entry with this
-// state that an outer operation is just removing.
+// has registered another entry. In this case counts the entries with the owner's state anew,
+// including an entry that an outer operation is removing.
 bool SceneResourceTrackerPrivate::keepsOwner(IResourceOwner *owner)
 {
     const auto known = knownState(owner);
@@ -271,9 +271,9 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
         unregistration finds it.
     \li An operation handles the entries that were listed when it began. It leaves out those that a
         slot removes meanwhile. It emits the signals for its own changes only.
-    \li An entry that a slot registers for an owner whose entries are just being unregistered stays
+    \li An entry that a slot registers for an owner while the owner's entries are unregistered stays
         registered, and its owner stays too.
-    \li An unregistration whose entry a slot removes by clear() ends without further signals. A
+    \li If a slot calls clear() during unregisterResource(), that function emits no further signals. A
         registration emits its signals even if a slot has already removed the new entry.
     \endlist
 
@@ -309,7 +309,7 @@ void SceneResourceTrackerPrivate::removeDyingOwner(IResourceOwner *owner, const 
 
     Emitted when an owner has left owners(), before resourcesChanged(). In unregisterResource() the
     owner's last entry is still in the list at that moment. In unregisterResources() all entries of
-    the owner have left the list, except one that an outer operation is just removing.
+    the owner have left the list, except one that an outer operation is removing.
 */
 
 /*!
@@ -452,8 +452,8 @@ void SceneResourceTracker::unregisterResource(IResourceOwner *owner, int id)
 
 /*!
     Removes all resources of \a owner, and the owner. ResourceOwnerState::resourceCount does not
-    change. An owner that registers again gets a new state. Does not call the owner's
-    releaseResources().
+    change, unless a slot registers a resource of the owner meanwhile. An owner that has left and
+    registers again gets a new state. Does not call the owner's releaseResources().
 
     Emits, in this order: messagesAdded() for each resource while it is still in the list, if the
     log is enabled; resourceOwnerRemoved() if the owner was in owners(); resourcesChanged() if a

@@ -67,7 +67,7 @@ private:
 //
 // Each message is announced by a signal. A re-entrant slot may erase any of these entries, and may
 // start walks of its own. The tracker links its walks and tells all of them when it erases an
-// entry, so that no walk uses an erased entry. No two walks remove the same entry at a time.
+// entry, so that no walk uses an erased entry. Two walks never remove the same entry at once.
 class ResourceWalk
 {
 public:

@@ -23,9 +23,9 @@ extern const QRegularExpression wordBreakPattern;
 // text counts as a space. The text must be well-formed UTF-16.
 qsizetype wordEnd(QStringView text, qsizetype from);
 
-// Returns the greatest number of characters of the word that fit on the line with a hyphen. Returns 0 if no
-// hyphenation point fits, and -1 if the word has none. The word includes its separator; the last word of a
-// text has none.
+// Returns the number of characters before the last hyphenation point that fits on the line with a hyphen.
+// Returns 0 if no hyphenation point fits, and -1 if the word has no hyphenation point. The word includes its
+// separator; the last word of a text has no separator.
 int hyphenationPoint(QStringView word,
                      qxp::function_ref<bool(qsizetype kept) const> fitsWithHyphen);
 

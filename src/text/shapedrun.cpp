@@ -10,19 +10,20 @@ namespace ovelin {
 
 namespace {
 
-// The table of tolerances, in ems unless a comment says otherwise. Each was found with fonts of the scripts
-// that it is for. One that is too small breaks lines in the wrong place, one that is too large costs
-// measurements.
+// The table of tolerances, in ems unless a comment says otherwise. Each tolerance was found with fonts of the
+// scripts that it is for. If a tolerance is too small, lines break in the wrong place. If it is too large, more
+// ranges are measured.
 
 // An end of a range between two characters that stand side by side. The pair is kerned in the run, but not in
 // the range by itself. Fonts kern a pair by up to half an em.
 constexpr double kernedEndInEms = 0.5;
-// The same if the character of the range at this end has the advance that the font gives it alone. It has no
-// pair kerning then, and rules for characters that are farther apart change little.
+// An end as in kernedEndInEms, if the character inside the range has the advance that the font gives this
+// character alone. The pair is not kerned then, and rules for characters that are farther apart change little.
 constexpr double freeEndInEms = 0.05;
 // An end between characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
-// QFont::Capitalize depends on where a word begins. Every capitalization adds this tolerance to an end.
+// QFont::Capitalize depends on where a word begins. Any capitalization of the font adds this tolerance to an end
+// between characters that stand side by side.
 constexpr double capitalizedEndInEms = 1;
 // Where the direction changes, neutral characters can take either direction, and no pair is kerned.
 constexpr double directionChangeInEms = 1;
@@ -91,8 +92,8 @@ char32_t characterAt(QStringView text, qsizetype index)
     return c.isHighSurrogate() ? QChar::surrogateToUcs4(c, text.at(index + 1)) : c.unicode();
 }
 
-// True if the character has a script of its own and is no mark. Qt gives a character without one the script
-// of the previous letter or, before the first letter of a text, the script of that letter.
+// True if the character has a script of its own and is no mark. Qt gives a character without its own script the
+// script of the previous letter or, before the first letter of a text, the script of that letter.
 bool isLetter(char32_t c)
 {
     return QChar::script(c) > QChar::Script_Common && !QChar::isMark(c);
@@ -117,7 +118,7 @@ RunFont::RunFont(const QFont &source)
     , letterSpacing(absoluteLetterSpacing(source))
     , wordSpacing(source.wordSpacing())
 {
-    const double spaces = std::abs(wordSpacing); // Qt adds it to the last of several spaces
+    const double spaces = std::abs(wordSpacing); // Qt adds it only to the last of several spaces
     const double character = em + std::abs(letterSpacing) + spaces;
     const double capitals =
         font.capitalization() == QFont::MixedCase ? 0 : capitalizedEndInEms * em;

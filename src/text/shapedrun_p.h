@@ -29,7 +29,8 @@ constexpr qsizetype longestPiece = 4096;
 // In pixels. Each advance of Qt is a multiple of this unit.
 constexpr double qtUnit = 1.0 / 64;
 
-// In pixels. A tab extends to the next multiple of this distance, counted from the beginning of the range.
+// In pixels, Qt's default. A tab extends to the next multiple of this distance, counted from the beginning of
+// the range.
 constexpr double tabStopDistance = 80;
 
 // The font of a run. All distances are in pixels.
@@ -39,7 +40,7 @@ struct RunFont
 
     const QFont font;
     const QFontMetricsF metrics;
-    const double em; // scaled as the font is stretched, and up if letter spacing is a percentage
+    const double em; // the pixel size times the stretch, and times a letter spacing of over 100 %
     const double letterSpacing;
     const double wordSpacing;
 
@@ -82,8 +83,8 @@ public:
     }
     Reading read(qsizetype from, qsizetype to) const;
 
-    // Like read(), but with less tolerance at an end whose character is not kerned. This takes longer: it
-    // measures the characters at the ends alone.
+    // Like read(), but with less tolerance at an end whose character is not kerned. This takes longer, because
+    // each character at an end is measured by itself.
     Reading readClosely(qsizetype from, qsizetype to) const;
 
     // Returns a lower bound for the advance of every text that begins with the characters from `from` to the
@@ -101,7 +102,7 @@ public:
     // True if a character of the run moves the next one back.
     bool hasNegativeAdvance() const { return m_hasNegativeAdvance; }
 
-    // True if no characters of the range join, stack or share a glyph.
+    // True if no character of the range joins, stacks or shares a glyph with another character.
     bool hasSeparateGlyphs(qsizetype from, qsizetype to) const;
 
 private:

@@ -124,8 +124,8 @@ private:
         int lineCount;
     };
 
-    // The wraps since the farthest word so far wrapped for the first time. Earlier ones can be forgotten: a
-    // circle always comes back to its farthest word.
+    // The wraps from the first wrap of the farthest word on. Earlier wraps can be forgotten: a circle always
+    // comes back to its farthest word.
     std::vector<Wrap> m_wraps;
     qsizetype m_farthestWord = -1;
 };
@@ -147,7 +147,7 @@ std::optional<int> WrapGuard::linesSince(const State &state, int lineCount)
 // the line up to the separator fits. Otherwise it splits the word, or wraps it and takes it again on the next
 // line.
 //
-// Positions are those of the source: a line never contains what was inserted.
+// Positions are positions in the source, so the range of a line contains no inserted characters.
 class LineBreaker
 {
 public:
@@ -282,7 +282,7 @@ void LineBreaker::wrapWord()
         return;
     }
     if (linesPerRound) {
-        // The pass would go round until the line limit. Of the whole rounds only the lines are counted.
+        // The pass would go round until the line limit. All whole rounds are skipped: only their lines are counted.
         const int linesLeft = m_limits.maxLineCount - 1 - m_lineCount;
         m_lineCount += linesLeft - linesLeft % *linesPerRound;
     }
@@ -425,7 +425,7 @@ std::optional<int> LineBreaker::wholeFineWidth() const
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits)
 {
     using Method = TextMeasure::Method;
-    // Few fonts give wrong readings. Only with these is the text laid out a second time, by measuring alone.
+    // If the font gives wrong readings, as few fonts do, the text is laid out a second time, by measuring alone.
     const SourceText source(text);
     BrokenText broken;
     for (const Method method : {Method::ReadRuns, Method::MeasureAll}) {

@@ -37,14 +37,14 @@ struct BrokenText
 {
     QString text;
     bool elided;
-    // The fine width of the whole text. If it is greater than the width limit, this can be another width that
-    // is also greater than the limit. Empty if the layout did not find it.
+    // The fine width of the whole text. If the text is wider than the width limit, this can be a smaller width
+    // that is still greater than the limit. Empty if the layout found no width.
     std::optional<int> fineWidth;
 };
 
-// Breaks a text into lines. Inserts a line separator where Qt, given the same width, would not break the text
-// by itself; a hyphen before the line separator at a hyphenation point; an ellipsis at the end if the line
-// limit cuts the text. The text must be well-formed UTF-16.
+// Breaks a text into lines. Inserts a line separator where a line ends but Qt, given the same width, would not
+// break the text by itself; a hyphen before the line separator at a hyphenation point; an ellipsis at the end
+// if the line limit cuts the text. The text must be well-formed UTF-16.
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits);
 
 } // namespace ovelin

@@ -62,8 +62,9 @@ public:
     };
     ElidedLine elide(qsizetype from, qsizetype to);
 
-    // Compares the reading of a letter that stands before a space with a measurement, unless decide() compared
-    // such a reading. Returns true if any comparison showed a difference beyond the tolerance.
+    // Compares the reading of a character before a space, if possible a letter, with a measurement. Leaves this
+    // out if decide() compared a range that ends with a letter before a space. Returns true if any comparison
+    // showed a difference beyond the tolerance.
     bool findsWrongReading();
 
     // Returns the advance of the whole text. If the text is wider than the line, the result can be a smaller

@@ -43,7 +43,7 @@ QString withWholeCharacters(QString text)
     return text;
 }
 
-// QRect keeps its right and bottom edge as ints: these saturate, like all positions.
+// QRect stores its right and bottom edges as ints. An edge outside the range of int becomes the nearest int.
 QRect boundedRect(const QPoint &topLeft, const QSize &size)
 {
     QRect rect;
@@ -125,8 +125,8 @@ void TextRendererPrivate::breakAtWidthLimit()
     const double limit = staticText.textWidth();
     const BrokenText broken = breakText(limit);
     textElided = broken.elided;
-    // A text that is not well-formed was measured with replacement characters. With letter spacing, half a
-    // surrogate pair can be wider than a replacement character.
+    // A text that is not well-formed was measured with replacement characters, and its own fine width can
+    // differ: with letter spacing, half a surrogate pair can be wider than a replacement character.
     if (broken.fineWidth && textIsWellFormed) {
         fineWidth = broken.fineWidth;
         effectiveWidth = std::min(*fineWidth, toInt(limit));
@@ -145,8 +145,8 @@ BrokenText TextRendererPrivate::breakText(double limit) const
         {.width = limit, .maxLineCount = maxLineCount, .hyphenationEnabled = hyphenationEnabled});
 }
 
-// Qt aligns each line inside the static text, whose width is that of the text. This function aligns the text
-// as a whole in the box by moving it.
+// Qt aligns each line inside the width of the static text. This function moves the text as a whole, to align
+// it in the box.
 void TextRendererPrivate::updateAlignedTextTopLeft()
 {
     const QSizeF size = staticText.size();
@@ -162,7 +162,7 @@ void TextRendererPrivate::updateAlignedTextTopLeft()
             toInt(double(availableHeight) + textTopLeft.y() - toInt(std::ceil(size.height()))));
     }
 
-    // An elided text that stays at the left is aligned without its width, and measuring it may take long.
+    // An elided text that stays at the left is aligned without its width. Measuring the whole text may take long.
     if (textElided && !(alignment & (Qt::AlignHCenter | Qt::AlignRight)))
         return;
     const int width = effectiveTextWidth();
@@ -387,7 +387,7 @@ int TextRenderer::textWidth() const
     A layout that is up to date and not elided is kept when \a width is 0, and when the whole text,
     measured by fineTextWidth(), fits both the old and the new width: only the alignment is computed
     anew then. In every other case the renderer needs a relayout(), also when the width does not
-    change. In a copy that was not laid out itself every width, 0 too, needs a relayout().
+    change. A copy that was not laid out itself needs a relayout() after every call, even with 0.
 
     \sa maxTextWidth(), isNeedRelayout()
 */
@@ -619,8 +619,8 @@ QRect TextRenderer::boundingRect() const
 }
 
 /*!
-    Returns the rectangle of the box: textWidth() wide at textTopLeft(), as high as the text as it was
-    last laid out, rounded to the nearest pixel. Without a textWidth() this is boundingRect().
+    Returns the rectangle of the box: textWidth() wide at textTopLeft(). Its height is that of the text
+    as it was last laid out, rounded to the nearest pixel. Without a textWidth() this is boundingRect().
 */
 QRect TextRenderer::geometry() const
 {

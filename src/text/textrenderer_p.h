@@ -44,8 +44,8 @@ struct TextRendererPrivate
     bool lineSeparatorsApplied = false;
     bool textIsWellFormed = true;
     std::optional<qint32> effectiveWidth;
-    // The fine width of the text. If it is greater than the width limit, this can be another width that is
-    // also greater than the limit.
+    // The fine width of the text. If the text is wider than the width limit, this can be a smaller width that
+    // is still greater than the limit.
     std::optional<qint32> fineWidth;
 };
 

@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds defaultInterval{17};
 
 constexpr double fullTurnDegrees = 360;
 constexpr double rotationPeriod = 2000; // milliseconds for a full turn of the arc
-constexpr double spanPeriod = 1000;     // milliseconds in which the arc grows by a full turn
+constexpr double spanPeriod = 1000;     // milliseconds in which the arc would grow by 360 degrees
 
 double eased(double span)
 {
@@ -103,8 +103,8 @@ void ThrobberRendererPrivate::grow(double step)
     }
 }
 
-// Shortens the arc at its tail. When the arc is shortest, the way of the tail is added to the
-// rotation.
+// Shortens the arc at its tail. When the arc is shortest, the distance that the tail has moved is
+// added to the rotation.
 void ThrobberRendererPrivate::shrink(double step)
 {
     span -= step;
@@ -132,7 +132,8 @@ void ThrobberRendererPrivate::shrink(double step)
     item that shows the throbber then repaints itself and calls draw() with its own painter.
 
     With the default interval of 17 ms, each tick turns the arc by 3 degrees. For 46 ticks the arc
-    grows by 6 degrees a tick, from 5 degrees to 280. Then it shrinks at its tail for 46 ticks.
+    grows from 5 degrees to 280, by 6 degrees a tick on average. Then it shrinks at its tail for 46
+    ticks. Growing and shrinking begin and end slowly.
 
     The throbber and its timer belong to the thread that created the throbber.
 
