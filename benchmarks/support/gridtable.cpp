@@ -124,18 +124,20 @@ std::vector<std::pair<std::string, double>> GridTable::summary() const
     const auto count = [&](const auto &predicate) {
         return double(std::ranges::count_if(results, predicate));
     };
+    // False for a contender that was not measured.
+    const auto isAhead = [](double ratio) { return ratio < 1; };
     std::vector<std::pair<std::string, double>> values = {
         {"cells", double(results.size())},
         {"worst against the floor", std::ranges::max(toFloor)},
         {"median against the floor", median(toFloor)},
         {"cells over 5 × the floor", count([](const Result &r) { return r.floor > 5; })},
         {"cells over 4 × the floor", count([](const Result &r) { return r.floor > 4; })},
-        {"cells not ahead of Pango", count([](const Result &r) { return r.pango >= 1; })},
-        {"cells not ahead of the loop", count([](const Result &r) { return r.loop >= 1; })},
+        {"cells not ahead of Pango", count([](const Result &r) { return !isAhead(r.pango); })},
+        {"cells not ahead of the loop", count([](const Result &r) { return !isAhead(r.loop); })},
         {"cells not ahead of both",
-         count([](const Result &r) { return r.loop >= 1 || r.pango >= 1; })},
+         count([](const Result &r) { return !isAhead(r.loop) || !isAhead(r.pango); })},
         {"cells that cut not ahead of the loop",
-         count([](const Result &r) { return r.cell.box->cuts && r.loop >= 1; })},
+         count([](const Result &r) { return r.cell.box->cuts && !isAhead(r.loop); })},
         {"worst growth from 200 to 2000 words", worstGrowth},
         {"worst growth of an endless word", worstEndlessGrowth},
     };

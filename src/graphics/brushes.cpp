@@ -10,7 +10,8 @@ namespace ovelin {
 
 namespace {
 
-constexpr int shortestTexture = 8;
+constexpr int shortestTexture = 8; // pixels
+// The numbers of tiles that may cover a length exactly.
 constexpr int largestDivisor = 10;
 constexpr int smallestDivisor = 3;
 

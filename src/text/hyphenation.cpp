@@ -101,16 +101,16 @@ int lastPointThatFits(QStringView word,
     QString classes = classString(word);
     insertHyphens(classes);
 
-    qsizetype candidate = classes.indexOf(hyphen);
-    if (candidate == -1)
+    qsizetype position = classes.indexOf(hyphen);
+    if (position == -1)
         return -1;
 
     qsizetype point = 0;
     // A hyphen of the word itself counts like an inserted one, so the points after it lie one character
     // early.
-    for (qsizetype hyphens = 0; candidate != -1 && fitsWithHyphen(candidate - hyphens); ++hyphens) {
-        point = candidate - hyphens;
-        candidate = classes.indexOf(hyphen, candidate + 1);
+    for (qsizetype hyphens = 0; position != -1 && fitsWithHyphen(position - hyphens); ++hyphens) {
+        point = position - hyphens;
+        position = classes.indexOf(hyphen, position + 1);
     }
     return static_cast<int>(point);
 }

@@ -21,8 +21,8 @@ constexpr double fullTurn = 360 << arcUnitBits;
 constexpr double shortestSpan = 5 << arcUnitBits;
 constexpr double longestSpan = 280 << arcUnitBits;
 
-constexpr int defaultPenWidth = 10;
-constexpr int trackAlpha = 30;
+constexpr int defaultPenWidth = 10; // pixels
+constexpr int trackAlpha = 30;      // 255 is opaque
 constexpr std::chrono::milliseconds defaultInterval{17};
 
 constexpr double fullTurnDegrees = 360;
@@ -228,7 +228,8 @@ std::chrono::milliseconds ThrobberRenderer::updateInterval() const
 
     The speed does not depend on the interval: a full turn takes two seconds, and the arc grows by
     360 degrees a second. But each tick moves by whole degrees, rounded down. Below 6 ms the arc
-    does not turn, and below 3 ms it does not grow. The throbber still emits updated() at each tick.
+    only grows and shrinks, and below 3 ms it does not move. The throbber still emits updated() at
+    each tick.
 */
 void ThrobberRenderer::setUpdateInterval(std::chrono::milliseconds interval)
 {

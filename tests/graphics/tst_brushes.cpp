@@ -61,9 +61,8 @@ QImage paintedByHand(const QBrush &brush, const QSize &size)
 int channelTolerance()
 {
     constexpr int roundingOfOneStep = 2;
-    constexpr int widestStepOfFiveBits = 16;
-    return QGuiApplication::primaryScreen()->depth() < 24 ? widestStepOfFiveBits
-                                                          : roundingOfOneStep;
+    constexpr int stepOfFiveBits = 8;
+    return QGuiApplication::primaryScreen()->depth() < 24 ? stepOfFiveBits : roundingOfOneStep;
 }
 
 int greatestDifference(const QImage &first, const QImage &second)
