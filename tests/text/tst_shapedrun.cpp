@@ -70,6 +70,8 @@ private Q_SLOTS:
     void signsMayTakeTheScriptThatFollows();
     void isExact_data();
     void isExact();
+    void hasNegativeAdvance_data();
+    void hasNegativeAdvance();
     void hasSeparateGlyphs_data();
     void hasSeparateGlyphs();
     void beginsFreely_data();
@@ -380,6 +382,30 @@ void tst_ShapedRun::isExact()
 
     const ShapedRun run(text, begin, runFont);
     QCOMPARE(run.isExact(begin, begin + to), exact);
+}
+
+void tst_ShapedRun::hasNegativeAdvance_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("letterSpacing");
+    QTest::addColumn<bool>("negative");
+
+    QTest::newRow("letters") << u"abi"_s << 0.0 << false;
+    // The second half of a surrogate pair and the mark have an advance of 0.
+    QTest::newRow("advances of zero") << u"a\U0001F600e\u0301b"_s << 0.0 << false;
+    QTest::newRow("close letters") << u"abi"_s << -5.0 << false;
+    QTest::newRow("the narrowest letter moves back") << u"abi"_s << -6.0 << true;
+    QTest::newRow("a letter before others moves back") << u"iab"_s << -6.0 << true;
+}
+
+void tst_ShapedRun::hasNegativeAdvance()
+{
+    QFETCH(QString, text);
+    QFETCH(double, letterSpacing);
+    QFETCH(bool, negative);
+    const RunFont runFont(spacedFont(QFont::AbsoluteSpacing, letterSpacing));
+
+    QCOMPARE(ShapedRun(text, 0, runFont).hasNegativeAdvance(), negative);
 }
 
 void tst_ShapedRun::hasSeparateGlyphs_data()
