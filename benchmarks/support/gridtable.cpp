@@ -15,6 +15,12 @@ namespace {
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
+// The layout is not known to be ahead of a contender that was not measured.
+bool isAhead(double ratio)
+{
+    return ratio < 1;
+}
+
 double counter(const benchmark::UserCounters &counters, const char *name)
 {
     const auto found = counters.find(name);
@@ -124,8 +130,6 @@ std::vector<std::pair<std::string, double>> GridTable::summary() const
     const auto count = [&](const auto &predicate) {
         return double(std::ranges::count_if(results, predicate));
     };
-    // False for a contender that was not measured.
-    const auto isAhead = [](double ratio) { return ratio < 1; };
     std::vector<std::pair<std::string, double>> values = {
         {"cells", double(results.size())},
         {"worst against the floor", std::ranges::max(toFloor)},
