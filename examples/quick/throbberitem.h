@@ -6,7 +6,7 @@
 #include <QColor>
 #include <QQuickPaintedItem>
 
-// A busy indicator. Its timer runs only while it is seen.
+// A busy indicator. Its timer runs only while the indicator is visible.
 class ThrobberItem : public QQuickPaintedItem
 {
     Q_OBJECT

@@ -14,8 +14,8 @@ namespace {
 using ovelin::ResourceOwnerState;
 using ovelin::SceneResourceTracker;
 
-// decide() makes at most this many decisions in a row: owners may change their resources with every decision.
-// The event loop makes the next one.
+// Owners may change their resources with every decision, and decide() then decides again: at most this many
+// times in a row. After that the event loop calls decide().
 constexpr int maxRounds = 4;
 
 bool mayHold(ResourceOwnerState::Status status)

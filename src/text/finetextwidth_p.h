@@ -8,7 +8,7 @@ namespace ovelin {
 // converted by this function.
 int toInt(double value);
 
-// Returns the fine width of a text with this advance: textlayout_p.h has the terms.
+// Returns the fine width of a text with this advance. textlayout_p.h explains both terms.
 int fineWidth(double advance);
 
 } // namespace ovelin

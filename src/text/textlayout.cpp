@@ -124,7 +124,7 @@ private:
         int lineCount;
     };
 
-    // The wraps from the first wrap of the farthest word on. Earlier wraps can be forgotten: a circle always
+    // The wraps since the first wrap of the farthest word. Earlier wraps can be forgotten: a circle always
     // comes back to its farthest word.
     std::vector<Wrap> m_wraps;
     qsizetype m_farthestWord = -1;

@@ -261,7 +261,7 @@ void ThrobberRenderer::setRunning(bool running)
     phase of the animation, and emits updated().
 
     The timer calls this function. Call it to drive the animation without the timer. Negative steps
-    go backwards. A step that exceeds 32 bits in 1/16 degree wraps.
+    go backwards. A step wraps if it exceeds 32 bits when it is counted in 1/16 degree.
 */
 void ThrobberRenderer::addAngles(int rotationDegrees, int spanDegrees)
 {

@@ -22,7 +22,7 @@ auto fitsUpTo(int limit)
     return [limit](qsizetype kept) { return kept <= limit; };
 }
 
-// Returns the hyphenation point of a word if at most this many of its characters fit with a hyphen.
+// Returns the hyphenation point of the word on a line that has room for `limit` characters and a hyphen.
 int pointAt(const QString &word, int limit)
 {
     return hyphenationPoint(word, fitsUpTo(std::min(limit, int(word.size()))));

@@ -149,7 +149,7 @@ root_bootstrap()
     touch "$new"/etc/{group,hosts,passwd,resolv.conf}
 }
 
-# Prints the machine's settings for package mirrors, such as a proxy, as lines of apt-config.
+# Prints the machine's settings for package mirrors, such as a proxy, in the format of apt-config.
 machine_apt_settings()
 {
     ! command -v apt-config >/dev/null \

@@ -135,7 +135,7 @@ public:
     void releaseResources() override {}
 };
 
-// Items whose images all have the same URL, which they share: its bytes are not counted.
+// Items whose images share one URL, so that the measured bytes contain no URL.
 class Scene
 {
 public:
