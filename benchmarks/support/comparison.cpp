@@ -108,7 +108,7 @@ void run(const Comparison &comparison, benchmark::State &state, Seconds time)
         for (int round = 0; round < fewestRounds || total < time; ++round) {
             for (Measurement *measurement : order)
                 total += measurement->runRound();
-            // The first measurement of a round may find colder caches.
+            // The first measurement of a round may find colder caches. So the next round has the opposite order.
             std::ranges::reverse(order);
         }
         state.SetIterationTime(total.count());

@@ -438,7 +438,7 @@ void tst_Recipes::decisionAllowsOwnersToLeave_data()
 
 void tst_Recipes::decisionAllowsOwnersToLeave()
 {
-    // Removes the other item when it is allowed.
+    // An item that removes the other item when its own resources are allowed.
     class Jealous : public Item
     {
     public:

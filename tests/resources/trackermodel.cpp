@@ -369,7 +369,7 @@ std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
     return owner && !isThere ? std::nullopt : std::optional(state);
 }
 
-// Returns the dying item that the step calls instead of the item at the place, or null.
+// Returns the dying item if the step calls it instead of the item at the place, otherwise null.
 TrackerModel::ItemAtPlace *TrackerModel::dyingItem(const TrackerStep &step)
 {
     if (!step.flag || m_dying.empty())
@@ -741,7 +741,7 @@ void TrackerSubject::destroy(int place)
     }
 }
 
-// Returns the dying item that the step calls instead of the item at the place, or null. The
+// Returns the dying item if the step calls it instead of the item at the place, otherwise null. The
 // functions of the owner base can still be called.
 AbstractResourceOwner *TrackerSubject::dyingItem(const TrackerStep &step) const
 {

@@ -446,7 +446,7 @@ void tst_TextLayoutIdentity::agreesOnTextsInKernedFontsThatWereWrong()
     }
 }
 
-// The first run of the text has 277 characters. So it ends before, in or after the second paragraph.
+// The first run of the text has 277 characters. So this run ends before, in or after the second paragraph.
 void tst_TextLayoutIdentity::agreesInLongTextsCutAtAnyLine_data()
 {
     QTest::addColumn<int>("paragraphSize");

@@ -131,7 +131,7 @@ crossbuild_configure()
 {
     [[ ! -f $home/build/build.ninja ]] || return 0
     say "$title for the device: configuring"
-    # A copy: the installed library refers to the toolchain file, and other clones use that library too.
+    # Copies the toolchain file: the installed library refers to this file, and other clones use the library too.
     cp "$crossbuild_toolchain_file" "$home/toolchain.cmake"
     root_run cmake -G Ninja -S "$home/source" -B "$home/build" -Wno-dev \
         -DCMAKE_TOOLCHAIN_FILE="$home/toolchain.cmake" -DCMAKE_INSTALL_PREFIX="$home/installed" \
