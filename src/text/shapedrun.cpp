@@ -56,28 +56,17 @@ double absoluteLetterSpacing(const QFont &font)
     return font.letterSpacingType() == QFont::AbsoluteSpacing ? font.letterSpacing() : 0;
 }
 
-// True if characters of the script stand side by side, except marks, which are in one cluster with a letter.
+// The scripts whose characters stand side by side, except marks, which are in one cluster with a letter.
+constexpr QChar::Script sideBySideScripts[] = {
+    QChar::Script_Unknown,  QChar::Script_Inherited, QChar::Script_Common,   QChar::Script_Latin,
+    QChar::Script_Greek,    QChar::Script_Cyrillic,  QChar::Script_Armenian, QChar::Script_Hebrew,
+    QChar::Script_Georgian, QChar::Script_Hangul,    QChar::Script_Hiragana, QChar::Script_Katakana,
+    QChar::Script_Bopomofo, QChar::Script_Han,
+};
+
 bool standsSideBySide(QChar::Script script)
 {
-    switch (script) {
-    case QChar::Script_Unknown:
-    case QChar::Script_Inherited:
-    case QChar::Script_Common:
-    case QChar::Script_Latin:
-    case QChar::Script_Greek:
-    case QChar::Script_Cyrillic:
-    case QChar::Script_Armenian:
-    case QChar::Script_Hebrew:
-    case QChar::Script_Georgian:
-    case QChar::Script_Hangul:
-    case QChar::Script_Hiragana:
-    case QChar::Script_Katakana:
-    case QChar::Script_Bopomofo:
-    case QChar::Script_Han:
-        return true;
-    default:
-        return false;
-    }
+    return std::ranges::find(sideBySideScripts, script) != std::end(sideBySideScripts);
 }
 
 // True if the character begins or ends an embedding, an override or an isolate.
