@@ -111,7 +111,7 @@ void GuideWindow::paintLog(QPainter &painter) const
     }
 }
 
-// The screen may show any time; its clock runs as fast as the real one.
+// The clock on the screen may start at any time, and then runs as fast as the real clock.
 void GuideWindow::advanceClock()
 {
     using namespace std::chrono;

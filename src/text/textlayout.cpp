@@ -56,9 +56,10 @@ public:
     qsizetype inserted() const { return m_inserted; }
 
     QString withoutLastSpace() const;
-    // The text up to a position of the source, and an ellipsis unless the position is after the source.
-    // Spaces and punctuation before the last character are removed. If the last insertion is after the
-    // position, inserted characters are cut off too.
+    // Returns the text up to a position of the source, with an ellipsis at its end. If the position is after the
+    // source, the text ends with its last space instead. Spaces and punctuation before the ellipsis or this space
+    // are removed. If the position is before the last insertion, as many characters are cut off as the source has
+    // between the two, and the inserted characters at the end are the first ones cut off.
     QString elidedAt(qsizetype position) const;
 
 private:
@@ -221,7 +222,7 @@ BrokenText LineBreaker::run()
             .fineWidth = wholeFineWidth()};
 }
 
-// A word that was split or wrapped is taken again; it ends where it ended before.
+// After a split or a wrap, the rest of the same word is the next candidate. Its end is known already.
 bool LineBreaker::nextCandidate()
 {
     if (m_wordStart >= m_source.size())

@@ -143,8 +143,8 @@ void ThrobberRendererPrivate::shrink(double step)
 /*!
     \fn void ovelin::ThrobberRenderer::updated()
 
-    Emitted at the end of each addAngles(), which the timer also calls: the picture has changed. A
-    slot may call every function of the throbber, and may destroy the throbber.
+    Emitted when the picture has changed: at the end of each addAngles(), also when the timer calls
+    addAngles(). A slot may call every function of the throbber, and may destroy the throbber.
 */
 
 /*!

@@ -992,7 +992,7 @@ void tst_Reentrancy::registersARecordWhoseEntryIsRemoved()
     const Reaction reaction(tracker, &SceneResourceTracker::messagesAdded,
                             [&] { tracker.clear(); });
 
-    // The record is an entry of the tracker. Only the tracker holds the entry and its state.
+    // The second argument is an entry of the tracker. Only the tracker holds this entry and its state.
     const auto state =
         tracker.registerResource(update ? &owner : &other, tracker.resources().front());
 
