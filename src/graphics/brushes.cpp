@@ -34,7 +34,7 @@ constexpr int smallestDivisor = 3;
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns the length in pixels of a texture for a gradient that repeats along \a length pixels.
+    Returns the length in pixels of a texture that is repeated to fill \a length pixels with a gradient.
 
     The result is the smallest of a tenth, a ninth, and so on up to a third of \a length that is a
     whole number and at least 8: whole tiles then cover \a length. If there is none, the result is a

@@ -125,8 +125,8 @@ private:
         int lineCount;
     };
 
-    // The wraps since the first wrap of the farthest word. Earlier wraps can be forgotten: a circle always
-    // comes back to its farthest word.
+    // The first wrap of the farthest word, and all wraps after it. Earlier wraps can be forgotten: a pass that
+    // goes round in a circle always comes back to the farthest word of the circle.
     std::vector<Wrap> m_wraps;
     qsizetype m_farthestWord = -1;
 };

@@ -68,7 +68,7 @@ public:
     bool findsWrongReading();
 
     // Returns the advance of the whole text. If the text is wider than the line, the result can be a smaller
-    // advance that is still wider than the line. Returns nothing if no run gave either.
+    // advance that is still wider than the line. Returns nothing if no shaped run told any such advance.
     std::optional<double> wholeAdvance() const { return m_wholeAdvance; }
 
 private:

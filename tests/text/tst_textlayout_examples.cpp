@@ -60,7 +60,7 @@ const Example examples[] = {
     {"spaces and hyphens fit",              u"а-б  в 1-2 - г",     141, 2, on, {u"а-б  в 1-2 - г"}, whole},
     {"width without bound",                 u"слово",          noLimit, 1, on, {u"слово"},          whole},
 
-    // Width: the text width wins over the maximal text width. Without either nothing is broken.
+    // Width: the text width wins over the maximal text width. If neither is set, the text is not broken into lines.
     {"no width",                      u"программа передач",  0, 1, on, {u"программа передач"}, whole},
     {"negative width",                u"программа передач", -1, 1, on, {u"программа передач"}, whole, Qt::AutoText, -1},
     {"no width, two paragraphs",      u"один\nдва",          0, 2, on, {u"один", u"два"},      whole},

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int most = std::numeric_limits<int>::max();
 
-// The fewest cases for each font. Among fewer cases there may be none with a reading so wrong that the layout
+// The least number of cases for each font. With fewer cases the layout may never read an advance so wrong that it
 // falls back to measuring.
 constexpr int fewestFontCases = 25;
 
