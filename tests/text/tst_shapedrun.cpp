@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <limits>
 
 using namespace ovelin;
 using namespace ovelin::tests;
@@ -228,6 +229,13 @@ void tst_ShapedRun::readingHasTheExpectedTolerance_data()
     row("signs before another script", u"a—…кx"_s, 1, 4, 0.05 + 2 + 2 + 0.05);
     row("a mark of another script after signs", u"τ12\u093c/τx"_s, 1, 6, 0.05 + 4 * 2 + 0.05);
     row("signs before the script of the run", u"a—…kx"_s, 1, 4, 0.05 + 0.05);
+    row("joined before a space", u"سلام و"_s, 0, 4, 0.05);
+    row("joined after a space", u"و سلام"_s, 2, 6, 0.5);
+    // A letter spacing of two million pixels: the range is measured, whatever its advance is.
+    row("huge advances", u"xабвx"_s, 1, 4, std::numeric_limits<double>::infinity(),
+        spacedFont(QFont::AbsoluteSpacing, 2e6));
+    row("huge negative advances", u"xабвx"_s, 1, 4, std::numeric_limits<double>::infinity(),
+        spacedFont(QFont::AbsoluteSpacing, -2e6));
     row("capital first letters", u"xабвx"_s, 1, 4, 0.05 + 1 + 0.05 + 1,
         capitalizedFont(QFont::Capitalize));
 }

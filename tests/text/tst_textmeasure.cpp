@@ -324,6 +324,8 @@ void tst_TextMeasure::noticesThatReadingsAreWrong_data()
     row("a space at the end", {.beforeSpace = 1400}, u"qqqqqqqq "_s, true);
     row("signs alone before spaces", {.beforeSpace = 1400}, u" q- w"_s, true);
     row("a space at the beginning", {.beforeSpace = 1400}, u" q w"_s, true);
+    // The font has no ©. The © of another font is not kerned.
+    row("a sign before the last space", {.beforeSpace = 1400}, u"q © w"_s, true);
     row("a long word before the space", {.beforeSpace = 1400}, u"q"_s.repeated(300) + u" w"_s,
         true);
     row("a long word after the space", {.beforeSpace = 1400}, u"q w"_s + u"q"_s.repeated(300),
