@@ -67,6 +67,7 @@ private Q_SLOTS:
     void measuresOnlyNearTheLimit();
     void decidesALongWordByItsPrefix_data();
     void decidesALongWordByItsPrefix();
+    void decidesALongTextThatMovesBack();
 
     void noticesThatReadingsAreWrong_data();
     void noticesThatReadingsAreWrong();
@@ -302,6 +303,25 @@ void tst_TextMeasure::decidesALongWordByItsPrefix()
     QCOMPARE(calls, 1);
 }
 
+// In this font a letter before a space, and the space, have a negative advance.
+void tst_TextMeasure::decidesALongTextThatMovesBack()
+{
+    const QString family = u"Moving back"_s;
+    const int id =
+        QFontDatabase::addApplicationFontFromData(kernedFont(family, {.beforeSpace = -1400}));
+    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
+    QFont font(family);
+    font.setPixelSize(20);
+    const QString wide = u"q"_s.repeated(40);
+    const QString text = wide + u"q "_s.repeated(200);
+    QVERIFY(advance(wide, font) > lineWidth);
+    QVERIFY(advance(text, font) < lineWidth);
+    const SourceText source(text);
+    TextMeasure measure(source, font, lineWidth, manyLines, Method::ReadRuns);
+
+    QVERIFY(measure.decide(0, text.size(), fitsInto(lineWidth)));
+}
+
 void tst_TextMeasure::noticesThatReadingsAreWrong_data()
 {
     QTest::addColumn<Kerning>("kerning");
@@ -345,11 +365,12 @@ void tst_TextMeasure::noticesThatReadingsAreWrong()
     font.setPixelSize(20);
     const SourceText source(text);
 
-    // Before the check nothing was measured, or only the first letter, or only the last.
-    for (const qsizetype begin : {qsizetype(-1), qsizetype(0), text.size() - 1}) {
+    // Before the check nothing was measured, or the first letter, the last one, or both.
+    const qsizetype last = text.size() - 1;
+    for (const QList<qsizetype> &letters : {QList<qsizetype>{}, {0}, {last}, {0, last}}) {
         TextMeasure measure(source, font, lineWidth, manyLines, method);
-        if (begin >= 0)
-            measure.decide(begin, begin + 1, fitsInto(advance(text.sliced(begin, 1), font)));
+        for (const qsizetype letter : letters)
+            measure.decide(letter, letter + 1, fitsInto(advance(text.sliced(letter, 1), font)));
         QCOMPARE(measure.findsWrongReading(), wrong);
     }
 }
@@ -363,7 +384,7 @@ void tst_TextMeasure::checksAtMostOneLetter_data()
     // One call shapes the letter with its space, the other one the letter alone.
     QTest::newRow("nothing is compared yet") << u"новости дня"_s << 0 << 2;
     QTest::newRow("a word is compared already") << u"новости дня"_s << 7 << 0;
-    QTest::newRow("a sign is compared already") << u"- новости дня"_s << 1 << 2;
+    QTest::newRow("a sign is compared already") << u"новости - дня"_s << 9 << 2;
 }
 
 void tst_TextMeasure::checksAtMostOneLetter()
@@ -468,6 +489,8 @@ void tst_TextMeasure::elidesALongLineByItsPrefix()
 
     const int calls = countShaperCalls([&] { measure.elide(0, 20'000); });
     QVERIFY2(calls <= 4, QByteArray::number(calls));
+    // The second time the prefix is shaped already.
+    QCOMPARE(countShaperCalls([&] { measure.elide(0, 20'000); }), calls - 1);
 }
 
 void tst_TextMeasure::wholeAdvance_data()
