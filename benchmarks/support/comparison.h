@@ -24,7 +24,7 @@ struct Comparison
 
 // Registers a comparison with Google Benchmark. `makeComparison` is called at the beginning of each repetition. In
 // each round the operation and all contenders run right after one another, so that other load on the machine slows
-// all of them. Each ratio divides two times of the same round.
+// all of them. Each ratio is the quotient of two times that were measured in the same round.
 void compare(const std::string &name, std::function<Comparison()> makeComparison);
 
 // Registers a comparison that runs only once, whatever --benchmark_repetitions says.

@@ -10,7 +10,7 @@ namespace tvguide {
 // The place of a programme in a series, such as season 2, episode 5, part 1 of 2.
 struct EpisodeNumber
 {
-    // The number counts from 1. A number or total of 0 is not given.
+    // Numbers count from 1. A number or total that is not given is 0.
     struct Count
     {
         int number = 0;

@@ -111,7 +111,7 @@ void GuideWindow::paintLog(QPainter &painter) const
     }
 }
 
-// The clock on the screen may start at any time, and then runs as fast as the real clock.
+// The clock on the screen may begin with any time of day. From then on it runs as fast as the real clock.
 void GuideWindow::advanceClock()
 {
     using namespace std::chrono;

@@ -64,8 +64,8 @@ int chooseGradientLength(int length)
 /*!
     \relates <ovelin/brushes.h>
 
-    Returns a transparent pixmap of \a size pixels, filled with \a brush. Returns a null pixmap if
-    \a size is empty, invalid, or too large for the memory.
+    Returns a pixmap of \a size pixels with \a brush painted on a transparent ground. Returns a null
+    pixmap if \a size is empty, invalid, or too large for the memory.
 
     \since Ovelin 1.0
 */

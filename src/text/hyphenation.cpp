@@ -48,7 +48,7 @@ constexpr Rule hyphenationRules[] = {
 constexpr int replacementsPerRule = 2;
 
 // A hyphenation point can depend on characters up to hyphenationReach away: each replacement adds the length of a
-// rule to this distance.
+// rule less one to this distance.
 constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
                                       return rule.before.size();
                                   }).before.size();

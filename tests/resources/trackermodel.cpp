@@ -369,7 +369,7 @@ std::optional<int> TrackerModel::usableState(const TrackerStep &step) const
     return owner && !isThere ? std::nullopt : std::optional(state);
 }
 
-// Returns the dying item if the step calls it instead of the item at the place, otherwise null.
+// Returns the dying item whose function the step calls, or null if the step calls the item at the place.
 TrackerModel::ItemAtPlace *TrackerModel::dyingItem(const TrackerStep &step)
 {
     if (!step.flag || m_dying.empty())
@@ -741,8 +741,8 @@ void TrackerSubject::destroy(int place)
     }
 }
 
-// Returns the dying item if the step calls it instead of the item at the place, otherwise null. The
-// functions of the owner base can still be called.
+// Returns the dying item whose function the step calls, or null if the step calls the item at the place. The
+// functions of the item's owner base can still be called.
 AbstractResourceOwner *TrackerSubject::dyingItem(const TrackerStep &step) const
 {
     if (!step.flag || m_dying.empty())

@@ -139,7 +139,7 @@ const Example examples[] = {
     {"cut at the end of the text",           u"аб вгд\n",     55,           2, on, {u"аб", u"вгд…"},          elided},
     {"cut next to the end of the text",      u"абв гд\n",     55,           2, on, {u"абв", u"гд…"},          elided},
     {"cut beyond the end of the text",       u"абвг д\n",     55,           2, on, {u"абвг", u"д "},          elided},
-    // If the last word of a paragraph wraps, its new line is measured without the first character.
+    // If the last word of a paragraph wraps, the line to which it moves is measured without its first character.
     {"last word wraps, as wide as the box",  u"и ввв\nб",     30,           4, on, {u"и", u"ввв", u"б"},      whole},
     {"last word after a hyphen counts once", u"слон-пёс\nда", 70,           3, on, {u"слон", u"-пёс", u"да"}, whole},
     {"space before a newline, four lines",   u"абвг \nде",    45,           4, on, {u"абвг ", u"де"},         whole},

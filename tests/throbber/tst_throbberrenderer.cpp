@@ -332,8 +332,8 @@ void tst_ThrobberRenderer::drawChangesOnlyThePenOfThePainter()
     QCOMPARE(painter.clipBoundingRect(), clipped);
     painter.end();
 
-    // draw() keeps the transform and the opacity for its own calls too, and the brush for the circle. QPainter
-    // draws an arc without a brush.
+    // draw() also paints with the caller's transform and opacity, and paints the circle with the caller's brush.
+    // QPainter draws an arc without a brush.
     QCOMPARE(recorder.calls().size(), 4);
     QCOMPARE(recorder.calls().at(0).brush, brush);
     for (const PaintCall &call : recorder.calls()) {

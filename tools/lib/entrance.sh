@@ -122,8 +122,8 @@ root_add_names()
     done
 }
 
-# Sets root_environment, the environment variables for inside. HOME is a folder of the cache: the user's font
-# settings would change what is measured and drawn.
+# Sets root_environment, the environment variables of commands inside the root. HOME is a folder of the cache: the
+# user's font settings would change what is measured and drawn.
 root_describe_environment()
 {
     local home=$cache/home name pattern
