@@ -77,6 +77,7 @@ private Q_SLOTS:
     void elidesAsQtDoes_data();
     void elidesAsQtDoes();
     void elidesALongLineByItsPrefix();
+    void elidesNoLineThatFitsWithItsSpace();
 
     void wholeAdvance_data();
     void wholeAdvance();
@@ -491,6 +492,26 @@ void tst_TextMeasure::elidesALongLineByItsPrefix()
     QVERIFY2(calls <= 4, QByteArray::number(calls));
     // The second time the prefix is shaped already.
     QCOMPARE(countShaperCalls([&] { measure.elide(0, 20'000); }), calls - 1);
+}
+
+// In this font the space after the last letter makes the line narrower.
+void tst_TextMeasure::elidesNoLineThatFitsWithItsSpace()
+{
+    const QString family = u"Narrowing space"_s;
+    const int id =
+        QFontDatabase::addApplicationFontFromData(kernedFont(family, {.beforeSpace = -1400}));
+    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
+    QFont font(family);
+    font.setPixelSize(20);
+    const QString word = u"qqqqqqqqqqqq"_s;
+    const SourceText source(word);
+    const double width = advance(word + u' ', font);
+    QVERIFY(width < advance(word, font));
+    TextMeasure measure(source, font, width, 1, Method::ReadRuns);
+
+    const auto elided = measure.elide(0, source.size());
+    QCOMPARE(elided.size, source.size());
+    QVERIFY(!elided.overflows);
 }
 
 void tst_TextMeasure::wholeAdvance_data()
