@@ -1,6 +1,7 @@
-#include "kernedfont.h"
+#include "testfonts.h"
 
 #include <QDataStream>
+#include <QFontDatabase>
 #include <QIODevice>
 #include <QList>
 #include <QMap>
@@ -210,8 +211,12 @@ QByteArray fontFile(const Tables &tables)
 
 } // namespace
 
-QByteArray kernedFont(const QString &family, const Kerning &kerning)
+QByteArray kernedFont(const Kerning &kerning)
 {
+    const QString family = QStringLiteral("Kerned %1 %2 %3")
+                               .arg(kerning.beforeSpace)
+                               .arg(kerning.afterSpace)
+                               .arg(kerning.betweenLetters);
     constexpr Proportions thousandths{
         .unitsPerEm = 1000, .glyphWidth = 600, .ascent = 800, .descent = -200};
     Tables tables = tablesWithoutKerning(family, thousandths);
@@ -219,12 +224,30 @@ QByteArray kernedFont(const QString &family, const Kerning &kerning)
     return fontFile(tables);
 }
 
-QByteArray halfEmFont(const QString &family)
+QByteArray halfEmFont()
 {
     // With 1024 units per em, half an em at 20 pixels is exactly 10 pixels. With 1000 units Qt computes 9.98.
     constexpr Proportions powersOfTwo{
         .unitsPerEm = 1024, .glyphWidth = 512, .ascent = 768, .descent = -256};
-    return fontFile(tablesWithoutKerning(family, powersOfTwo));
+    return fontFile(tablesWithoutKerning(QStringLiteral("Half em"), powersOfTwo));
+}
+
+InstalledFont::InstalledFont(const QByteArray &file)
+    : m_id(QFontDatabase::addApplicationFontFromData(file))
+    , m_family(QFontDatabase::applicationFontFamilies(m_id).value(0))
+{
+}
+
+InstalledFont::~InstalledFont()
+{
+    QFontDatabase::removeApplicationFont(m_id);
+}
+
+QFont InstalledFont::font(int pixelSize) const
+{
+    QFont font(m_family);
+    font.setPixelSize(pixelSize);
+    return font;
 }
 
 } // namespace ovelin::tests

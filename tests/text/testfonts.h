@@ -1,7 +1,8 @@
-#ifndef OVELIN_TESTS_TEXT_KERNEDFONT_H
-#define OVELIN_TESTS_TEXT_KERNEDFONT_H
+#ifndef OVELIN_TESTS_TEXT_TESTFONTS_H
+#define OVELIN_TESTS_TEXT_TESTFONTS_H
 
 #include <QByteArray>
+#include <QFont>
 #include <QString>
 
 namespace ovelin::tests {
@@ -18,10 +19,27 @@ struct Kerning
 // letters, « » — … İ, the no-break space, U+FFFD and U+1F600.
 
 // Every glyph is 0.6 em wide. The kerning may be stronger than in any font for reading.
-QByteArray kernedFont(const QString &family, const Kerning &kerning);
+QByteArray kernedFont(const Kerning &kerning);
 
 // Every glyph is half an em wide: 10 pixels in a font of 20 pixels.
-QByteArray halfEmFont(const QString &family);
+QByteArray halfEmFont();
+
+// Makes a font file available as long as the object exists.
+class InstalledFont
+{
+public:
+    explicit InstalledFont(const QByteArray &file);
+    ~InstalledFont();
+
+    QString family() const { return m_family; } // empty if Qt cannot read the file
+    QFont font(int pixelSize) const;
+
+private:
+    Q_DISABLE_COPY_MOVE(InstalledFont)
+
+    int m_id;
+    QString m_family;
+};
 
 } // namespace ovelin::tests
 

@@ -120,7 +120,7 @@ void tst_TextLayout::widthIsTheSmallerOfBoxAndText()
     QCOMPARE(layOut({text, textWidth}).size.width(), textWidth);
     QCOMPARE(layOut({text, textWidth - 1}).size.width(), textWidth - 1);
 
-    // The width of the text is its width on one line, also if the text is shown on two lines.
+    // A text of two lines has the width of the box, too, if all of it on one line would be wider than the box.
     QCOMPARE(layOut({text, textWidth - 20, 2}).size.width(), textWidth - 20);
 
     // Without a box, the width of the text includes the line separator.

@@ -7,12 +7,11 @@
 // stays on a line is measured with two pixels of margin: N characters need 10 N + 3 pixels, with a hyphen
 // after them 10 N + 13 pixels.
 
-#include "kernedfont.h"
 #include "support/paintrecorder.h"
+#include "testfonts.h"
 
 #include <ovelin/textrenderer.h>
 
-#include <QFontDatabase>
 #include <QPainter>
 #include <QTest>
 
@@ -290,15 +289,12 @@ private Q_SLOTS:
     void showsTheExpectedLines();
 
 private:
-    QFont m_font;
+    const InstalledFont m_installed{halfEmFont()};
+    const QFont m_font = m_installed.font(fontSize);
 };
 
 void tst_TextLayoutExamples::initTestCase()
 {
-    const QString family = QStringLiteral("Ovelin Half Em");
-    QVERIFY(QFontDatabase::addApplicationFontFromData(halfEmFont(family)) != -1);
-    m_font.setFamily(family);
-    m_font.setPixelSize(fontSize);
     const QFontMetricsF metrics(m_font);
     QCOMPARE(metrics.height(), 20.0);
     QCOMPARE(metrics.horizontalAdvance(QStringLiteral("жi7 -…")), 60.0);

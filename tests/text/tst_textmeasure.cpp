@@ -1,10 +1,8 @@
-#include "kernedfont.h"
 #include "support/shapercalls.h"
+#include "testfonts.h"
 #include "text/textmeasure_p.h"
 #include "textsupport.h"
 
-#include <QFontDatabase>
-#include <QScopeGuard>
 #include <QTest>
 
 using namespace ovelin;
@@ -307,12 +305,8 @@ void tst_TextMeasure::decidesALongWordByItsPrefix()
 // In this font a letter before a space, and the space, have a negative advance.
 void tst_TextMeasure::decidesALongTextThatMovesBack()
 {
-    const QString family = u"Moving back"_s;
-    const int id =
-        QFontDatabase::addApplicationFontFromData(kernedFont(family, {.beforeSpace = -1400}));
-    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
-    QFont font(family);
-    font.setPixelSize(20);
+    const InstalledFont installed(kernedFont({.beforeSpace = -1400}));
+    const QFont font = installed.font(20);
     const QString wide = u"q"_s.repeated(40);
     const QString text = wide + u"q "_s.repeated(200);
     QVERIFY(advance(wide, font) > lineWidth);
@@ -359,11 +353,8 @@ void tst_TextMeasure::noticesThatReadingsAreWrong()
     QFETCH(QString, text);
     QFETCH(Method, method);
     QFETCH(bool, wrong);
-    const QString family = u"Measured %1"_s.arg(kerning.beforeSpace);
-    const int id = QFontDatabase::addApplicationFontFromData(kernedFont(family, kerning));
-    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
-    QFont font(family);
-    font.setPixelSize(20);
+    const InstalledFont installed(kernedFont(kerning));
+    const QFont font = installed.font(20);
     const SourceText source(text);
 
     // Before the check nothing was measured, or the first letter, the last one, or both.
@@ -497,12 +488,8 @@ void tst_TextMeasure::elidesALongLineByItsPrefix()
 // In this font the space after the last letter makes the line narrower.
 void tst_TextMeasure::elidesNoLineThatFitsWithItsSpace()
 {
-    const QString family = u"Narrowing space"_s;
-    const int id =
-        QFontDatabase::addApplicationFontFromData(kernedFont(family, {.beforeSpace = -1400}));
-    const auto removeFont = qScopeGuard([id] { QFontDatabase::removeApplicationFont(id); });
-    QFont font(family);
-    font.setPixelSize(20);
+    const InstalledFont installed(kernedFont({.beforeSpace = -1400}));
+    const QFont font = installed.font(20);
     const QString word = u"qqqqqqqqqqqq"_s;
     const SourceText source(word);
     const double width = advance(word + u' ', font);
