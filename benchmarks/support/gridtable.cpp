@@ -15,7 +15,8 @@ namespace {
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
-// The layout is not known to be ahead of a contender that was not measured.
+// Returns true if the layout is faster than a contender, by the ratio of their times. False if the contender was not
+// measured: its ratio is `unknown`.
 bool isAhead(double ratio)
 {
     return ratio < 1;

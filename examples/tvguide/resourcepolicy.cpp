@@ -120,7 +120,8 @@ std::vector<ResourcePolicy::Verdict> ResourcePolicy::verdicts() const
     return verdicts;
 }
 
-// False if an owner that was told earlier of its decision has unregistered or destroyed this one.
+// False if this owner has left the tracker: a slot of another owner, called with the decision on that other owner,
+// can unregister or destroy this owner.
 bool ResourcePolicy::isRegistered(const QSharedPointer<ResourceOwnerState> &state) const
 {
     const auto known = m_tracker.owners().find(state->owner);

@@ -47,8 +47,8 @@ constexpr Rule hyphenationRules[] = {
 // rows of five or more vowels, where callers expect none.
 constexpr int replacementsPerRule = 2;
 
-// A hyphenation point can depend on characters up to hyphenationReach away: each replacement adds the length of a
-// rule less one to this distance.
+// A hyphenation point can depend on characters up to hyphenationReach away: each replacement adds at most the
+// length of the longest rule, less one, to this distance.
 constexpr qsizetype longestRule = std::ranges::max(hyphenationRules, {}, [](const Rule &rule) {
                                       return rule.before.size();
                                   }).before.size();

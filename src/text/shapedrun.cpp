@@ -22,8 +22,8 @@ constexpr double kernedEndInEms = 0.5;
 constexpr double freeEndInEms = 0.05;
 // An end between characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
-// QFont::Capitalize depends on where a word begins. Any capitalization of the font adds this tolerance to an end
-// between characters that stand side by side.
+// QFont::Capitalize depends on where a word begins. In a font with any capitalization, this tolerance is added to
+// kernedEndInEms and to freeEndInEms.
 constexpr double capitalizedEndInEms = 1;
 // Where the direction changes, neutral characters can take either direction, and no pair is kerned.
 constexpr double directionChangeInEms = 1;
@@ -38,9 +38,9 @@ constexpr char32_t lastRegionalIndicator = 0x1f1ff;
 // Signs and marks before the first letter of a range are shaped by the rules of this letter's script, or of
 // the script of the first mark. Within the run, a letter of another script before them can decide instead.
 constexpr double foreignSignInEms = 2;
-// In multiples of qtUnit: a million pixels. A greater advance may be one of two huge advances of opposite sign.
-// Only the sum of both is right, and only if it wraps at 32 bits, as Qt's sums do. So a range that ends after such
-// an advance is measured.
+// In multiples of qtUnit: a million pixels. A greater advance can come from a font that gives two neighbours huge
+// advances of opposite sign. Their sum is right because it wraps at 32 bits, as Qt's sums do; one of them alone
+// means nothing. So a range that ends directly after a greater advance is measured.
 constexpr qint32 greatestGlyphAdvance = 1 << 26;
 
 double scaledEm(const QFont &font)

@@ -19,7 +19,8 @@ host_compiler()
     echo "${CXX:-c++}"
 }
 
-# Asks qmake of the Qt that CMake would find: CMAKE_PREFIX_PATH goes before PATH.
+# Prints a property of the Qt that CMake would find. qmake is looked for in CMAKE_PREFIX_PATH first, as CMake does,
+# and then in PATH.
 # host_qt_query PROPERTY
 host_qt_query()
 {

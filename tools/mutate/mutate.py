@@ -263,4 +263,5 @@ def main():
     sys.exit(0 if share >= arguments.least else f"Less than {arguments.least:g} % were caught.")
 
 
-main()
+if __name__ == "__main__":
+    main()
