@@ -243,18 +243,16 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     qsizetype first = std::max(from, overflow - charactersBeforeOverflow);
     while (first > from && !m_run.beginsFreely(first))
         --first;
-    const qsizetype last = overflow + 1;
+    // No run has the space after the text, but a font can kern the last letter with it. So Qt gets this space.
+    const bool lacksSpace = end < to && end == m_text.withoutLastSpace().size();
+    const qsizetype last = lacksSpace ? end : overflow + 1;
     const bool isExact = m_charactersTakeRoom && m_run.hasSeparateGlyphs(first, last)
                          && m_run.isExact(first, last) && m_run.isExact(from, last);
     if (!isExact)
         return std::nullopt;
-    // No run has the space after the text. If the font kerns the last letter with it, the line may fit.
-    const bool hasUnreadSpace = end == m_text.withoutLastSpace().size();
-    if (hasUnreadSpace && measure(from, to) <= m_lineWidth)
-        return std::nullopt;
 
     const double before = m_run.advance(from, first);
-    const QString tail = m_text.range(first, last);
+    const QString tail = m_text.range(first, lacksSpace ? to : last);
     const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
     if (!shown.endsWith(ellipsis))
         return std::nullopt;
