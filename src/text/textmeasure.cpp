@@ -254,7 +254,8 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     const double before = m_run.advance(from, first);
     const QString tail = m_text.range(first, lacksSpace ? to : last);
     const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
-    if (!shown.endsWith(ellipsis))
+    const bool isCutBeforeTail = first > from && shown.size() == 1;
+    if (isCutBeforeTail || !shown.endsWith(ellipsis))
         return std::nullopt;
     return ElidedLine{.size = first - from + shown.size(),
                       .overflows = before + m_font.metrics.horizontalAdvance(shown) > m_lineWidth};

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QMap>
 
+#include <algorithm>
 #include <bit>
 #include <numeric>
 
@@ -19,9 +20,14 @@ struct Proportions
 {
     quint16 unitsPerEm;
     quint16 glyphWidth;
+    quint16 ellipsisWidth;
     qint16 ascent;
     qint16 descent;
 };
+
+constexpr quint16 spaceGlyph = 1;
+constexpr quint16 ellipsisGlyph = 165;
+constexpr quint16 glyphCount = 171;
 
 struct CharacterRange
 {
@@ -32,12 +38,11 @@ struct CharacterRange
 
 // All other characters have glyph 0.
 constexpr CharacterRange characterRanges[] = {
-    {0x20, 0x7e, 1},       {0xa0, 0xa0, 166},     {0xab, 0xab, 96},        {0xbb, 0xbb, 97},
-    {0x130, 0x130, 167},   {0x401, 0x401, 168},   {0x410, 0x451, 98},      {0x2014, 0x2014, 164},
-    {0x2026, 0x2026, 165}, {0xfffd, 0xfffd, 169}, {0x1f600, 0x1f600, 170},
+    {0x20, 0x7e, 1},       {0xa0, 0xa0, 166},       {0xab, 0xab, 96},
+    {0xbb, 0xbb, 97},      {0x130, 0x130, 167},     {0x401, 0x401, 168},
+    {0x410, 0x451, 98},    {0x2014, 0x2014, 164},   {0x2026, 0x2026, ellipsisGlyph},
+    {0xfffd, 0xfffd, 169}, {0x1f600, 0x1f600, 170},
 };
-constexpr quint16 spaceGlyph = 1;
-constexpr quint16 glyphCount = 171;
 
 template<typename... Fields>
 QByteArray packed(Fields... fields)
@@ -61,8 +66,9 @@ QByteArray headTable(const Proportions &font)
 
 QByteArray hheaTable(const Proportions &font)
 {
-    return packed(quint32(0x00010000), font.ascent, font.descent, qint16(0), font.glyphWidth,
-                  qint64(0), qint64(0), quint32(0), quint16(0), quint16(1));
+    return packed(quint32(0x00010000), font.ascent, font.descent, qint16(0),
+                  std::max(font.glyphWidth, font.ellipsisWidth), qint64(0), qint64(0), quint32(0),
+                  quint16(0), glyphCount);
 }
 
 QByteArray maxpTable()
@@ -70,10 +76,11 @@ QByteArray maxpTable()
     return packed(quint32(0x00010000), glyphCount) + QByteArray(26, '\0');
 }
 
-// Glyph 0 has the advance width of all glyphs. The other glyphs have only a left side bearing.
 QByteArray hmtxTable(const Proportions &font)
 {
-    return packed(font.glyphWidth, qint16(0)) + QByteArray(2 * (glyphCount - 1), '\0');
+    QByteArray metrics = packed(font.glyphWidth, qint16(0)).repeated(glyphCount);
+    const QByteArray ellipsis = packed(font.ellipsisWidth, qint16(0));
+    return metrics.replace(ellipsisGlyph * ellipsis.size(), ellipsis.size(), ellipsis);
 }
 
 // A rectangle, because Qt gives no width to a glyph without an outline.
@@ -217,19 +224,26 @@ QByteArray kernedFont(const Kerning &kerning)
                                .arg(kerning.beforeSpace)
                                .arg(kerning.afterSpace)
                                .arg(kerning.betweenLetters);
-    constexpr Proportions thousandths{
-        .unitsPerEm = 1000, .glyphWidth = 600, .ascent = 800, .descent = -200};
+    constexpr Proportions thousandths{.unitsPerEm = 1000,
+                                      .glyphWidth = 600,
+                                      .ellipsisWidth = 600,
+                                      .ascent = 800,
+                                      .descent = -200};
     Tables tables = tablesWithoutKerning(family, thousandths);
     tables.insert("kern", kernTable(kerning));
     return fontFile(tables);
 }
 
-QByteArray halfEmFont()
+QByteArray halfEmFont(int charactersInEllipsis)
 {
     // With 1024 units per em, half an em at 20 pixels is exactly 10 pixels. With 1000 units Qt computes 9.98.
-    constexpr Proportions powersOfTwo{
-        .unitsPerEm = 1024, .glyphWidth = 512, .ascent = 768, .descent = -256};
-    return fontFile(tablesWithoutKerning(QStringLiteral("Half em"), powersOfTwo));
+    const Proportions powersOfTwo{.unitsPerEm = 1024,
+                                  .glyphWidth = 512,
+                                  .ellipsisWidth = quint16(512 * charactersInEllipsis),
+                                  .ascent = 768,
+                                  .descent = -256};
+    const QString family = QStringLiteral("Half em %1").arg(charactersInEllipsis);
+    return fontFile(tablesWithoutKerning(family, powersOfTwo));
 }
 
 InstalledFont::InstalledFont(const QByteArray &file)

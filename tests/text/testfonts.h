@@ -21,8 +21,8 @@ struct Kerning
 // Every glyph is 0.6 em wide. The kerning may be stronger than in any font for reading.
 QByteArray kernedFont(const Kerning &kerning);
 
-// Every glyph is half an em wide: 10 pixels in a font of 20 pixels.
-QByteArray halfEmFont();
+// Every glyph is half an em wide, 10 pixels in a font of 20 pixels, but the ellipsis can be several times as wide.
+QByteArray halfEmFont(int charactersInEllipsis = 1);
 
 // Makes a font file available as long as the object exists.
 class InstalledFont

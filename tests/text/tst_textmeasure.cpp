@@ -79,6 +79,9 @@ private Q_SLOTS:
 
     void wholeAdvance_data();
     void wholeAdvance();
+
+private:
+    const InstalledFont m_wideEllipsis{halfEmFont(4)};
 };
 
 void tst_TextMeasure::initTestCase()
@@ -436,6 +439,7 @@ void tst_TextMeasure::elidesAsQtDoes_data()
     row("small capitals", u"Новости дня и ночи, погода"_s, capitalizedFont(QFont::SmallCaps));
     row("capital first letters", u"новости дня и ночи, погода"_s,
         capitalizedFont(QFont::Capitalize));
+    row("an ellipsis as wide as four characters", u"q"_s.repeated(40), m_wideEllipsis.font(20));
 }
 
 void tst_TextMeasure::elidesAsQtDoes()
