@@ -35,12 +35,12 @@ constexpr char16_t firstMirroredSign = u'\u2200';
 constexpr double regionalIndicatorInEms = 2;
 constexpr char32_t firstRegionalIndicator = 0x1f1e6;
 constexpr char32_t lastRegionalIndicator = 0x1f1ff;
-// Signs and marks before the first letter of a range are shaped by the rules of this letter's script, or of
-// the script of the first mark. Within the run, a letter of another script before them can decide instead.
+// A sign has no script of its own: a digit, a space, a dash. Signs and marks at the beginning of a range are shaped
+// by the rules of the first script in the range. Within the run, a letter before them can decide on another script.
 constexpr double foreignSignInEms = 2;
 // In multiples of qtUnit: a million pixels. A greater advance can come from a font that gives two neighbours huge
 // advances of opposite sign. Their sum is right because it wraps at 32 bits, as Qt's sums do; one of them alone
-// means nothing. So a range that ends directly after a greater advance is measured.
+// means nothing. So a range that begins or ends directly after a greater advance is measured.
 constexpr qint32 greatestGlyphAdvance = 1 << 26;
 
 double scaledEm(const QFont &font)

@@ -40,7 +40,7 @@ struct RunFont
 
     const QFont font;
     const QFontMetricsF metrics;
-    const double em; // the pixel size times the stretch, and times a letter spacing of over 100 %
+    const double em; // pixel size x stretch, and x letter spacing if this is over 100 %
     const double letterSpacing;
     const double wordSpacing;
 
@@ -95,8 +95,8 @@ public:
     // begins there, this character has the advance that is read.
     bool beginsFreely(qsizetype position) const;
 
-    // True if each prefix of the range has exactly the advance that is read, also when the range is shaped
-    // with more text after it. beginsFreely(from) must be true.
+    // True if each prefix of the range has exactly the advance that is read, by itself and in each text that
+    // begins with the range. Kerning at the end of the prefix is left out. beginsFreely(from) must be true.
     bool isExact(qsizetype from, qsizetype to) const;
 
     // True if a character of the run moves the next one back.
@@ -110,9 +110,10 @@ private:
     {
         // The sums before the position. The advance is in multiples of qtUnit and wraps at 32 bits, as in Qt.
         quint32 advance = 0;
-        int script = 0; // in which Qt shaped the character after the position
+        int script = 0; // in which Qt shaped the character after the position; 0 before a tab
         double tolerance = 0;
-        double endTolerance = 0; // of a range that begins or ends here
+        double endTolerance =
+            0; // of a range that begins or ends here; also tells the kind of this end
     };
 
     static double inPixels(quint32 advance) { return static_cast<qint32>(advance) * qtUnit; }

@@ -58,8 +58,7 @@ public:
     QString withoutLastSpace() const;
     // Returns the text up to a position of the source, with an ellipsis at its end. If the position is after the
     // source, the text ends with its last space instead. Spaces and punctuation before the ellipsis or this space
-    // are removed. If the position is before the last insertion, as many characters are cut off as the source has
-    // between the two, and the inserted characters at the end are the first ones cut off.
+    // are removed. A position n characters before the last insertion cuts off n characters, inserted ones included.
     QString elidedAt(qsizetype position) const;
 
 private:
@@ -336,8 +335,8 @@ void LineBreaker::moveHyphenToNextLine()
     m_lineStart = hyphenPosition;
 }
 
-// Measures the line of the candidate and cuts the present line, at the same distance from its beginning. The
-// two lines differ if the last word of a paragraph wraps and thereby reaches the line limit.
+// Measures the line of the candidate, and cuts the line from m_lineStart on after as many characters. The two lines
+// differ if the last word of a paragraph wraps and thereby reaches the line limit.
 void LineBreaker::elide()
 {
     const auto line = m_measure.elide(m_candidate.lineStart, m_candidate.end());
@@ -345,7 +344,8 @@ void LineBreaker::elide()
         m_elidedText = QString();
         return;
     }
-    const qsizetype cut = m_lineStart + line.size - (line.overflows ? 2 : 1);
+    constexpr qsizetype ellipsisSize = 1;
+    const qsizetype cut = m_lineStart + line.size - ellipsisSize - (line.isTooWide ? 1 : 0);
     // A cut before m_lineStart removes the separator before the line, which is no half of a surrogate pair.
     m_elidedText = m_lines.elidedAt(cut < m_lineStart ? cut : characterStart(cut));
 }

@@ -15,7 +15,7 @@ constexpr char16_t endOfMeasuredText = u'\u009c';
 // Letters of most scripts are a little over half an em wide.
 constexpr double usualCharacterInEms = 0.55;
 
-// A first run has at most this many lines. The next run begins with the line in which the previous run ended,
+// A run usually has at most this many lines. The next run begins with the line in which the previous run ended,
 // so this line is shaped twice. Shorter runs would shape more lines twice.
 constexpr int usualLines = 16;
 
@@ -32,8 +32,8 @@ bool charactersTakeRoom(const QFont &font)
     return font.letterSpacing() >= 0 && font.wordSpacing() >= 0;
 }
 
-// Returns the size of a first run in characters: those expected in the lines, and a quarter of a line more,
-// because letters can be narrow and a word overflows. The run exceeds longestPiece only if one line does.
+// Returns the size of a run in characters: those expected in the lines, and a quarter of a line more, because
+// letters can be narrow and a word overflows. The run exceeds longestPiece only if one line does.
 qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
@@ -182,7 +182,8 @@ double TextMeasure::measureAndCompare(qsizetype from, qsizetype to, const Readin
     const double advance = measure(from, to);
     if (std::abs(advance - reading.advance) > reading.tolerance)
         m_isReadWrong = true;
-    // With a large tolerance at the other end, this comparison could miss strong kerning at the space.
+    // With a large tolerance, this comparison could miss strong kerning at the space. So at most one end may have
+    // the tolerance of kerned characters, and nothing else may add to it.
     const bool isClose = reading.tolerance <= m_font.kernedEnd + m_font.freeEnd;
     if (isClose && m_text.at(to) == u' ' && to < m_run.end() && m_text.at(to - 1).isLetter())
         m_isComparedAtSpace = true;
@@ -217,7 +218,7 @@ TextMeasure::ElidedLine TextMeasure::elide(qsizetype from, qsizetype to)
     const QString shown =
         m_font.metrics.elidedText(m_text.range(from, to), Qt::ElideRight, m_lineWidth);
     return {.size = shown.size(),
-            .overflows = !shown.isEmpty() && m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
+            .isTooWide = !shown.isEmpty() && m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
 // Lets Qt elide only the characters around the cut. The result is that of the whole line if the readings of
@@ -254,11 +255,12 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     const double before = m_run.advance(from, first);
     const QString tail = m_text.range(first, lacksSpace ? to : last);
     const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
+    // Without an ellipsis, the line fits, or is too narrow for an ellipsis, or Qt shows three dots instead.
     const bool isCutBeforeTail = first > from && shown.size() == 1;
     if (isCutBeforeTail || !shown.endsWith(ellipsis))
         return std::nullopt;
     return ElidedLine{.size = first - from + shown.size(),
-                      .overflows = before + m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
+                      .isTooWide = before + m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
 }
 
 } // namespace ovelin

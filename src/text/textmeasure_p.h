@@ -10,7 +10,7 @@
 namespace ovelin {
 
 // The source text of a layout, in well-formed UTF-16, and one more space after it. This space ends the last
-// word. It is never shown, but size() counts it.
+// word. size() counts it. It is shown only if an elided text is cut after it.
 class SourceText
 {
 public:
@@ -54,17 +54,17 @@ public:
     // `fits` must say true for all advances up to some limit, and false for all greater ones.
     bool decide(qsizetype from, qsizetype to, Fits fits);
 
-    // What QFontMetricsF::elidedText() shows of a line.
+    // What QFontMetricsF::elidedText() shows of a line. For that function, a text that is as wide as the line fits.
     struct ElidedLine
     {
         qsizetype size; // in characters, with the ellipsis; 0 if not even the ellipsis fits
-        bool overflows; // true if the text shown is wider than the line
+        bool isTooWide; // true if the text shown is wider than the line
     };
     ElidedLine elide(qsizetype from, qsizetype to);
 
-    // Compares the reading of a character before a space, if possible a letter, with a measurement. Leaves this
-    // out if decide() compared a range that ends with a letter before a space. Returns true if any comparison
-    // showed a difference beyond the tolerance.
+    // Returns true if a comparison of a reading with a measurement showed a difference beyond the tolerance. If
+    // decide() has compared no range that ends with a letter before a space, this function first compares one
+    // character before a space, a letter if possible.
     bool findsWrongReading();
 
     // Returns the advance of the whole text. If the text is wider than the line, the result can be a smaller
@@ -86,7 +86,7 @@ private:
     const bool m_readsRuns;
     const qsizetype m_usualRunSize; // in characters
 
-    bool m_charactersTakeRoom; // no advance is negative, as far as is known
+    bool m_charactersTakeRoom; // false: a negative advance is possible or was seen
     ShapedRun m_run;
     std::optional<double> m_wholeAdvance;
     bool m_isComparedAtSpace = false;

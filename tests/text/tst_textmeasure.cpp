@@ -454,14 +454,14 @@ void tst_TextMeasure::elidesAsQtDoes()
         const QString line = source.range(from, source.size());
         for (int width = 1; width <= widest; ++width) {
             const QString shown = metrics.elidedText(line, Qt::ElideRight, width);
-            const bool overflows = !shown.isEmpty() && metrics.horizontalAdvance(shown) > width;
+            const bool isTooWide = !shown.isEmpty() && metrics.horizontalAdvance(shown) > width;
             for (const Method method : {Method::ReadRuns, Method::MeasureAll}) {
                 for (const bool isRead : {false, true}) {
                     TextMeasure measure(source, font, width, 1, method);
                     if (isRead)
                         measure.decide(from, source.size(), fitsInto(width));
                     const auto elided = measure.elide(from, source.size());
-                    QVERIFY2(elided.size == shown.size() && elided.overflows == overflows,
+                    QVERIFY2(elided.size == shown.size() && elided.isTooWide == isTooWide,
                              qPrintable(u"%1 in %2 pixels: %3, not %4 characters"_s.arg(line)
                                             .arg(width)
                                             .arg(elided.size)
@@ -502,7 +502,7 @@ void tst_TextMeasure::elidesNoLineThatFitsWithItsSpace()
 
     const auto elided = measure.elide(0, source.size());
     QCOMPARE(elided.size, source.size());
-    QVERIFY(!elided.overflows);
+    QVERIFY(!elided.isTooWide);
 }
 
 void tst_TextMeasure::wholeAdvance_data()
