@@ -245,19 +245,19 @@ std::optional<TextMeasure::ElidedLine> TextMeasure::elideByReading(qsizetype fro
     while (first > from && !m_run.beginsFreely(first))
         --first;
     // No run has the space after the text, but a font can kern the last letter with it. So Qt gets this space.
-    const bool lacksSpace = end < to && end == m_text.withoutLastSpace().size();
-    const qsizetype last = lacksSpace ? end : overflow + 1;
+    const bool reachesEnd = end == m_text.withoutLastSpace().size();
+    const qsizetype last = reachesEnd ? end : overflow + 1;
     const bool isExact = m_charactersTakeRoom && m_run.hasSeparateGlyphs(first, last)
                          && m_run.isExact(first, last) && m_run.isExact(from, last);
     if (!isExact)
         return std::nullopt;
 
     const double before = m_run.advance(from, first);
-    const QString tail = m_text.range(first, lacksSpace ? to : last);
+    const QString tail = m_text.range(first, reachesEnd ? to : last);
     const QString shown = m_font.metrics.elidedText(tail, Qt::ElideRight, m_lineWidth - before);
-    // Without an ellipsis, the line fits, or is too narrow for an ellipsis, or Qt shows three dots instead.
-    const bool isCutBeforeTail = first > from && shown.size() == 1;
-    if (isCutBeforeTail || !shown.endsWith(ellipsis))
+    // With only an ellipsis, the cut may be before the tail. Without one, the line fits, or it is too narrow for an
+    // ellipsis, or Qt shows three dots instead.
+    if (shown.size() == 1 || !shown.endsWith(ellipsis))
         return std::nullopt;
     return ElidedLine{.size = first - from + shown.size(),
                       .isTooWide = before + m_font.metrics.horizontalAdvance(shown) > m_lineWidth};
