@@ -38,7 +38,7 @@ std::string caseName(const TextCase &textCase)
 
 constexpr TextCase usualCase{.script = Script::Russian, .wordCount = 20, .maxLineCount = 4};
 
-// A long text should cost as much as a text of this many words in the same lines.
+// A long text should cost as much as a text of this many words with the same line limit.
 constexpr int fewWords = 60;
 
 Contender relayoutOfFewWords(TextCase textCase)

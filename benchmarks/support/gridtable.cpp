@@ -15,8 +15,7 @@ namespace {
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
-// Returns true if the layout is faster than a contender, by the ratio of their times. False if the contender was not
-// measured: its ratio is `unknown`.
+// True if the layout is faster than a contender, by the ratio of their times. False if the ratio is unknown.
 bool isAhead(double ratio)
 {
     return ratio < 1;

@@ -11,8 +11,8 @@ using StatePointer = QSharedPointer<ResourceOwnerState>;
 
 namespace {
 
-// True if the tracker still lists the state: an owner that was told earlier may have
-// unregistered this one.
+// True if the tracker still lists the state. Another owner, told of its decision before,
+// can have unregistered the owner of this state.
 bool isListed(const SceneResourceTracker &tracker, const StatePointer &state)
 {
     const auto known = tracker.owners().find(state->owner);

@@ -266,7 +266,7 @@ void GuideScene::arrangeCards()
     forgetFarCards();
 }
 
-// Searches the programme of each card by its time. A walk through all programmes of the channel would
+// Finds the programme of each card by its time. A walk through all programmes of the channel would
 // cost more than the few cards of a row.
 void GuideScene::arrangeRow(std::size_t channelIndex)
 {

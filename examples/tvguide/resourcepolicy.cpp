@@ -120,8 +120,8 @@ std::vector<ResourcePolicy::Verdict> ResourcePolicy::verdicts() const
     return verdicts;
 }
 
-// False if this owner has left the tracker: a slot of another owner, called with the decision on that other owner,
-// can unregister or destroy this owner.
+// False if the owner of the state has left the tracker. Another owner, told of its decision before, can have
+// unregistered or destroyed it.
 bool ResourcePolicy::isRegistered(const QSharedPointer<ResourceOwnerState> &state) const
 {
     const auto known = m_tracker.owners().find(state->owner);

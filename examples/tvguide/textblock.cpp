@@ -56,8 +56,8 @@ int TextBlock::height() const
     return m_isShown && !text().isEmpty() ? m_renderer.boundingSize().height() : 0;
 }
 
-// The text of the renderer does not contain the line breaks that Qt makes at spaces. This layout
-// finds them.
+// The text of the renderer does not contain the line breaks that Qt makes at spaces. A QTextLayout
+// of the same width makes the same ones.
 QStringList TextBlock::displayedLines() const
 {
     QStringList lines;

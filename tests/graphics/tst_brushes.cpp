@@ -556,7 +556,7 @@ void tst_Brushes::sizesBeyondMemoryGiveNoTexture_data()
 {
     QTest::addColumn<QSize>("size");
 
-    // A row would have more bits than an int can count, so that Qt requests no memory.
+    // A row would have more bits than an int can count, so Qt requests no memory.
     QTest::newRow("greatest") << QSize(maxInt, maxInt);
     QTest::newRow("greatest width") << QSize(maxInt, 1);
     QTest::newRow("more than a row can have") << QSize(1 << 29, 2);

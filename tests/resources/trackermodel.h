@@ -138,7 +138,7 @@ struct TrackerModel : TrackerSituation
     void apply(const TrackerStep &step, const Reactions &reactions = {});
 
     // Returns the first broken rule, or an empty text. Re-entrant slots cannot break the rules. An application that
-    // writes into states can break all rules but the cap of the log, so that only the cap is checked afterwards.
+    // writes into states can break all rules but the cap of the log. Only the cap is checked afterwards.
     QString violation() const;
 
     // The calls of the last step: the step, then the calls of its slots; an empty call ends a slot.

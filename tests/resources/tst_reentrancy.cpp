@@ -177,7 +177,7 @@ enum class Inside { Tracker, ItemA };
 struct Operation
 {
     const char *name;
-    // An application must not destroy an item inside one of its own functions.
+    // An application must not destroy an item inside a function of this item.
     Inside inside;
     void (*run)(Scene &);
 };

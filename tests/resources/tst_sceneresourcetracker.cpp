@@ -669,7 +669,7 @@ void tst_SceneResourceTracker::unregisteringRemovesTheNamedOwnerThoughTheTableHa
 
     tracker.unregisterResource(&owner, 2);
 
-    // The count in the state of the entry decides, and the owner named in the call leaves.
+    // The count in the state of the entry is 0, so the owner named in the call leaves.
     QCOMPARE(state->resourceCount, 0);
     QVERIFY(!tracker.owners().contains(&owner));
     QVERIFY(tracker.owners().contains(&other));

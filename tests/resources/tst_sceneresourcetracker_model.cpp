@@ -60,7 +60,7 @@ rc::Gen<TrackerStep::Kind> anyKind(TrackerStep::Kind first, TrackerStep::Kind la
                         [](int kind) { return static_cast<TrackerStep::Kind>(kind); });
 }
 
-// RapidCheck narrows ranges in its small cases. Those would then contain nothing but registrations.
+// RapidCheck narrows ranges in its small cases. Small cases would then contain only registrations.
 rc::Gen<TrackerStep> anyStep(TrackerStep::Kind last)
 {
     const auto kind = rc::gen::weightedOneOf<TrackerStep::Kind>(
@@ -194,7 +194,7 @@ void tst_SceneResourceTrackerModel::stateWithoutOwnerBreaksNoRule()
     model.states[std::size_t(model.trackers[1].owners.at(0))].owner.reset();
     QCOMPARE(model.violation(), QString());
 
-    // The entries with that state are still listed.
+    // The entries of the state without an owner are still listed.
     model.trackers[1].owners.erase(0);
     QCOMPARE(model.violation(), QString());
 }

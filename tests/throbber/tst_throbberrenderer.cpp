@@ -665,7 +665,7 @@ void tst_ThrobberRenderer::followsTheCycle_data()
     QTest::addColumn<int>("start");
     QTest::addColumn<int>("length");
 
-    // The figures for ticks of 3 and 6 degrees were computed without the library and without Qt.
+    // Computed without the library and without Qt. Each tick adds 3 degrees of rotation and 6 of span.
     QTest::newRow("rest") << 0 << -80 << -80;
     QTest::newRow("first") << 1 << -128 << -84;
     QTest::newRow("second") << 2 << -176 << -96;
@@ -841,7 +841,7 @@ void tst_ThrobberRenderer::easingClampsOutsideTheRange()
 }
 
 // Angles are truncated towards zero. After -370 degrees of rotation the start is 79.9, truncated to 79 (in 1/16
-// degree). After 350 degrees, the same direction, it would be -5680.1, truncated to -5680, which is 80 in one turn.
+// degree). After 350 degrees, which is two turns more, it would be -5680.1, truncated to -5680, which is 80 in one turn.
 void tst_ThrobberRenderer::negativeRotationStaysNegative()
 {
     const auto throbber = makeThrobber();

@@ -395,7 +395,7 @@ void tst_TvGuide::printsTheLog()
     QVERIFY(output.contains(u"creation_allowed"_s));
     QVERIFY(output.contains(u"tvguide::PosterItem"_s));
 
-    // The tracker keeps fewer than 100 messages, the program more. A high picture shows enough items for more.
+    // The tracker keeps fewer than 100 messages, the program more. A high picture causes more than 100.
     const QString many =
         run({u"--render"_s, fileName, u"--size"_s, u"1920x2400"_s, u"--log"_s}).output;
     QVERIFY(many.count(u"tvguide::PosterItem"_s) > 100);
