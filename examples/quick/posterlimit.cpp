@@ -38,7 +38,7 @@ PosterLimit::PosterLimit(QObject *parent)
 
 void PosterLimit::decide()
 {
-    // The tracker lists images in the order in which they were registered; each item has one.
+    // The tracker lists images in the order in which they were registered. Each item has one image.
     QList<StatePointer> states;
     for (const ResourceInfo &resource : m_tracker->resources())
         states.append(resource.ownerState);

@@ -363,7 +363,7 @@ int LineBreaker::hyphenationPoint()
         return kept <= m_candidate.wordSize()
                && m_measure.decide(m_lineStart, m_wordStart + kept, fitsWithHyphen);
     };
-    // The last word comes without the space after the text.
+    // If this is the last word, the space after the text is not part of it.
     const auto word =
         QStringView(m_source.withoutLastSpace()).mid(m_wordStart, m_candidate.wordSize());
     const int point = ovelin::hyphenationPoint(word, prefixFits);

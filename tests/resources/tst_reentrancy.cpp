@@ -574,8 +574,8 @@ void tst_Reentrancy::everyReactionToADecision()
 
 void tst_Reentrancy::unregistersAnEntryOnceFromItsOwnMessage()
 {
-    // This slot also reacts to messages that it causes itself. The counter must outlive the scene, because the
-    // destructor of the scene emits signals.
+    // The slot's own call must cause no message: a message would run the slot again, up to manyCalls times. The
+    // counter must outlive the scene, because the destructor of the scene emits signals.
     int depth = 0;
     Scene scene;
     const SignalRecorder recorder(scene.tracker);

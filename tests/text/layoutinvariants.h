@@ -53,8 +53,8 @@ QString referenceViolation(const TextRenderer &renderer, const ReferenceLayout &
 // shaping. The renderer stays as it is, apart from being laid out again.
 QString layoutViolation(TextRenderer &renderer, int availableHeight);
 
-// True if `shown` is `source`, or with Extent::Prefix a prefix of it, with inserted line breaks and with
-// hyphens inserted before such breaks.
+// True if `shown` is `source` with inserted line breaks; a hyphen may be inserted before each of them. With
+// Extent::Prefix, `shown` may be a prefix of `source` with such insertions.
 enum class Extent { All, Prefix };
 bool isSourceWithBreaks(const QString &shown, const QString &source, Extent extent);
 

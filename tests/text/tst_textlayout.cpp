@@ -368,7 +368,7 @@ void tst_TextLayout::showsTheWholeTextWithoutLineLimit_data()
     QTest::newRow("range of numbers") << QStringLiteral("1000-2000-3000");
 }
 
-// A word that fits on no line would wrap for ever, so the layout accepts it.
+// A word that fits on no line would wrap for ever. So the layout leaves it on a line that it overflows.
 void tst_TextLayout::showsTheWholeTextWithoutLineLimit()
 {
     QFETCH(QString, text);
