@@ -131,7 +131,7 @@ void AbstractResourceOwner::unregisterResource(int id)
     const auto *d = SceneResourceTrackerPrivate::get(tracker);
     const StatePointer before = d->knownState(this);
     tracker->unregisterResource(this, id);
-    // A re-entrant slot may have dropped the state, or registered the item anew with another one.
+    // A re-entrant slot may have dropped the state, or registered the item anew, with another state.
     if (ownerState && ownerState->resourceCount == 0) {
         const StatePointer known = d->knownState(this);
         ownerState = known == before ? StatePointer() : known;

@@ -135,7 +135,7 @@ void SceneResourceTrackerPrivate::update(Resources::iterator entry, const Resour
 {
     entry->type = info.type;
     entry->name = info.name;
-    // cppcheck-suppress duplicateConditionalAssign ; an equal URL keeps the data that it shares
+    // cppcheck-suppress duplicateConditionalAssign ; an equal URL keeps its shared data
     if (entry->url != info.url)
         entry->url = info.url;
     addMessage(SceneResourceTracker::Message::Updated, *entry);

@@ -86,8 +86,8 @@ void insertHyphens(QString &classes)
     }
 }
 
-// False if the word certainly has no hyphenation point, because it has no hyphen and no letter of a class.
-// This saves the search in words of other scripts, which can be long.
+// False only if the word has no hyphen and no letter of a class, and so no hyphenation point. This saves the
+// search in words of other scripts, which can be long.
 bool mayHavePoints(QStringView word)
 {
     return std::ranges::any_of(word, [](QChar c) {

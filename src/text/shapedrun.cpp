@@ -14,13 +14,13 @@ namespace {
 // scripts that it is for. If a tolerance is too small, lines break in the wrong place. If it is too large, more
 // ranges are measured.
 
-// An end of a range between two characters that stand side by side. The pair is kerned in the run, but not in
-// the range by itself. Fonts kern a pair by up to half an em.
+// A range ends between two characters that stand side by side. The pair is kerned in the run, but not in the
+// range by itself. Fonts kern a pair by up to half an em.
 constexpr double kernedEndInEms = 0.5;
-// An end as in kernedEndInEms, if the character inside the range has the advance that the font gives this
+// A range ends as in kernedEndInEms, and the character inside the range has the advance that the font gives this
 // character alone. The pair is not kerned then, and rules for characters that are farther apart change little.
 constexpr double freeEndInEms = 0.05;
-// An end between characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
+// A range ends between characters that join, stack or are one glyph, such as Arabic letters, marks and ligatures.
 constexpr double joinedEndInEms = 4;
 // QFont::Capitalize depends on where a word begins. In a font with any capitalization, this tolerance is added to
 // kernedEndInEms and to freeEndInEms.

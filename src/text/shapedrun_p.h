@@ -13,8 +13,8 @@ QT_END_NAMESPACE
 
 namespace ovelin {
 
-// An advance that was read from a shaped run, in pixels. The advance of the same characters, shaped by
-// themselves, differs from it by at most the tolerance.
+// The advance of a range, read from a shaped run, in pixels. If the range is shaped by itself, its advance
+// differs by at most the tolerance.
 struct Reading
 {
     double advance;
@@ -58,7 +58,7 @@ struct RunFont
 //
 // For each position the run keeps two sums: of the advances before the position, and of the tolerances of the
 // characters before the position. A character has a tolerance if its advance can differ in another range.
-// Each end of a range also adds a tolerance, because the range has other neighbours within the run than by
+// Each end of a range also adds a tolerance, because the range has neighbours within the run, and none by
 // itself. The ends of the run add none.
 class ShapedRun
 {

@@ -13,8 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A forced split moves at least this many characters of the word to the next line, its separator counted.
-// A word of no more characters is never split by force.
+// A forced split moves at least this many characters of the word to the next line. The word's separator counts.
+// A word of so many characters or fewer is never split by force.
 constexpr qsizetype fewestMoved = 5;
 // A word that would fit on a line of its own is split by force only if it has at least this many characters,
 // its separator counted.
@@ -114,7 +114,7 @@ public:
         bool operator==(const State &) const = default;
     };
 
-    // Returns the number of lines since the same state; nothing if the state is new.
+    // Returns how many lines ago this state occurred; nothing if the state is new.
     std::optional<int> linesSince(const State &state, int lineCount);
 
 private:

@@ -42,9 +42,9 @@ struct BrokenText
     std::optional<int> fineWidth;
 };
 
-// Breaks a text into lines. Inserts a line separator where a line ends but Qt, given the same width, would not
-// break the text by itself; a hyphen before the line separator at a hyphenation point; an ellipsis at the end
-// if the line limit cuts the text. The text must be well-formed UTF-16.
+// Breaks a text into lines. Inserts a line separator where a line ends but Qt, given the width limit, would not
+// break the text by itself. Inserts a hyphen before this separator if the word is split at a hyphenation point. Adds
+// an ellipsis at the end if the line limit cuts the text. The text must be well-formed UTF-16.
 BrokenText breakIntoLines(const QString &text, const QFont &font, const LineLimits &limits);
 
 } // namespace ovelin

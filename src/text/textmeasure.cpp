@@ -33,7 +33,7 @@ bool charactersTakeRoom(const QFont &font)
 }
 
 // Returns the size of a run in characters: those expected in the lines, and a quarter of a line more, because
-// letters can be narrow and a word overflows. The run exceeds longestPiece only if one line does.
+// letters can be narrow and a word overflows. The run exceeds longestPiece only if a line and a quarter do.
 qsizetype usualRunSize(const QFont &font, double lineWidth, int maxLineCount, qsizetype textSize)
 {
     const double characters = lineWidth / (usualCharacterInEms * std::max(1, font.pixelSize()));
