@@ -33,8 +33,8 @@ QString described(const ReferenceInput &input);
 // Sets the values of the input in a renderer and lays its text out.
 void apply(TextRenderer &renderer, const ReferenceInput &input);
 
-// Fails the current test, with the input in its message, unless the library gives the reference layout: the
-// same text and size, elided or not.
+// Fails the current test, with the input in its message, unless the library shows the text of the reference layout in
+// the same size, and elides it if the reference layout does.
 void compareLayout(const ReferenceInput &input, LayoutCounts *counts = nullptr);
 
 // Does what compareLayout() does. Also compares two effects of the width of the whole text: the position of

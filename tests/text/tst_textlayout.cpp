@@ -224,8 +224,8 @@ void tst_TextLayout::removesSpaceAndPunctuationBeforeTheEllipsis()
 {
     QFETCH(QString, removed);
 
-    // Qt cuts this line right after the removed characters at one of these widths. The rest of the text is one
-    // word, so that the line is not cut at an earlier break opportunity.
+    // At one of these widths Qt cuts the line directly after the characters that the layout must then remove. The
+    // rest of the text is one word, so that the layout breaks the line nowhere before.
     const QString kept = QStringLiteral("a,a");
     const QString text = kept + removed + QStringLiteral("bbbbbbbbbb");
     const QFontMetricsF metrics(pixelFont());

@@ -132,9 +132,9 @@ const Example examples[] = {
     {"last word wraps, four lines",          u"аб вг\nде",    45,           4, on, {u"аб", u"вг", u"де"},     whole},
     {"last word wraps, three lines",         u"аб вг\nде",    45,           3, on, {u"аб", u"вг…"},           elided},
     {"last word wraps, two lines",           u"аб вг\nде",    45,           2, on, {u"аб", u"вг…"},           elided},
-    // If the second count reaches the limit, the first line is elided to N characters, and the second line is
-    // cut after N characters, its newline and the space after the text counted. In the third row these are fewer
-    // than N characters, and the second line ends with this space instead of an ellipsis.
+    // If the second count reaches the limit, Qt elides the first line to N characters, and the layout cuts the second
+    // line after N characters. Its newline and the space after the text count. In the third row the second line has
+    // fewer than N characters, and ends with this space instead of an ellipsis.
     {"cut at the end of the text",           u"аб вгд\n",     55,           2, on, {u"аб", u"вгд…"},          elided},
     {"cut next to the end of the text",      u"абв гд\n",     55,           2, on, {u"абв", u"гд…"},          elided},
     {"cut beyond the end of the text",       u"абвг д\n",     55,           2, on, {u"абвг", u"д "},          elided},

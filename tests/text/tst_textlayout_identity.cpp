@@ -410,7 +410,7 @@ void tst_TextLayoutIdentity::agreesOnTextsInKernedFontsThatWereWrong_data()
     QTest::newRow("compared in a word of one letter")
         << -1400 << spaced(sized(40, 100), QFont::AbsoluteSpacing, -2.5)
         << QStringLiteral("-\t gsgsgs-Щ, - а - телеканала") << 127 << 3;
-    // The space after the text moves the last letter back, so that Qt cuts after this letter.
+    // The space after the text moves the last letter back. So Qt cuts the text after this letter.
     QTest::newRow("elided after the last letter")
         << -450 << spaced(sized(20, 100), QFont::PercentageSpacing, 2000) << QStringLiteral("лажк")
         << 957 << 1;

@@ -1124,7 +1124,7 @@ void tst_TextRenderer::boundingSizeOfEmptyTextIgnoresMargins()
     const TextRenderer untouched;
     QCOMPARE(untouched.boundingSize(margins).width(), 0);
 
-    // The static text still has the layout of the text before.
+    // The static text still has the layout of the previous text.
     for (const int percent : {105, 112}) {
         TextRenderer rich;
         rich.setTextFormat(Qt::RichText);
